@@ -1,0 +1,82 @@
+#include "foundation/Time.h"
+
+#include <unicode/datefmt.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <mutex>
+
+namespace snaplift {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+// A civil date and time of day. The calendar of std::chrono ends at the year 32767; the days of an
+// Instant reach further, so the year is kept as a plain number (proleptic Gregorian).
+struct CivilTime {
+  std::int64_t year;
+  unsigned month, day, hour, minute, second;
+};
+
+CivilTime civilTime(Instant instant) {
+  const auto day = std::chrono::floor<std::chrono::days>(instant);
+  const std::chrono::hh_mm_ss time{std::chrono::floor<std::chrono::seconds>(instant - day)};
+  // 400 Gregorian years are 146,097 days: fold the date into the calendar's own range.
+  constexpr std::int64_t daysOfEra = 146097;
+  const std::int64_t days = day.time_since_epoch().count();
+  const std::int64_t era = (days >= 0 ? days : days - (daysOfEra - 1)) / daysOfEra;
+  const std::chrono::year_month_day date{
+      std::chrono::sys_days{std::chrono::days{days - era * daysOfEra}}};
+  return {era * 400 + static_cast<int>(date.year()),
+          static_cast<unsigned>(date.month()),
+          static_cast<unsigned>(date.day()),
+          static_cast<unsigned>(time.hours().count()),
+          static_cast<unsigned>(time.minutes().count()),
+          static_cast<unsigned>(time.seconds().count())};
+}
+
+std::string formatted(const char* format, Instant instant) {
+  const CivilTime t = civilTime(instant);
+  const char* sign = t.year < 0 ? "-" : t.year > 9999 ? "+" : "";
+  char text[64];
+  std::snprintf(text, sizeof text, format, sign, static_cast<long long>(std::abs(t.year)), t.month,
+                t.day, t.hour, t.minute, t.second);
+  return text;
+}
+
+}  // namespace
+
+Instant instantFromUnixTime(std::int64_t seconds, std::int64_t nanoseconds) {
+  constexpr std::int64_t limit = microseconds::max().count() / 1'000'000 - 1;
+  const std::int64_t kept = std::clamp(seconds, -limit, limit);
+  return Instant(std::chrono::seconds(kept) + microseconds(nanoseconds / 1000));
+}
+
+std::string rfc3339Text(Instant instant) {
+  return formatted("%s%04lld-%02u-%02uT%02u:%02u:%02uZ", instant);
+}
+
+std::string defaultDateText(Instant instant) {
+  return formatted("%s%04lld-%02u-%02u %02u:%02u:%02u +0000", instant);
+}
+
+std::string longDateText(Instant instant) {
+  // One formatter for the process: making one costs more than a thousand dates. ICU's formatters
+  // are not for use by two threads at once.
+  static std::mutex mutex;
+  static const std::unique_ptr<icu::DateFormat> format(
+      icu::DateFormat::createDateInstance(icu::DateFormat::kLong));
+  std::string text;
+  if (format) {
+    const std::lock_guard lock(mutex);
+    icu::UnicodeString words;
+    const auto time = std::chrono::floor<milliseconds>(instant).time_since_epoch();
+    format->format(static_cast<UDate>(time.count()), words).toUTF8String(text);
+  }
+  return text.empty() ? rfc3339Text(instant).substr(0, 10) : text;
+}
+
+}  // namespace snaplift
