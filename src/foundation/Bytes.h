@@ -26,7 +26,7 @@ inline ByteView bytesOf(std::string_view text) {
 // megabytes with zeros first. The storage stays when the buffer shrinks, so that one buffer can be
 // handed from file to file without a new allocation for each. Moves, never copies.
 class Bytes {
- public:
+public:
   Bytes() = default;
   explicit Bytes(std::size_t size) { resize(size); }
   Bytes(Bytes&& other) noexcept { swap(other); }
@@ -51,7 +51,7 @@ class Bytes {
   // capacity; otherwise what stood in the storage stays. Throws std::bad_alloc.
   void resize(std::size_t size);
 
- private:
+private:
   void swap(Bytes& other) noexcept;
 
   std::unique_ptr<std::uint8_t[]> m_storage;

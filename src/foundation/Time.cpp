@@ -1,12 +1,12 @@
 #include "foundation/Time.h"
 
-#include <unicode/datefmt.h>
-#include <unicode/unistr.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <mutex>
+
+#include <unicode/datefmt.h>
+#include <unicode/unistr.h>
 
 namespace snaplift {
 namespace {

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace snaplift {
+
+// The system log: one line per message on the standard error stream, without levels or a prefix.
+// Desktop sessions and terminals both collect it from there. A line goes out in one write, so that
+// lines of several threads never mix. Control characters and line breaks of the message are escaped
+// (see escapedForLog): names come from backups, and no name may forge a line.
+void systemLog(std::string_view message);
+
+// `text` with each control character (below 0x20, and 0x7F) as "\n", "\t", "\r" or "\x1b", a
+// backslash as "\\", and everything else as it is.
+std::string escapedForLog(std::string_view text);
+
+// Sends the lines (escaped, without a line end) to `sink` instead, for as long as this object
+// lives; tests read the log with it. The sink is called on the logging thread, one call at a time.
+// Objects end in the reverse order of their making.
+class LogCapture {
+public:
+  using Sink = std::function<void(std::string line)>;
+  explicit LogCapture(Sink sink);
+  LogCapture(const LogCapture&) = delete;
+  LogCapture& operator=(const LogCapture&) = delete;
+  ~LogCapture();
+
+private:
+  Sink m_outer;
+};
+
+}  // namespace snaplift
