@@ -12,7 +12,7 @@ namespace {
 TEST(Log, noNameForgesALine) {
   std::vector<std::string> lines;
   const LogCapture capture([&](std::string line) { lines.push_back(std::move(line)); });
-  systemLog(std::string_view("a\nfailed\r\t\x1b[31m\0\x7f\\ \xc3\xa4", 20));
+  systemLog(std::string_view("a\nfailed\r\t\x1b[31m\0\x7f\\ \xc3\xa4", 21));
   EXPECT_THAT(lines, testing::ElementsAre("a\\nfailed\\r\\t\\x1b[31m\\x00\\x7f\\\\ \xc3\xa4"));
 }
 
