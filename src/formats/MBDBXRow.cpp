@@ -34,13 +34,16 @@ MBDBXRow MBDBXRow::initWithRow(ByteView entry) {
   using manifestFields::bytesFromOffset;
   MBDBXRow row;
   std::uint64_t offset = 0;
-  if (const auto key = bytesFromOffset(entry, offset, std::tuple_size_v<Sha1Digest>)) {
+  const auto key = bytesFromOffset(entry, offset, std::tuple_size_v<Sha1Digest>);
+  const auto number = key ? bytesFromOffset(entry, offset, 4) : std::nullopt;
+  const auto mode = number ? bytesFromOffset(entry, offset, 2) : std::nullopt;
+  if (key) {
     std::ranges::copy(*key, row.m_key.emplace().begin());
   }
-  if (const auto number = bytesFromOffset(entry, offset, 4)) {
+  if (number) {
     row.m_index = static_cast<std::uint32_t>(bigEndianUnsignedInt(*number));
   }
-  if (const auto mode = bytesFromOffset(entry, offset, 2)) {
+  if (mode) {
     row.m_mode = static_cast<std::uint16_t>(bigEndianUnsignedInt(*mode));
     row.m_type = typeFromIndexFile(*row.m_mode);
   }

@@ -13,18 +13,18 @@ const iOS5BackupReader::Records& iOS5BackupReader::records(std::stop_token stop)
   if (m_built) {
     return m_records;
   }
-  m_built = true;
   m_reader = iOS5MBDBReader(joinPath(m_backupFolderPath, "Manifest.mbdb"));
   std::size_t count = 0;
   while (const std::optional<ManifestRecord> record = m_reader.nextEntry()) {
     if (++count % entriesBetweenStopTests == 0 && stop.stop_requested()) {
       m_records.clear();
-      break;
+      return m_records;
     }
     if (record->filelength() != 0) {
       addBackupRowToRecords(*record);
     }
   }
+  m_built = true;
   return m_records;
 }
 

@@ -26,8 +26,8 @@ public:
   iOS5BackupReader& operator=(const iOS5BackupReader&) = delete;
 
   // The index, built at the first call and the same ever after. A missing or unreadable manifest
-  // gives an empty one. When `stop` is requested during that call the index stays empty: a part of
-  // a manifest is never passed off as the whole.
+  // gives an empty one. When `stop` is requested during that call the answer is empty and the index
+  // not built: a part of a manifest is never passed off as the whole.
   const Records& records(std::stop_token stop = {});
 
   // Places `record` in this backup and appends it to the list of its domain. Its texts must live as

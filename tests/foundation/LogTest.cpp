@@ -1,10 +1,10 @@
-#include "foundation/Log.h"
+#include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include "foundation/Log.h"
 
 namespace snaplift {
 namespace {

@@ -1,8 +1,8 @@
-#include "foundation/Path.h"
+#include <string>
 
 #include <gtest/gtest.h>
 
-#include <string>
+#include "foundation/Path.h"
 
 namespace snaplift {
 namespace {

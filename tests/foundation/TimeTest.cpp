@@ -1,9 +1,9 @@
-#include "foundation/Time.h"
+#include <cstdint>
+#include <limits>
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <limits>
+#include "foundation/Time.h"
 
 namespace snaplift {
 namespace {
@@ -13,13 +13,12 @@ TEST(Time, writesDatesOfAnyYear) {
     std::int64_t seconds;
     const char* text;
   };
-  for (const Case& c : {Case{0, "1970-01-01T00:00:00Z"}, Case{-1, "1969-12-31T23:59:59Z"},
-                        Case{1318408200, "2011-10-12T08:30:00Z"},
-                        Case{std::numeric_limits<std::int32_t>::min(), "1901-12-13T20:45:52Z"},
-                        Case{253402300799, "9999-12-31T23:59:59Z"},
-                        Case{253402300800, "+10000-01-01T00:00:00Z"},
-                        Case{-62167219200, "0000-01-01T00:00:00Z"},
-                        Case{-62167219201, "-0001-12-31T23:59:59Z"}}) {
+  for (const Case& c :
+       {Case{0, "1970-01-01T00:00:00Z"}, Case{-1, "1969-12-31T23:59:59Z"},
+        Case{1318408200, "2011-10-12T08:30:00Z"},
+        Case{std::numeric_limits<std::int32_t>::min(), "1901-12-13T20:45:52Z"},
+        Case{253402300799, "9999-12-31T23:59:59Z"}, Case{253402300800, "+10000-01-01T00:00:00Z"},
+        Case{-62167219200, "0000-01-01T00:00:00Z"}, Case{-62167219201, "-0001-12-31T23:59:59Z"}}) {
     EXPECT_EQ(rfc3339Text(instantFromUnixTime(c.seconds)), c.text);
   }
   EXPECT_EQ(defaultDateText(instantFromUnixTime(1318408200, 999999999)),

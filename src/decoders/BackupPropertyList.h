@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/PropertyList.h"
+
+namespace snaplift {
+
+// The property list in the file `name` of `folder`, found without regard to letter case, whose root
+// is a dictionary. Nothing where the file is missing, unreadable or anything else.
+std::optional<PropertyList> readDictionary(const std::string& folder, std::string_view name);
+
+// The property list in the file at `path`, as it is spelled.
+std::optional<PropertyList> readDictionaryAtPath(const std::string& path);
+
+// Whether a backup's "manifest.plist" says that its content is encrypted. A missing manifest, or one
+// without the key, says no.
+bool isEncrypted(const std::optional<PropertyList>& manifest);
+
+}  // namespace snaplift

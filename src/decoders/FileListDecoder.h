@@ -1,0 +1,57 @@
+#pragma once
+
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "decoders/BackupFileModel.h"
+#include "decoders/PhotoDecoder.h"
+
+namespace snaplift {
+
+// One entry of the "Files" listing of a generation-3 or generation-2 "manifest.plist".
+struct ListedFile {
+  // The name of the entry's files inside the backup folder, without extension. Checked: it cannot
+  // lead out of the folder.
+  std::string baseName;
+  std::optional<Instant> modificationTime;
+};
+
+// What the decoders of generations 3 and 2 do alike. Their "manifest.plist" lists a base name for
+// each backed-up file; what the file is called on the device stands in a small property list of its
+// own, so that a load opens thousands of files. Only the entries of one domain are opened, on several
+// threads, each once. The photos are listed newest first; those without a date come last, and equal
+// dates go by unique path.
+class FileListDecoder : public PhotoDecoder<BackupFileModel> {
+ public:
+  using PhotoDecoder::PhotoDecoder;
+
+  void loadContents(std::stop_token stop = {}) override;
+  void visitFiles(const FileVisitor& visit) override;
+
+ protected:
+  // The domain that the generation keeps its photos in.
+  virtual std::string_view photoDomain() const = 0;
+
+  // Whether the generation's manifest has the flag of encryption.
+  virtual bool knowsEncryption() const = 0;
+
+  // The record of one listed file, its path and date filled in; nothing where the entry's property
+  // list is missing or lacks something. `isWanted` is asked before anything large is kept. Called
+  // from several threads at once.
+  using PathFilter = bool (*)(std::string_view path);
+  virtual std::optional<BackupFileModel> readFileModel(const ListedFile& file,
+                                                       PathFilter isWanted) const = 0;
+
+  // A record of this backup with the content file `baseName` + "." + `extension`.
+  BackupFileModel fileModel(const ListedFile& file, std::string_view extension) const;
+
+  std::string contentFileName(const BackupFileModel& photo) const override;
+
+ private:
+  std::vector<BackupFileModel> readFileModels(PathFilter isWanted, std::stop_token stop);
+};
+
+}  // namespace snaplift

@@ -1,0 +1,48 @@
+#include "decoders/iOS4Decoder.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+#include "decoders/BackupPropertyList.h"
+#include "decoders/PhotoSuffix.h"
+
+namespace snaplift {
+
+const MBDBXReader& iOS4Decoder::reader(std::stop_token stop) {
+  if (!m_reader) {
+    m_reader = std::make_unique<MBDBXReader>(backupPath(), stop);
+  }
+  return *m_reader;
+}
+
+void iOS4Decoder::loadContents(std::stop_token stop) {
+  setEncrypted(isEncrypted(readDictionary(backupPath(), "manifest.plist")));
+  const auto* media = reader(stop).records().entriesOf("MediaDomain");
+  if (stop.stop_requested()) {
+    m_reader.reset();  // it may hold nothing of what the manifest says
+    return;
+  }
+  std::vector<MBDBXRow> photos;
+  if (media) {
+    std::ranges::copy_if(*media, std::back_inserter(photos), [](const MBDBXRow& row) {
+      return row.type() == MBDBXRow::RegularFile && endsLikePhoto(row.path());
+    });
+  }
+  setPhotos(std::move(photos));
+}
+
+void iOS4Decoder::visitFiles(const FileVisitor& visit) {
+  for (const auto& [domain, rows] : reader().records().map()) {
+    for (const MBDBXRow& row : rows) {
+      const std::string filename = row.hash().value_or(std::string());
+      visit({domain, row.path(), filename, row.filelength(), row.modificationDate(), row.type()});
+    }
+  }
+}
+
+std::string iOS4Decoder::contentFileName(const MBDBXRow& photo) const {
+  return photo.hash().value_or(std::string());
+}
+
+}  // namespace snaplift

@@ -1,0 +1,46 @@
+#include "decoders/iOS5Decoder.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+#include "decoders/BackupPropertyList.h"
+#include "decoders/PhotoSuffix.h"
+
+namespace snaplift {
+
+iOS5BackupReader& iOS5Decoder::reader() {
+  if (!m_reader) {
+    m_reader = std::make_unique<iOS5BackupReader>(backupPath());
+  }
+  return *m_reader;
+}
+
+void iOS5Decoder::loadContents(std::stop_token stop) {
+  setEncrypted(isEncrypted(readDictionary(backupPath(), "manifest.plist")));
+  const auto* cameraRoll = reader().records(stop).entriesOf("CameraRollDomain");
+  if (stop.stop_requested()) {
+    return;
+  }
+  std::vector<ManifestRecord> photos;
+  if (cameraRoll) {
+    std::ranges::copy_if(*cameraRoll, std::back_inserter(photos), endsLikePhoto,
+                         &ManifestRecord::path);
+  }
+  setPhotos(std::move(photos));
+}
+
+void iOS5Decoder::visitFiles(const FileVisitor& visit) {
+  for (const auto& [domain, records] : reader().records().map()) {
+    for (const ManifestRecord& record : records) {
+      const std::string filename = record.filename();
+      visit({domain, record.path(), filename, record.filelength(), record.modificationDate(), {}});
+    }
+  }
+}
+
+std::string iOS5Decoder::contentFileName(const ManifestRecord& photo) const {
+  return photo.filename();
+}
+
+}  // namespace snaplift

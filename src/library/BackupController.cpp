@@ -1,0 +1,48 @@
+#include "library/BackupController.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <utility>
+
+#include "foundation/File.h"
+#include "foundation/Path.h"
+
+namespace snaplift {
+
+std::string defaultBackupRoot() {
+  const char* home = std::getenv("HOME");
+  return home && *home ? joinPath(home, "Library/Application Support/MobileSync/Backup")
+                       : std::string();
+}
+
+BackupController::BackupController(std::string path) : m_basePath(std::move(path)) {
+  if (!isReadable(m_basePath)) {
+    return;
+  }
+  std::map<std::optional<std::string>, DeviceModel*> deviceNamed;
+  for (const std::string& entry : folderEntries(m_basePath)) {
+    const std::string folder = joinPath(m_basePath, entry);
+    const auto attributes = fileAttributes(folder);
+    if (!attributes || attributes->type != FileType::Folder) {
+      continue;
+    }
+    std::unique_ptr<BackupModel> backup = BackupModel::initWithBackupAtPath(folder);
+    if (!backup) {
+      continue;
+    }
+    DeviceModel*& device = deviceNamed[backup->deviceName()];
+    if (!device) {
+      m_devices.push_back(std::make_unique<DeviceModel>(backup->deviceName()));
+      device = m_devices.back().get();
+    }
+    device->addBackup(std::move(backup));
+  }
+  std::ranges::sort(m_devices, [](const auto& a, const auto& b) {
+    const Instant dateOfA = a->mostRecentBackupDate();
+    const Instant dateOfB = b->mostRecentBackupDate();
+    return dateOfA != dateOfB ? dateOfA > dateOfB : a->name() < b->name();
+  });
+}
+
+}  // namespace snaplift

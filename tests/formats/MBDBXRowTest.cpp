@@ -1,0 +1,80 @@
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "formats/MBDBXRow.h"
+#include "formats/iOS5MBDBReader.h"
+#include "foundation/Log.h"
+#include "samples/ManifestWriter.h"
+
+namespace snaplift {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(MBDBXRow, readsAnEntryOfTheIndexFile) {
+  std::string entry;
+  for (char byte = 0; byte < 20; ++byte) {
+    entry.push_back(byte);
+  }
+  entry += std::string("\x00\x00\x01\x00\x81\xA4", 6);
+  ASSERT_EQ(entry.size(), MBDBXRow::indexEntryLength);
+  const MBDBXRow row = MBDBXRow::initWithRow(bytesOf(entry));
+  EXPECT_EQ(row.hash(), "000102030405060708090a0b0c0d0e0f10111213");
+  EXPECT_EQ(row.index(), 256u);
+  EXPECT_EQ(row.typeHex(), "81a4");
+  EXPECT_EQ(row.type(), MBDBXRow::RegularFile);
+
+  for (const auto& [mode, type] : {std::pair("\xA1\xED", 2), std::pair("\x41\xED", 0),
+                                   std::pair("\x81\x80", 1), std::pair("\x81\xFF", 3)}) {
+    EXPECT_EQ(MBDBXRow::initWithRow(bytesOf(entry.substr(0, 24) + mode)).type(), type);
+  }
+  for (std::size_t length = 0; length < entry.size(); ++length) {
+    const MBDBXRow cut = MBDBXRow::initWithRow(bytesOf(entry.substr(0, length)));
+    EXPECT_EQ(cut.hash().has_value(), length >= 20) << length;
+    EXPECT_EQ(cut.index(), length >= 24 ? 256u : 0u) << length;
+    EXPECT_EQ(cut.type(), MBDBXRow::Other) << length;
+  }
+}
+
+TEST(MBDBXRow, withoutDataKnowsNothing) {
+  const MBDBXRow row;
+  EXPECT_EQ(row.hash(), std::nullopt);
+  EXPECT_EQ(row.index(), 0u);
+  EXPECT_EQ(row.typeHex(), std::nullopt);
+  EXPECT_EQ(row.type(), MBDBXRow::Other);
+  EXPECT_EQ(row.description(),
+            "MBDBXRow: {hash: (null), date: (null), type (null), type: 3, domain: (null), path: "
+            "(null), uniquePath: (null)}");
+}
+
+TEST(MBDBXRow, takesItsTypeFromModeAndLength) {
+  std::vector<std::string> lines;
+  const LogCapture capture([&](std::string line) { lines.push_back(std::move(line)); });
+  const auto typeOf = [](std::uint16_t mode, std::uint64_t length) {
+    iOS5MBDBReader reader(Bytes::copyOf(bytesOf(samples::manifestDatabase(
+        {{.domain = "D", .path = "odd\npath", .mode = mode, .filelength = length}}))));
+    return MBDBXRow::initWithRecord(*reader.nextEntry()).type();
+  };
+  EXPECT_EQ(typeOf(0x41ED, 0), MBDBXRow::Folder);
+  EXPECT_EQ(typeOf(0x81A4, 0), MBDBXRow::RegularFile);
+  EXPECT_EQ(typeOf(0xA1FF, 0), MBDBXRow::RegularFile);  // a link, told by its high byte alone
+  EXPECT_EQ(typeOf(0x41ED, 7), MBDBXRow::RegularFile);
+  EXPECT_THAT(lines, IsEmpty());
+  EXPECT_EQ(typeOf(0x1000, 0), MBDBXRow::Other);
+  EXPECT_EQ(typeOf(0x1000, 5), MBDBXRow::RegularFile);
+  EXPECT_THAT(lines,
+              ElementsAre("OTHER! 16 for path: odd\\npath", "OTHER! 16 for path: odd\\npath"));
+
+  MBDBXRow row;
+  row.setTypeFromMode(0x81A4);
+  EXPECT_EQ(row.type(), MBDBXRow::RegularFile);
+  row.setTypeFromMode(0xA1ED);
+  EXPECT_EQ(row.type(), MBDBXRow::SymbolicLink);
+}
+
+}  // namespace
+}  // namespace snaplift

@@ -1,0 +1,210 @@
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "formats/iOS5MBDBReader.h"
+#include "samples/ManifestWriter.h"
+#include "support/TemporaryTree.h"
+
+namespace snaplift {
+namespace {
+
+using samples::ManifestEntry;
+using testing::ElementsAre;
+using testing::Optional;
+using testing::UnorderedElementsAre;
+using testing::VariantWith;
+
+iOS5MBDBReader readerOver(std::string_view bytes) {
+  return iOS5MBDBReader(Bytes::copyOf(bytesOf(bytes)));
+}
+
+iOS5MBDBReader readerOver(const std::vector<ManifestEntry>& entries) {
+  return readerOver(samples::manifestDatabase(entries));
+}
+
+std::vector<std::string> pathsOf(std::string_view bytes) {
+  iOS5MBDBReader reader = readerOver(bytes);
+  std::vector<std::string> paths;
+  while (const auto record = reader.nextEntry()) {
+    paths.emplace_back(record->path());
+  }
+  EXPECT_FALSE(reader.nextEntry());
+  return paths;
+}
+
+// The bytes of one entry, written out by hand.
+const std::string workedExample =
+    std::string("\x00\x0BMediaDomain", 13) + std::string("\x00\x05", 2) + "a.jpg" + "\xFF\xFF" +
+    std::string("\x00\x02\xAB\xCD", 4) + "\xFF\xFF" + "\x81\xA4" + std::string(16, '\x5A') +
+    std::string("\0\0\0\1\0\0\0\2\0\0\0\3", 12) + std::string("\0\0\0\0\0\0\x10\0", 8) + "\x04" +
+    "\x01" + std::string("\x00\x16", 2) + "com.apple.assetsd.UUID" +
+    std::string("\x00\x02\x01\xFF", 4);
+
+TEST(ManifestReader, readsTheWorkedExample) {
+  ASSERT_EQ(workedExample.size(), 96u);
+  iOS5MBDBReader reader = readerOver("header" + workedExample);
+  EXPECT_EQ(reader.position(), 6u);
+  const auto record = reader.nextEntry();
+  ASSERT_TRUE(record);
+  EXPECT_EQ(reader.position(), 102u);
+  EXPECT_EQ(record->domain(), "MediaDomain");
+  EXPECT_EQ(record->path(), "a.jpg");
+  EXPECT_EQ(record->linkTarget(), "");
+  EXPECT_EQ(record->dataHash(), "ABCD");
+  EXPECT_EQ(record->something(), "");
+  EXPECT_EQ(record->mode(), 129);
+  EXPECT_EQ(record->mode2(), 164);
+  EXPECT_EQ(record->creationDate(), instantFromUnixTime(1));
+  EXPECT_EQ(record->modificationDate(), instantFromUnixTime(2));
+  EXPECT_EQ(record->addedDate(), instantFromUnixTime(3));
+  EXPECT_EQ(record->filelength(), 4096u);
+  EXPECT_EQ(record->something2(), 4);
+  EXPECT_THAT(record->valueForKey("com.apple.assetsd.UUID"),
+              Optional(VariantWith<std::string>("01FF")));
+  EXPECT_FALSE(reader.nextEntry());
+  EXPECT_FALSE(reader.nextEntry());
+}
+
+TEST(ManifestReader, answersByKey) {
+  iOS5MBDBReader reader = readerOver(std::vector{
+      ManifestEntry{.domain = "D", .path = "p", .mode = 0xA1ED, .filelength = 0x100000000}});
+  const auto record = reader.nextEntry();
+  ASSERT_TRUE(record);
+  EXPECT_THAT(record->keys(),
+              UnorderedElementsAre("domain", "path", "linkTarget", "dataHash", "something", "mode",
+                                   "mode2", "something2", "filelength", "creationDate",
+                                   "modificationDate", "addedDate"));
+  for (const std::string_view key : record->keys()) {
+    EXPECT_TRUE(record->valueForKey(key)) << key;
+  }
+  EXPECT_THAT(record->valueForKey("mode"), Optional(VariantWith<std::uint64_t>(161)));
+  EXPECT_THAT(record->valueForKey("mode2"), Optional(VariantWith<std::uint64_t>(237)));
+  EXPECT_THAT(record->valueForKey("filelength"), Optional(VariantWith<std::uint64_t>(4294967296)));
+  EXPECT_THAT(record->valueForKey("creationDate"), Optional(VariantWith<Instant>(Instant())));
+  EXPECT_FALSE(record->valueForKey("filename"));
+  EXPECT_FALSE(record->valueForKey("uniquePath"));
+  EXPECT_FALSE(record->valueForKey("other"));
+}
+
+TEST(ManifestReader, readsPropertiesOfEveryKind) {
+  const std::string binary("\x00\xFF\n\x80", 4);
+  iOS5MBDBReader reader = readerOver(std::vector{
+      ManifestEntry{.domain = "D",
+                    .path = "own",
+                    .dataHash = "\x01",
+                    .properties = {{"com.apple.assetsd.UUID", std::string(16, '\xAB')},
+                                   {"com.apple.installd.static_usage", std::string("\0\x0F", 2)},
+                                   {"binary", binary},
+                                   {"twice", "first"},
+                                   {"twice", "last"},
+                                   {"path", "replaced"},
+                                   {"dataHash", "text"},
+                                   {"mode", "ignored"},
+                                   {"something", "ignored"}}}});
+  const auto record = reader.nextEntry();
+  ASSERT_TRUE(record);
+  const auto textUnder = [&](std::string_view key) {
+    const auto value = record->valueForKey(key);
+    return value && std::holds_alternative<std::string>(*value) ? std::get<std::string>(*value)
+                                                                : "(no text)";
+  };
+  EXPECT_EQ(textUnder("com.apple.assetsd.UUID"), "ABABABABABABABABABABABABABABABAB");
+  EXPECT_EQ(textUnder("com.apple.installd.static_usage"), "000F");
+  EXPECT_EQ(textUnder("binary"), binary);
+  EXPECT_EQ(textUnder("twice"), "last");
+  EXPECT_EQ(textUnder("path"), "replaced");
+  EXPECT_EQ(record->path(), "replaced");
+  EXPECT_EQ(record->domain(), "D");
+  EXPECT_EQ(textUnder("dataHash"), "text");
+  EXPECT_EQ(record->dataHash(), "text");
+  EXPECT_EQ(textUnder("something"), "");
+  EXPECT_THAT(record->valueForKey("mode"), Optional(VariantWith<std::uint64_t>(0x81)));
+  EXPECT_EQ(record->properties().size(), 9u);
+  EXPECT_EQ(record->properties()[3].second, "first");
+}
+
+TEST(ManifestReader, keepsBytesThatAreNoAscii) {
+  const std::string path("Media/\xC3\x84\0\xFE.jpg", 14);
+  iOS5MBDBReader reader = readerOver(std::vector{ManifestEntry{.domain = "D", .path = path},
+                                                 ManifestEntry{.domain = "D", .path = "next"}});
+  EXPECT_EQ(reader.nextEntry()->path(), path);
+  EXPECT_EQ(reader.nextEntry()->path(), "next");
+}
+
+TEST(ManifestReader, timesAreSigned) {
+  iOS5MBDBReader reader = readerOver(std::vector{ManifestEntry{
+      .creationDate = 0x80000000, .modificationDate = 0xFFFFFFFF, .addedDate = 0x7FFFFFFF}});
+  const auto record = reader.nextEntry();
+  EXPECT_EQ(rfc3339Text(record->creationDate()), "1901-12-13T20:45:52Z");
+  EXPECT_EQ(rfc3339Text(record->modificationDate()), "1969-12-31T23:59:59Z");
+  EXPECT_EQ(rfc3339Text(record->addedDate()), "2038-01-19T03:14:07Z");
+}
+
+TEST(ManifestReader, dropsTheEntryThatTheEndCutsOff) {
+  const std::vector<ManifestEntry> entries = {
+      {.domain = "D", .path = "one"},
+      {.domain = "D", .path = "two", .properties = {{"name", "value"}, {"", ""}}},
+      {.domain = "D", .path = "three", .linkTarget = "t"}};
+  const std::string whole = samples::manifestDatabase(entries);
+  const std::size_t endOfOne = samples::manifestDatabase({entries[0]}).size();
+  const std::size_t endOfTwo = samples::manifestDatabase({entries[0], entries[1]}).size();
+  for (std::size_t length = 0; length <= whole.size(); ++length) {
+    const std::size_t expected = length < endOfOne       ? 0
+                                 : length < endOfTwo     ? 1
+                                 : length < whole.size() ? 2
+                                                         : 3;
+    EXPECT_EQ(pathsOf(whole.substr(0, length)).size(), expected) << length;
+  }
+}
+
+TEST(ManifestReader, believesNoLengthBeyondTheEnd) {
+  // A domain of 65,534 bytes in a file of 300; an entry that promises 255 properties and has none.
+  EXPECT_THAT(pathsOf("header\xFF\xFE" + std::string(300, 'x')), ElementsAre());
+  std::string promising = "header" + workedExample.substr(0, 96 - 24 - 4 - 1);
+  EXPECT_THAT(pathsOf(promising + "\xFF"), ElementsAre());
+
+  ManifestEntry full{.domain = "D", .path = "full"};
+  for (int i = 0; i < 255; ++i) {
+    full.properties.emplace_back("name" + std::to_string(i), std::string(65534, 'v'));
+  }
+  EXPECT_THAT(pathsOf(samples::manifestDatabase({full, {.domain = "D", .path = "next"}})),
+              ElementsAre("full", "next"));
+}
+
+TEST(ManifestReader, hasNothingToReadInWhatIsNoManifest) {
+  TemporaryTree tree;
+  tree.write("six", "header");
+  tree.write("Manifest.mbdb", samples::manifestDatabase({{.domain = "D", .path = "p"}}));
+  EXPECT_FALSE(iOS5MBDBReader().nextEntry());
+  EXPECT_FALSE(iOS5MBDBReader(tree.path("missing")).nextEntry());
+  EXPECT_FALSE(iOS5MBDBReader(tree.root()).nextEntry());
+  EXPECT_FALSE(iOS5MBDBReader(tree.path("six")).nextEntry());
+  EXPECT_TRUE(iOS5MBDBReader(tree.path("Manifest.mbdb")).nextEntry());
+}
+
+TEST(ManifestReader, fieldReadersMoveTheOffsetPastWhatTheyRead) {
+  const iOS5MBDBReader reader = readerOver(std::string("\x81\x01\x02\xFF\xFF\xFF\xFE", 7) +
+                                           std::string("\0\0\0\1\0\0\0\0", 8) +
+                                           std::string("\0\2\xAB\x0C\0\2hi\xFF\xFF\0", 11));
+  std::uint64_t offset = 0;
+  EXPECT_THAT(reader.int8fromOffset(offset), Optional(129));
+  EXPECT_THAT(reader.int16fromOffset(offset), Optional(258));
+  EXPECT_THAT(reader.int32fromOffset(offset), Optional(-2));
+  EXPECT_THAT(reader.int64fromOffset(offset), Optional(4294967296u));
+  EXPECT_THAT(reader.hexStringFromOffset(offset), Optional(std::string("AB0C")));
+  EXPECT_THAT(reader.stringFromOffset(offset), Optional(std::string("hi")));
+  EXPECT_THAT(reader.stringFromOffset(offset), Optional(std::string()));
+  EXPECT_EQ(offset, 25u);
+  EXPECT_FALSE(reader.stringFromOffset(offset));
+  EXPECT_FALSE(reader.int32fromOffset(offset));
+  EXPECT_EQ(offset, 25u);
+  offset = ~std::uint64_t{0};
+  EXPECT_FALSE(reader.int8fromOffset(offset));
+}
+
+}  // namespace
+}  // namespace snaplift

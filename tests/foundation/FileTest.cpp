@@ -1,0 +1,127 @@
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "foundation/File.h"
+#include "support/TemporaryTree.h"
+
+namespace snaplift {
+namespace {
+
+using testing::UnorderedElementsAre;
+
+std::string contentOf(const std::optional<Bytes>& bytes) {
+  return bytes ? std::string(textOf(*bytes)) : "(nothing)";
+}
+
+TEST(File, readsRegularFilesWhole) {
+  TemporaryTree tree;
+  const std::string content("a\0b\xff\n", 5);
+  tree.write("file", content);
+  tree.write("empty", "");
+  EXPECT_EQ(contentOf(readFile(tree.path("file"))), content);
+  EXPECT_EQ(contentOf(readFile(tree.path("empty"))), "");
+  EXPECT_EQ(contentOf(readFile(tree.path("missing"))), "(nothing)");
+}
+
+TEST(File, reusesTheStorageOfAnOldBuffer) {
+  TemporaryTree tree;
+  tree.write("large", std::string(1000, 'l'));
+  tree.write("small", "s");
+  std::optional<Bytes> large = readFile(tree.path("large"));
+  ASSERT_TRUE(large);
+  const std::uint8_t* storage = large->data();
+  const std::optional<Bytes> small = readFile(tree.path("small"), std::move(*large));
+  EXPECT_EQ(contentOf(small), "s");
+  EXPECT_EQ(small->data(), storage);
+}
+
+TEST(File, answersAtOnceForWhatIsNoRegularFile) {
+  TemporaryTree tree;
+  tree.write("target", "outside");
+  ASSERT_EQ(::mkfifo(tree.path("fifo").c_str(), 0600), 0);
+  ASSERT_EQ(::symlink(tree.path("target").c_str(), tree.path("link").c_str()), 0);
+  ASSERT_EQ(::mkdir(tree.path("folder").c_str(), 0700), 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::strncpy(address.sun_path, tree.path("socket").c_str(), sizeof address.sun_path - 1);
+  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+
+  for (const char* name : {"fifo", "link", "folder", "socket"}) {
+    EXPECT_EQ(contentOf(readFile(tree.path(name))), "(nothing)") << name;
+  }
+  EXPECT_EQ(contentOf(readFile("/dev/zero")), "(nothing)");
+  ::close(listener);
+
+  EXPECT_EQ(fileAttributes(tree.path("fifo"))->type, FileType::Other);
+  EXPECT_EQ(fileAttributes(tree.path("link"))->type, FileType::Link);
+  EXPECT_EQ(fileAttributes(tree.path("folder"))->type, FileType::Folder);
+  EXPECT_FALSE(fileAttributes(tree.path("missing")));
+}
+
+TEST(File, believesNoSizeThatHolesClaim) {
+  TemporaryTree tree;
+  tree.write("hole", "");
+  tree.write("half", std::string(4 << 20, 'x'));
+  ASSERT_EQ(::truncate(tree.path("hole").c_str(), off_t{64} << 30), 0);
+  ASSERT_EQ(::truncate(tree.path("half").c_str(), 8 << 20), 0);
+  EXPECT_FALSE(readFile(tree.path("hole")));
+  ASSERT_EQ(::truncate(tree.path("hole").c_str(), 16 << 20), 0);
+  EXPECT_FALSE(readFile(tree.path("hole")));
+  const std::optional<Bytes> half = readFile(tree.path("half"));
+  ASSERT_TRUE(half);
+  EXPECT_EQ(half->size(), std::size_t{8} << 20);
+  EXPECT_EQ(half->data()[0], 'x');
+}
+
+TEST(File, tellsAttributes) {
+  TemporaryTree tree;
+  tree.write("file", "12345");
+  const timespec times[2] = {{1, 0}, {1234567890, 987654321}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, tree.path("file").c_str(), times, 0), 0);
+  const auto attributes = fileAttributes(tree.path("file"));
+  ASSERT_TRUE(attributes);
+  EXPECT_EQ(attributes->type, FileType::Regular);
+  EXPECT_EQ(attributes->size, 5u);
+  EXPECT_EQ(attributes->modificationDate, instantFromUnixTime(1234567890, 987654000));
+}
+
+TEST(File, listsHiddenAndOddNames) {
+  TemporaryTree tree;
+  for (const char* name : {".hidden", "\xff\xfe", "line\nbreak"}) {
+    tree.write(std::string("folder/") + name, "");
+  }
+  EXPECT_THAT(folderEntries(tree.path("folder")),
+              UnorderedElementsAre(".hidden", "\xff\xfe", "line\nbreak"));
+  EXPECT_TRUE(folderEntries(tree.path("missing")).empty());
+}
+
+TEST(File, findsNamesWithoutRegardToLetterCase) {
+  struct Case {
+    std::vector<const char*> present;
+    const char* found;
+  };
+  const std::vector<Case> cases = {{{"info.plist", "Info.plist"}, "info.plist"},
+                                   {{"Info.plist", "INFO.PLIST"}, "Info.plist"},
+                                   {{"INFO.plist", "INFO.PLIST", "x"}, "INFO.PLIST"},
+                                   {{"Info.plist2"}, "info.plist"}};
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    TemporaryTree tree;
+    for (const char* name : cases[i].present) {
+      tree.write(name, "");
+    }
+    EXPECT_EQ(findFile(tree.path(""), "info.plist"), tree.path(cases[i].found)) << i;
+  }
+}
+
+}  // namespace
+}  // namespace snaplift
