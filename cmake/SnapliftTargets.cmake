@@ -53,3 +53,13 @@ function(snaplift_test name)
   target_link_libraries(${name} PRIVATE snaplift_options GTest::gmock_main ${ARG_LINKS})
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
 endfunction()
+
+# snaplift_view_test(NAME [LINKS target...]): the same for views: its main makes the application
+# object, without a display, and Qt Test's event helpers are at hand.
+function(snaplift_view_test name)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  add_executable(${name} ${name}.cpp)
+  target_link_libraries(${name} PRIVATE snaplift_options viewtestmain ${ARG_LINKS})
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 120 ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+endfunction()
