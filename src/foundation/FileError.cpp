@@ -1,0 +1,54 @@
+#include "foundation/FileError.h"
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "foundation/Log.h"
+
+namespace snaplift {
+namespace {
+
+std::string reasonOf(const FileError& error) {
+  if (error.domain == posixErrorDomain) {
+    return std::generic_category().message(error.code);
+  }
+  switch (error.code) {
+    case fileWriteFileExistsError:
+      return "a file of this name exists";
+    case fileWriteInvalidFileNameError:
+      return "this is not the name of a file";
+    default:
+      return "the file cannot be read";
+  }
+}
+
+}  // namespace
+
+FileError FileError::ofSystem(int errorNumber, std::string path) {
+  return errorNumber == EEXIST ? fileExists(std::move(path))
+                               : FileError{posixErrorDomain, errorNumber, std::move(path)};
+}
+
+FileError FileError::fileExists(std::string path) {
+  return {cocoaErrorDomain, fileWriteFileExistsError, std::move(path)};
+}
+
+FileError FileError::unreadable(std::string path) {
+  return {cocoaErrorDomain, fileReadUnknownError, std::move(path)};
+}
+
+FileError FileError::invalidFileName(std::string path) {
+  return {cocoaErrorDomain, fileWriteInvalidFileNameError, std::move(path)};
+}
+
+bool FileError::isFileExists() const {
+  return domain == cocoaErrorDomain && code == fileWriteFileExistsError;
+}
+
+std::string FileError::description() const {
+  return escapedForLog(path) + ": " + reasonOf(*this) + " (" + std::string(domain) + " " +
+         std::to_string(code) + ")";
+}
+
+}  // namespace snaplift

@@ -1,0 +1,187 @@
+#include "foundation/FileWriting.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <string_view>
+#include <utility>
+
+#include <fcntl.h>
+#include <stdio.h>  // renameat2
+#include <sys/stat.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/xattr.h>
+#endif
+
+#include "foundation/FileDescriptor.h"
+#include "foundation/Path.h"
+#include "foundation/RandomName.h"
+
+namespace snaplift {
+namespace {
+
+constexpr std::string_view partPrefix = ".snaplift-";
+constexpr std::string_view partSuffix = ".part";
+
+constexpr mode_t ordinaryMode = 0666;  // the umask takes from it
+constexpr int newFileFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+
+#ifdef O_PATH
+constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;  // needs no right to list the folder
+#else
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+#endif
+
+// The results below are error numbers, 0 for success.
+
+int writeFully(int descriptor, ByteView bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+    if (count > 0) {
+      bytes = bytes.subspan(static_cast<std::size_t>(count));
+    } else if (count == 0) {
+      return ENOSPC;
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+// Makes the file `name` of `folder`, which must be free, writes it and closes it. After an error
+// there is no file.
+int writeNewFile(int folder, const std::string& name, ByteView bytes) {
+  FileDescriptor file(::openat(folder, name.c_str(), newFileFlags, ordinaryMode));
+  if (!file) {
+    return errno;
+  }
+  int error = writeFully(file.get(), bytes);
+  if (!file.close() && error == 0) {
+    error = errno;
+  }
+  if (error != 0) {
+    ::unlinkat(folder, name.c_str(), 0);
+  }
+  return error;
+}
+
+int renameToFreeName(int folder, const std::string& from, const std::string& to) {
+#ifdef RENAME_NOREPLACE
+  if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) {
+    return 0;
+  }
+  return errno;
+#else
+  return ENOSYS;
+#endif
+}
+
+int renameOverOwnClaim(int folder, const std::string& from, const std::string& to) {
+  FileDescriptor claim(::openat(folder, to.c_str(), newFileFlags, ordinaryMode));
+  if (!claim) {
+    return errno;
+  }
+  // Closed first: FUSE keeps a file that is replaced while it is open under a name of its own.
+  claim.close();
+  if (::renameat(folder, from.c_str(), folder, to.c_str()) == 0) {
+    return 0;
+  }
+  const int error = errno;
+  ::unlinkat(folder, to.c_str(), 0);
+  return error;
+}
+
+// Gives the complete file `part` the name `name` if that is free: by the first way that the file
+// system knows. One that does not know a way says so in many different words; EEXIST alone means
+// the same everywhere, and any other trouble comes up again in the last way.
+int publish(int folder, const std::string& part, const std::string& name) {
+  int error = renameToFreeName(folder, part, name);
+  if (error == 0 || error == EEXIST) {
+    return error;
+  }
+  if (::linkat(folder, part.c_str(), folder, name.c_str(), 0) == 0) {
+    ::unlinkat(folder, part.c_str(), 0);
+    return 0;
+  }
+  return errno == EEXIST ? EEXIST : renameOverOwnClaim(folder, part, name);
+}
+
+FileDescriptor openFolder(const std::string& path) {
+  const std::string folder(parentPath(path));
+  return FileDescriptor(::open(folder.empty() ? "." : folder.c_str(), folderFlags));
+}
+
+// 0 where nothing is called `name`. Asked before the bytes are written, which would otherwise be
+// written again for each of the numbered names that are tried.
+int freeNameError(int folder, const std::string& name) {
+  struct stat status;
+  if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+    return EEXIST;
+  }
+  return errno == ENOENT ? 0 : errno;
+}
+
+int createIn(int folder, const std::string& name, ByteView bytes) {
+  if (const int error = freeNameError(folder, name)) {
+    return error;
+  }
+  const std::string part = randomName(partPrefix, partSuffix);
+  if (const int error = writeNewFile(folder, part, bytes)) {
+    return error;
+  }
+  const int error = publish(folder, part, name);
+  if (error != 0) {
+    ::unlinkat(folder, part.c_str(), 0);
+  }
+  return error;
+}
+
+bool givesOwnPermissions(const std::string& folder) {
+  struct stat status;
+  if (::stat(folder.c_str(), &status) != 0 ||
+      ((status.st_mode & S_ISGID) != 0 && status.st_gid != ::getegid())) {
+    return true;
+  }
+#ifdef __linux__
+  return ::getxattr(folder.c_str(), "system.posix_acl_default", nullptr, 0) > 0;
+#else
+  return false;
+#endif
+}
+
+}  // namespace
+
+std::optional<FileError> writeFile(const std::string& path, ByteView bytes) {
+  ::unlink(path.c_str());
+  if (const int error = writeNewFile(AT_FDCWD, path, bytes)) {
+    return FileError::ofSystem(error, path);
+  }
+  return std::nullopt;
+}
+
+std::optional<FileError> createFile(const std::string& path, ByteView bytes) {
+  const FileDescriptor folder = openFolder(path);
+  const int error =
+      folder ? createIn(folder.get(), std::string(lastPathComponent(path)), bytes) : errno;
+  if (error != 0) {
+    return FileError::ofSystem(error, path);
+  }
+  return std::nullopt;
+}
+
+bool isWritableFolder(const std::string& path) {
+  return ::faccessat(AT_FDCWD, path.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+LinkResult linkFile(const std::string& source, const std::string& path) {
+  const std::string folder(parentPath(path));
+  if (givesOwnPermissions(folder.empty() ? "." : folder)) {
+    return LinkResult::Impossible;
+  }
+  if (::link(source.c_str(), path.c_str()) == 0) {
+    return LinkResult::Linked;
+  }
+  return errno == EEXIST ? LinkResult::NameTaken : LinkResult::Impossible;
+}
+
+}  // namespace snaplift
