@@ -33,7 +33,7 @@ struct BackedUpFile {
 // const operation may be called from several threads at once. No operation reports an error: what
 // cannot be read is absent.
 class BackupDecoderDelegate {
- public:
+public:
   using FileVisitor = std::function<void(const BackedUpFile&)>;
 
   virtual ~BackupDecoderDelegate() = default;

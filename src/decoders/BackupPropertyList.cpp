@@ -12,7 +12,7 @@ std::optional<PropertyList> readDictionaryAtPath(const std::string& path) {
     return std::nullopt;
   }
   std::optional<PropertyList> list = PropertyList::parse(std::move(*bytes));
-  if (!list || list->root().kind() != PropertyListKind::Dictionary) {
+  if (!list || list->root().kind() != PropertyListValue::Kind::Dictionary) {
     return std::nullopt;
   }
   return list;
@@ -20,6 +20,11 @@ std::optional<PropertyList> readDictionaryAtPath(const std::string& path) {
 
 std::optional<PropertyList> readDictionary(const std::string& folder, std::string_view name) {
   return readDictionaryAtPath(findFile(folder, name));
+}
+
+std::optional<std::string> textUnderKey(const PropertyList& list, std::string_view key) {
+  const std::optional<std::string_view> text = list.root().valueForKey(key).string();
+  return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
 bool isEncrypted(const std::optional<PropertyList>& manifest) {

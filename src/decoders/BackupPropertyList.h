@@ -15,8 +15,11 @@ std::optional<PropertyList> readDictionary(const std::string& folder, std::strin
 // The property list in the file at `path`, as it is spelled.
 std::optional<PropertyList> readDictionaryAtPath(const std::string& path);
 
-// Whether a backup's "manifest.plist" says that its content is encrypted. A missing manifest, or one
-// without the key, says no.
+// The text under `key` of the root dictionary; nothing where it is of another type.
+std::optional<std::string> textUnderKey(const PropertyList& list, std::string_view key);
+
+// Whether a backup's "manifest.plist" says that its content is encrypted. A missing manifest, or
+// one without the key, says no.
 bool isEncrypted(const std::optional<PropertyList>& manifest);
 
 }  // namespace snaplift

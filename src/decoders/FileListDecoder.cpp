@@ -23,9 +23,9 @@ std::vector<ListedFile> listedFiles(const PropertyList& manifest, std::string_vi
     if (!description.valueForKey("Domain").equals(domain)) {
       continue;
     }
-    std::optional<std::string> baseName = key.string();
+    const auto baseName = key.string();
     if (baseName && isFileName(*baseName)) {
-      files.push_back({std::move(*baseName), description.valueForKey("ModificationTime").date()});
+      files.push_back({std::string(*baseName), description.valueForKey("ModificationTime").date()});
     }
   }
   return files;
@@ -55,7 +55,9 @@ void FileListDecoder::visitFiles(const FileVisitor& visit) {
   const auto everyPath = [](std::string_view) { return true; };
   for (const BackupFileModel& model : readFileModels(everyPath, {})) {
     const auto attributes = fileAttributes(joinPath(backupPath(), model.backupFileName));
-    const std::uint64_t length = model.data ? model.data->size() : attributes ? attributes->size : 0;
+    const std::uint64_t length = model.data   ? model.data->size()
+                                 : attributes ? attributes->size
+                                              : 0;
     visit({photoDomain(), model.path, model.backupFileName, length, model.modificationDate, {}});
   }
 }

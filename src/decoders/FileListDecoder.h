@@ -21,17 +21,17 @@ struct ListedFile {
 
 // What the decoders of generations 3 and 2 do alike. Their "manifest.plist" lists a base name for
 // each backed-up file; what the file is called on the device stands in a small property list of its
-// own, so that a load opens thousands of files. Only the entries of one domain are opened, on several
-// threads, each once. The photos are listed newest first; those without a date come last, and equal
-// dates go by unique path.
+// own, so that a load opens thousands of files. Only the entries of one domain are opened, on
+// several threads, each once. The photos are listed newest first; those without a date come last,
+// and equal dates go by unique path.
 class FileListDecoder : public PhotoDecoder<BackupFileModel> {
- public:
+public:
   using PhotoDecoder::PhotoDecoder;
 
   void loadContents(std::stop_token stop = {}) override;
   void visitFiles(const FileVisitor& visit) override;
 
- protected:
+protected:
   // The domain that the generation keeps its photos in.
   virtual std::string_view photoDomain() const = 0;
 
@@ -50,7 +50,7 @@ class FileListDecoder : public PhotoDecoder<BackupFileModel> {
 
   std::string contentFileName(const BackupFileModel& photo) const override;
 
- private:
+private:
   std::vector<BackupFileModel> readFileModels(PathFilter isWanted, std::stop_token stop);
 };
 

@@ -15,12 +15,12 @@
 namespace snaplift {
 
 // What the four decoders do alike: they keep one record for each photo, list the records' unique
-// paths, and find a record by its unique path through a hash index, so that exporting n photos costs
-// n look-ups. `Record` has uniquePath(). A decoder fills the list in its loadContents() and says
-// where a record's content lies.
+// paths, and find a record by its unique path through a hash index, so that exporting n photos
+// costs n look-ups. `Record` has uniquePath(). A decoder fills the list in its loadContents() and
+// says where a record's content lies.
 template <class Record>
 class PhotoDecoder : public BackupDecoderDelegate {
- public:
+public:
   explicit PhotoDecoder(std::string backupPath) : m_backupPath(std::move(backupPath)) {}
   PhotoDecoder(const PhotoDecoder&) = delete;
   PhotoDecoder& operator=(const PhotoDecoder&) = delete;
@@ -45,7 +45,7 @@ class PhotoDecoder : public BackupDecoderDelegate {
 
   bool encrypted() const override { return m_encrypted; }
 
- protected:
+protected:
   const std::string& backupPath() const { return m_backupPath; }
 
   // The name of the record's content file inside the backup folder; empty where it can have none.
@@ -80,7 +80,7 @@ class PhotoDecoder : public BackupDecoderDelegate {
     m_loaded = true;
   }
 
- private:
+private:
   const Record* photoAtPath(std::string_view uniquePath) const {
     const auto found = m_photoAtPath.find(uniquePath);
     return found == m_photoAtPath.end() ? nullptr : &m_photos[found->second];

@@ -16,8 +16,7 @@ std::optional<BackupFileModel> iOS2Decoder::readFileModel(const ListedFile& file
   if (!isPair) {
     list = readDictionaryAtPath(contentFile);
   }
-  std::optional<std::string> path =
-      list ? list->root().valueForKey("Path").string() : std::nullopt;
+  std::optional<std::string> path = list ? textUnderKey(*list, "Path") : std::nullopt;
   if (!path || !isWanted(*path)) {
     return std::nullopt;
   }

@@ -11,8 +11,7 @@ std::optional<BackupFileModel> iOS3Decoder::readFileModel(const ListedFile& file
   const auto info = readDictionaryAtPath(joinPath(backupPath(), file.baseName + ".mdinfo"));
   const auto bytes = info ? info->root().valueForKey("Metadata").data() : std::nullopt;
   const auto metadata = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
-  std::optional<std::string> path =
-      metadata ? metadata->root().valueForKey("Path").string() : std::nullopt;
+  std::optional<std::string> path = metadata ? textUnderKey(*metadata, "Path") : std::nullopt;
   if (!path || !isWanted(*path)) {
     return std::nullopt;
   }

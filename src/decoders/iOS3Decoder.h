@@ -10,11 +10,11 @@ namespace snaplift {
 // itself a property list with the "Path") and B.mddata (the bytes). The date of a file is the
 // "ModificationTime" of its manifest entry. See BackupDecoderDelegate for the contract.
 class iOS3Decoder : public FileListDecoder {
- public:
+public:
   using FileListDecoder::FileListDecoder;
   std::string_view name() const override { return "iOS3Decoder"; }
 
- protected:
+protected:
   std::string_view photoDomain() const override { return "MediaDomain"; }
   bool knowsEncryption() const override { return true; }
   std::optional<BackupFileModel> readFileModel(const ListedFile& file,

@@ -8,11 +8,11 @@
 
 namespace snaplift {
 
-// Backups of system version 4. The photos are the rows of type 1 of the media domain whose path ends
-// in png or jpg, by modification date, earliest first. A row of type 1 may be a link or an empty
-// file; it is listed and has no content. See BackupDecoderDelegate for the contract.
+// Backups of system version 4. The photos are the rows of type 1 of the media domain whose path
+// ends in png or jpg, by modification date, earliest first. A row of type 1 may be a link or an
+// empty file; it is listed and has no content. See BackupDecoderDelegate for the contract.
 class iOS4Decoder : public PhotoDecoder<MBDBXRow> {
- public:
+public:
   using PhotoDecoder::PhotoDecoder;
 
   void loadContents(std::stop_token stop = {}) override;
@@ -22,10 +22,10 @@ class iOS4Decoder : public PhotoDecoder<MBDBXRow> {
   // The backup's index. Made, and with it the manifest read, at the first call, and kept.
   const MBDBXReader& reader(std::stop_token stop = {});
 
- protected:
+protected:
   std::string contentFileName(const MBDBXRow& photo) const override;
 
- private:
+private:
   std::unique_ptr<MBDBXReader> m_reader;
 };
 

@@ -8,10 +8,10 @@
 
 namespace snaplift {
 
-// Backups of system versions 5 and later. The photos are the files of the camera roll's domain whose
-// path ends in png or jpg, in manifest order. See BackupDecoderDelegate for the contract.
+// Backups of system versions 5 and later. The photos are the files of the camera roll's domain
+// whose path ends in png or jpg, in manifest order. See BackupDecoderDelegate for the contract.
 class iOS5Decoder : public PhotoDecoder<ManifestRecord> {
- public:
+public:
   using PhotoDecoder::PhotoDecoder;
 
   void loadContents(std::stop_token stop = {}) override;
@@ -21,10 +21,10 @@ class iOS5Decoder : public PhotoDecoder<ManifestRecord> {
   // The backup's index, made at the first call and kept.
   iOS5BackupReader& reader();
 
- protected:
+protected:
   std::string contentFileName(const ManifestRecord& photo) const override;
 
- private:
+private:
   std::unique_ptr<iOS5BackupReader> m_reader;
 };
 

@@ -116,8 +116,10 @@ std::optional<Bytes> readFile(const std::string& path, Bytes reuse) {
   return reuse;
 }
 
-bool isReadable(const std::string& path) {
-  return ::access(path.c_str(), R_OK) == 0;
+bool isReadableFolder(const std::string& path) {
+  struct stat status;
+  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+         ::access(path.c_str(), R_OK | X_OK) == 0;
 }
 
 std::vector<std::string> folderEntries(const std::string& folder) {

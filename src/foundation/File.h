@@ -34,8 +34,8 @@ std::optional<FileAttributes> fileAttributes(const std::string& path);
 // that a caller with many files allocates once.
 std::optional<Bytes> readFile(const std::string& path, Bytes reuse = {});
 
-// Whether the process may read the folder or file at `path`; links are followed.
-bool isReadable(const std::string& path);
+// Whether `path` is a folder that the process may list; links are followed.
+bool isReadableFolder(const std::string& path);
 
 // The names of a folder's direct entries, hidden ones included, without "." and "..", in the order
 // of the file system; as the bytes that stand there. Empty where the folder cannot be listed.

@@ -1,0 +1,227 @@
+// The contract that the rest of the system knows a decoder by, proved over every generation.
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "decoders/iOS2Decoder.h"
+#include "decoders/iOS3Decoder.h"
+#include "decoders/iOS4Decoder.h"
+#include "decoders/iOS5Decoder.h"
+#include "samples/BackupWriter.h"
+#include "support/TemporaryTree.h"
+#include "support/TreeState.h"
+
+namespace snaplift {
+namespace {
+
+using samples::Generation;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::UnorderedElementsAreArray;
+
+struct Layout {
+  const char* name;
+  Generation generation;
+  std::unique_ptr<BackupDecoderDelegate> (*makeDecoder)(const std::string& path);
+  bool canBeEncrypted;
+};
+
+template <class Decoder>
+std::unique_ptr<BackupDecoderDelegate> make(const std::string& path) {
+  return std::make_unique<Decoder>(path);
+}
+
+class DecoderContract : public testing::TestWithParam<Layout> {
+protected:
+  static constexpr std::size_t photoCount = 40;
+
+  std::string folder() const { return m_tree.path("backup"); }
+
+  // Photos in a shuffled order of dates, then files that are none.
+  samples::SampleBackup backup() const {
+    const std::string domain(samples::photoDomain(GetParam().generation));
+    samples::SampleBackup backup{
+        .generation = GetParam().generation, .deviceName = "Phone", .productVersion = "5.0"};
+    for (std::size_t i = 0; i < photoCount; ++i) {
+      const std::string name = "Media/DCIM/IMG_" + std::to_string(i) + (i % 2 ? ".JPG" : ".png");
+      backup.files.push_back({.domain = domain,
+                              .path = name,
+                              .content = "photo " + std::to_string(i),
+                              .modificationDate = static_cast<std::uint32_t>(i * 7 % photoCount)});
+    }
+    for (const char* other : {"Media/a.mov", "Media/b.jpeg", "Media/plain"}) {
+      backup.files.push_back({.domain = domain, .path = other, .content = "other"});
+    }
+    backup.files.push_back({.domain = "OtherDomain", .path = "x.jpg", .content = "elsewhere"});
+    return backup;
+  }
+
+  std::unique_ptr<BackupDecoderDelegate> decoder() const {
+    return GetParam().makeDecoder(folder());
+  }
+
+  // The unique paths of the photos, in the order of backup().
+  std::vector<std::string> photoPaths() const {
+    std::vector<std::string> paths;
+    for (const samples::SampleFile& file : backup().files) {
+      paths.push_back(folder() + "/" + file.path);
+    }
+    paths.resize(photoCount);
+    return paths;
+  }
+
+  TemporaryTree m_tree;
+};
+
+TEST_P(DecoderContract, listsThePhotosAndHandsOutTheirBytes) {
+  samples::writeBackup(folder(), backup());
+  const auto decoder = this->decoder();
+  decoder->loadContents();
+  const std::vector<std::string> paths = photoPaths();
+  EXPECT_THAT(decoder->imageFilePaths(), UnorderedElementsAreArray(paths));
+  for (std::size_t i = 0; i < photoCount; ++i) {
+    const auto bytes = decoder->dataForFileAtPath(paths[i]);
+    ASSERT_TRUE(bytes) << paths[i];
+    EXPECT_EQ(textOf(*bytes), "photo " + std::to_string(i));
+    EXPECT_TRUE(decoder->holdsFileAtPath(paths[i]));
+  }
+  EXPECT_FALSE(decoder->dataForFileAtPath(folder() + "/Media/a.mov"));
+  EXPECT_FALSE(decoder->dataForFileAtPath("/another/backup/Media/DCIM/IMG_1.JPG"));
+  EXPECT_FALSE(decoder->holdsFileAtPath(""));
+}
+
+TEST_P(DecoderContract, readsNothingBeforeItIsAskedAndThenTheSame) {
+  const auto early = decoder();
+  samples::writeBackup(folder(), backup());
+  EXPECT_FALSE(early->dataForFileAtPath(photoPaths()[0]));
+  EXPECT_FALSE(early->encrypted());
+  const auto loaded = decoder();
+  loaded->loadContents();
+  EXPECT_EQ(early->imageFilePaths(), loaded->imageFilePaths());
+  EXPECT_TRUE(early->dataForFileAtPath(photoPaths()[0]));
+}
+
+TEST_P(DecoderContract, findsTheManifestInEitherLetterCaseAndEncoding) {
+  for (const auto encoding :
+       {samples::PropertyListEncoding::Xml, samples::PropertyListEncoding::Binary}) {
+    for (const bool lowerCase : {false, true}) {
+      samples::SampleBackup sample = backup();
+      sample.encrypted = true;
+      sample.encoding = encoding;
+      sample.lowerCaseNames = lowerCase;
+      const TemporaryTree tree;
+      samples::writeBackup(tree.path("b"), sample);
+      const auto decoder = GetParam().makeDecoder(tree.path("b"));
+      decoder->loadContents();
+      EXPECT_EQ(decoder->encrypted(), GetParam().canBeEncrypted);
+      EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
+    }
+  }
+}
+
+TEST_P(DecoderContract, aBackupWithoutAnythingHasNoPhotos) {
+  const auto decoder = this->decoder();
+  decoder->loadContents();
+  EXPECT_THAT(decoder->imageFilePaths(), IsEmpty());
+  EXPECT_FALSE(decoder->encrypted());
+  int files = 0;
+  decoder->visitFiles([&](const BackedUpFile&) { ++files; });
+  EXPECT_EQ(files, 0);
+}
+
+TEST_P(DecoderContract, aPhotoWithoutItsFileIsListedAndHasNoBytes) {
+  if (GetParam().generation == Generation::TwoSingleForm) {
+    GTEST_SKIP() << "the file that holds the bytes is the one that names the photo";
+  }
+  samples::SampleBackup sample = backup();
+  sample.files[3].contentMissing = true;
+  samples::writeBackup(folder(), sample);
+  const auto decoder = this->decoder();
+  EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
+  EXPECT_FALSE(decoder->dataForFileAtPath(photoPaths()[3]));
+  EXPECT_FALSE(decoder->holdsFileAtPath(photoPaths()[3]));
+  EXPECT_TRUE(decoder->dataForFileAtPath(photoPaths()[4]));
+}
+
+TEST_P(DecoderContract, handsOutBytesToManyThreads) {
+  samples::writeBackup(folder(), backup());
+  const auto decoder = this->decoder();
+  decoder->loadContents();
+  const std::vector<std::string> paths = photoPaths();
+  std::atomic<std::size_t> right = 0;
+  {
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 8; ++t) {
+      threads.emplace_back([&] {
+        Bytes buffer;
+        for (std::size_t i = 0; i < photoCount; ++i) {
+          auto bytes = decoder->dataForFileAtPath(paths[i], std::move(buffer));
+          right += bytes && textOf(*bytes) == "photo " + std::to_string(i);
+          buffer = bytes ? std::move(*bytes) : Bytes();
+        }
+      });
+    }
+  }
+  EXPECT_EQ(right, 8 * photoCount);
+}
+
+TEST_P(DecoderContract, aStoppedLoadCountsAsNone) {
+  samples::writeBackup(folder(), backup());
+  const auto decoder = this->decoder();
+  std::stop_source stop;
+  stop.request_stop();
+  decoder->loadContents(stop.get_token());
+  EXPECT_FALSE(decoder->dataForFileAtPath(photoPaths()[0]));
+  EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
+}
+
+TEST_P(DecoderContract, visitsEveryFileOfThePhotosDomain) {
+  samples::writeBackup(folder(), backup());
+  const auto decoder = this->decoder();
+  const std::string_view domain = samples::photoDomain(GetParam().generation);
+  std::vector<std::string> paths;
+  decoder->visitFiles([&](const BackedUpFile& file) {
+    if (file.domain == domain) {
+      paths.emplace_back(file.path);
+      EXPECT_GE(file.filelength, 5u) << file.path;
+      EXPECT_TRUE(file.modificationDate) << file.path;
+      EXPECT_EQ(file.type.has_value(), GetParam().generation == Generation::Four);
+    }
+  });
+  std::vector<std::string> expected;
+  for (const samples::SampleFile& file : backup().files) {
+    if (file.domain == domain) {
+      expected.push_back(file.path);
+    }
+  }
+  EXPECT_THAT(paths, UnorderedElementsAreArray(expected));
+}
+
+TEST_P(DecoderContract, neverWrites) {
+  samples::writeBackup(folder(), backup());
+  const auto before = treeState(folder());
+  const auto decoder = this->decoder();
+  for (const std::string& path : decoder->imageFilePaths()) {
+    EXPECT_TRUE(decoder->dataForFileAtPath(path));
+  }
+  decoder->visitFiles([](const BackedUpFile&) {});
+  EXPECT_EQ(treeState(folder()), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Generations, DecoderContract,
+    testing::Values(Layout{"iOS5", Generation::Five, make<iOS5Decoder>, true},
+                    Layout{"iOS4", Generation::Four, make<iOS4Decoder>, true},
+                    Layout{"iOS3", Generation::Three, make<iOS3Decoder>, true},
+                    Layout{"iOS2Pairs", Generation::TwoPairForm, make<iOS2Decoder>, false},
+                    Layout{"iOS2Singles", Generation::TwoSingleForm, make<iOS2Decoder>, false}),
+    [](const testing::TestParamInfo<Layout>& layout) { return layout.param.name; });
+
+}  // namespace
+}  // namespace snaplift

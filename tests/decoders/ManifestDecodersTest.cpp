@@ -1,0 +1,135 @@
+// Where the decoders of generations 5 and 4 differ from each other.
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "decoders/iOS4Decoder.h"
+#include "decoders/iOS5Decoder.h"
+#include "samples/ManifestWriter.h"
+#include "samples/PropertyListWriter.h"
+#include "support/TemporaryTree.h"
+
+namespace snaplift {
+namespace {
+
+using samples::ManifestEntry;
+using samples::PlistValue;
+using testing::ElementsAre;
+
+class ManifestDecoders : public testing::Test {
+protected:
+  // Writes each entry into both of the domains that the decoders look at.
+  void writeManifest(std::vector<ManifestEntry> entries) {
+    std::vector<ManifestEntry> doubled;
+    for (const char* domain : {"CameraRollDomain", "MediaDomain"}) {
+      for (ManifestEntry& entry : entries) {
+        entry.domain = domain;
+        doubled.push_back(entry);
+      }
+    }
+    m_tree.write("Manifest.mbdb", samples::manifestDatabase(doubled));
+  }
+
+  template <class Decoder>
+  std::vector<std::string> photos() {
+    Decoder decoder(m_tree.root());
+    std::vector<std::string> paths;
+    for (const std::string& uniquePath : decoder.imageFilePaths()) {
+      paths.push_back(uniquePath.substr(m_tree.root().size() + 1));
+    }
+    return paths;
+  }
+
+  TemporaryTree m_tree;
+};
+
+TEST_F(ManifestDecoders, takeTheirPhotosFromTheirOwnDomain) {
+  m_tree.write("Manifest.mbdb",
+               samples::manifestDatabase(
+                   {{.domain = "CameraRollDomain", .path = "five.jpg", .filelength = 1},
+                    {.domain = "MediaDomain", .path = "four.jpg", .filelength = 1},
+                    {.domain = "mediaDomain", .path = "none.jpg", .filelength = 1}}));
+  EXPECT_THAT(photos<iOS5Decoder>(), ElementsAre("five.jpg"));
+  EXPECT_THAT(photos<iOS4Decoder>(), ElementsAre("four.jpg"));
+}
+
+TEST_F(ManifestDecoders, askForLettersAtTheEndAndForNoDot) {
+  std::vector<ManifestEntry> entries;
+  for (const char* path : {"IMG_1.JPG", "IMG_2.png", "IMG_3.MOV", "IMG_4.jpeg", "Thumbs.xjpg",
+                           "pNg", "jpg.d/x", "IMG.jpg ", "pg"}) {
+    entries.push_back({.path = path, .filelength = 1});
+  }
+  writeManifest(entries);
+  EXPECT_THAT(photos<iOS5Decoder>(), ElementsAre("IMG_1.JPG", "IMG_2.png", "Thumbs.xjpg", "pNg"));
+  EXPECT_THAT(photos<iOS4Decoder>(), ElementsAre("IMG_1.JPG", "IMG_2.png", "Thumbs.xjpg", "pNg"));
+}
+
+TEST_F(ManifestDecoders, orderByTheManifestAndByTheDate) {
+  writeManifest({{.path = "c.jpg", .modificationDate = 30, .filelength = 1},
+                 {.path = "b.jpg", .modificationDate = 10, .filelength = 1},
+                 {.path = "a.jpg", .modificationDate = 10, .filelength = 1}});
+  EXPECT_THAT(photos<iOS5Decoder>(), ElementsAre("c.jpg", "b.jpg", "a.jpg"));
+  EXPECT_THAT(photos<iOS4Decoder>(), ElementsAre("b.jpg", "a.jpg", "c.jpg"));
+}
+
+TEST_F(ManifestDecoders, onlyGeneration4ListsEmptyFilesAndLinks) {
+  writeManifest({{.path = "empty.jpg"},
+                 {.path = "link.jpg", .mode = samples::linkMode},
+                 {.path = "folder.png", .mode = samples::folderMode}});
+  EXPECT_THAT(photos<iOS5Decoder>(), ElementsAre());
+  EXPECT_THAT(photos<iOS4Decoder>(), ElementsAre("empty.jpg", "link.jpg"));
+  iOS4Decoder decoder(m_tree.root());
+  decoder.loadContents();
+  EXPECT_FALSE(decoder.dataForFileAtPath(m_tree.path("empty.jpg")));
+}
+
+TEST_F(ManifestDecoders, findContentByTheNameRule) {
+  const std::string path = "Media/DCIM/100APPLE/IMG_0001.JPG";
+  writeManifest({{.path = path, .filelength = 5}});
+  m_tree.write("343e26971dfe9c395c425c0ccf799df63ae6261e", "roll");
+  m_tree.write("2a041bfd473c7a136dff7b42e616c84344d7f27a", "media");
+  iOS5Decoder five(m_tree.root());
+  iOS4Decoder four(m_tree.root());
+  five.loadContents();
+  four.loadContents();
+  EXPECT_EQ(textOf(*five.dataForFileAtPath(m_tree.path(path))), "roll");
+  EXPECT_EQ(textOf(*four.dataForFileAtPath(m_tree.path(path))), "media");
+}
+
+TEST_F(ManifestDecoders, theLastOfTwoEntriesOfOneUniquePathAnswers) {
+  writeManifest({{.path = "a.jpg", .filelength = 1}, {.path = "/a.jpg", .filelength = 1}});
+  m_tree.write(samples::contentName("CameraRollDomain", "a.jpg"), "first");
+  m_tree.write(samples::contentName("CameraRollDomain", "/a.jpg"), "last");
+  iOS5Decoder decoder(m_tree.root());
+  EXPECT_EQ(decoder.imageFilePaths().size(), 2u);
+  EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("a.jpg"))), "last");
+}
+
+TEST_F(ManifestDecoders, takeBooleansAndNumbersAsTheFlagOfEncryption) {
+  struct Case {
+    PlistValue value;
+    bool encrypted;
+  };
+  for (const Case& c :
+       {Case{true, true}, Case{false, false}, Case{1, true}, Case{0, false}, Case{-1, true},
+        Case{0.5, true}, Case{"true", false}, Case{PlistValue::data("1"), false},
+        Case{PlistValue::array({true}), false}}) {
+    m_tree.write("Manifest.plist",
+                 samples::binaryPropertyList(PlistValue::dictionary({{"IsEncrypted", c.value}})));
+    iOS5Decoder decoder(m_tree.root());
+    decoder.loadContents();
+    EXPECT_EQ(decoder.encrypted(), c.encrypted) << samples::xmlPropertyList(c.value);
+  }
+  for (const char* rubbish : {"", "bplist00", "rubbish", "<plist><array/></plist>"}) {
+    m_tree.write("Manifest.plist", rubbish);
+    iOS5Decoder decoder(m_tree.root());
+    decoder.loadContents();
+    EXPECT_FALSE(decoder.encrypted()) << rubbish;
+  }
+}
+
+}  // namespace
+}  // namespace snaplift
