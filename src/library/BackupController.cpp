@@ -17,7 +17,7 @@ std::string defaultBackupRoot() {
 }
 
 BackupController::BackupController(std::string path) : m_basePath(std::move(path)) {
-  if (!isReadable(m_basePath)) {
+  if (!isReadableFolder(m_basePath)) {
     return;
   }
   std::map<std::optional<std::string>, DeviceModel*> deviceNamed;

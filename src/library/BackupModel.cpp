@@ -17,15 +17,19 @@ namespace {
 
 const std::string absentText = "(null)";
 
-std::unique_ptr<BackupDecoderDelegate> decoderForVersion(
-    const std::optional<std::string>& version, const std::string& path) {
+std::unique_ptr<BackupDecoderDelegate> decoderForVersion(const std::optional<std::string>& version,
+                                                         const std::string& path) {
   const auto isAtLeast = [&](const char* threshold) {
     return compareVersionStrings(version, threshold) >= 0;
   };
-  if (isAtLeast("5")) return std::make_unique<iOS5Decoder>(path);
-  if (isAtLeast("4")) return std::make_unique<iOS4Decoder>(path);
-  if (isAtLeast("3")) return std::make_unique<iOS3Decoder>(path);
-  if (isAtLeast("1")) return std::make_unique<iOS2Decoder>(path);
+  if (isAtLeast("5"))
+    return std::make_unique<iOS5Decoder>(path);
+  if (isAtLeast("4"))
+    return std::make_unique<iOS4Decoder>(path);
+  if (isAtLeast("3"))
+    return std::make_unique<iOS3Decoder>(path);
+  if (isAtLeast("1"))
+    return std::make_unique<iOS2Decoder>(path);
   return nullptr;
 }
 
@@ -39,8 +43,8 @@ std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string
     systemLog("path: " + path + " has no info.plist and is therefore not a valid backup");
     return nullptr;
   }
-  std::optional<std::string> deviceName = info->root().valueForKey("Device Name").string();
-  std::optional<std::string> version = info->root().valueForKey("Product Version").string();
+  std::optional<std::string> deviceName = textUnderKey(*info, "Device Name");
+  std::optional<std::string> version = textUnderKey(*info, "Product Version");
   std::unique_ptr<BackupDecoderDelegate> decoder = decoderForVersion(version, path);
   if (!decoder) {
     systemLog("no decoder available for version " + version.value_or(absentText) + " backup " +
@@ -51,10 +55,9 @@ std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string
     systemLog("processing " + path + " for " + deviceName.value_or(absentText) + " at version " +
               *version);
   }
-  return std::unique_ptr<BackupModel>(new BackupModel(path, std::move(deviceName),
-                                                      std::move(version),
-                                                      attributes->modificationDate,
-                                                      std::move(decoder)));
+  return std::unique_ptr<BackupModel>(
+      new BackupModel(path, std::move(deviceName), std::move(version), attributes->modificationDate,
+                      std::move(decoder)));
 }
 
 BackupModel::BackupModel(std::string path, std::optional<std::string> deviceName,

@@ -23,17 +23,17 @@ namespace snaplift {
 inline constexpr std::string_view startedLoadingNotification = "ORBStartedLoadingImageFileSystem";
 inline constexpr std::string_view finishedLoadingNotification = "ORBFinishedLoadingImageFileSystem";
 
-// One backup folder. Making it reads the small "info.plist" and no more, so that a whole root can be
-// listed at start-up; it picks the decoder of the backup's system version. The manifest is read when
-// the content is asked for, by prepareContent() on a thread of its own or by the first imageItems()
-// on the caller's.
+// One backup folder. Making it reads the small "info.plist" and no more, so that a whole root can
+// be listed at start-up; it picks the decoder of the backup's system version. The manifest is read
+// when the content is asked for, by prepareContent() on a thread of its own or by the first
+// imageItems() on the caller's.
 //
 // Lives as long as its device and owns its decoder and its items. prepareContent() belongs to one
 // thread (that of the user interface); the flags, imageItems() and imageDataForPath() to any. The
-// destructor asks a running load to stop and waits for its thread; the finished notification of such
-// a load is not posted.
+// destructor asks a running load to stop and waits for its thread; the finished notification of
+// such a load is not posted.
 class BackupModel : public ImageDataSource {
- public:
+public:
   // The model of the backup in the folder `path`; nothing where the folder has no readable
   // "info.plist" or no decoder knows its version. The system log then says which.
   static std::unique_ptr<BackupModel> initWithBackupAtPath(const std::string& path);
@@ -52,8 +52,8 @@ class BackupModel : public ImageDataSource {
   // The name of the decoder's class.
   std::string_view decoderName() const { return m_delegate->name(); }
 
-  // Loads the content on a new background thread and returns at once. Does nothing while such a load
-  // is under way. Of a backup that is loaded already, only the notifications are posted again.
+  // Loads the content on a new background thread and returns at once. Does nothing while such a
+  // load is under way. Of a backup that is loaded already, only the notifications are posted again.
   void prepareContent();
   bool processing() const { return m_processing; }
   bool contentReady() const { return m_contentReady; }
@@ -72,7 +72,7 @@ class BackupModel : public ImageDataSource {
   // Calls `visit` for each file of the backup's manifest; see BackupDecoderDelegate.
   void visitFiles(const BackupDecoderDelegate::FileVisitor& visit);
 
- private:
+private:
   struct Load {
     std::atomic<bool> ended = false;
     std::jthread thread;

@@ -10,10 +10,10 @@
 namespace snaplift {
 
 // One device: a name and its backups, newest first (equal dates by path). Two devices that bear one
-// name are one DeviceModel; a device without a name holds the backups without one. Owns its backups.
-// One thread at a time.
+// name are one DeviceModel; a device without a name holds the backups without one. Owns its
+// backups. One thread at a time.
 class DeviceModel {
- public:
+public:
   explicit DeviceModel(std::optional<std::string> name = std::nullopt) : m_name(std::move(name)) {}
 
   const std::optional<std::string>& name() const { return m_name; }
@@ -25,7 +25,7 @@ class DeviceModel {
   // The date of the newest backup. The start of 1970 for a device without backups.
   Instant mostRecentBackupDate();
 
- private:
+private:
   std::optional<std::string> m_name;
   std::vector<std::unique_ptr<BackupModel>> m_backups;
   bool m_sorted = true;

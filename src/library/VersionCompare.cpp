@@ -5,7 +5,9 @@
 namespace snaplift {
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 // Takes the run of digits off the front of `text`, without its leading zeros: of two such runs the
 // longer is the greater number, and equally long ones compare as texts.
