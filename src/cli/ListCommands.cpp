@@ -1,0 +1,142 @@
+#include <string>
+
+#include "cli/Commands.h"
+#include "cli/Output.h"
+#include "cli/Selection.h"
+#include "foundation/Path.h"
+
+namespace snaplift::cli {
+namespace {
+
+constexpr const char* unnamedDevice = "(device without a name)";
+
+Json backupJson(const BackupModel& backup) {
+  return {{"path", backup.path()},
+          {"deviceName", jsonText(backup.deviceName())},
+          {"productVersion", jsonText(backup.productVersion())},
+          {"date", rfc3339Text(backup.date())},
+          {"decoder", std::string(backup.decoderName())}};
+}
+
+Json rootJson(const Selection& selection) {
+  Json devices = Json::array();
+  for (DeviceModel* device : selection.devices()) {
+    Json backups = Json::array();
+    for (const auto& backup : device->backups()) {
+      backups.push_back(backupJson(*backup));
+    }
+    devices.push_back({{"name", jsonText(device->name())}, {"backups", std::move(backups)}});
+  }
+  return {{"root", selection.path()}, {"devices", std::move(devices)}};
+}
+
+// A photo's path on the device: its unique path without the backup folder.
+std::string_view devicePath(const BackupModel& backup, std::string_view uniquePath) {
+  return uniquePath.substr(backup.path().size() + 1);
+}
+
+Json photosJson(BackupModel& backup) {
+  Json photos = Json::array();
+  for (const auto& item : backup.imageItems()) {
+    photos.push_back({{"uniquePath", item->path()},
+                      {"fileName", item->fileName()},
+                      {"fileType", item->imageFileType()}});
+  }
+  return {
+      {"path", backup.path()}, {"encrypted", backup.encrypted()}, {"photos", std::move(photos)}};
+}
+
+Json fileJson(const BackedUpFile& file) {
+  Json json = {{"path", std::string(file.path)},
+               {"filename", std::string(file.filename)},
+               {"filelength", file.filelength},
+               {"modificationDate",
+                file.modificationDate ? Json(rfc3339Text(*file.modificationDate)) : Json(nullptr)}};
+  if (file.type) {
+    json["type"] = *file.type;
+  }
+  return json;
+}
+
+Json filesJson(BackupModel& backup) {
+  Json domains = Json::array();
+  backup.visitFiles([&](const BackedUpFile& file) {
+    if (domains.empty() || domains.back()["domain"] != file.domain) {
+      domains.push_back({{"domain", std::string(file.domain)}, {"files", Json::array()}});
+    }
+    domains.back()["files"].push_back(fileJson(file));
+  });
+  return {{"path", backup.path()}, {"domains", std::move(domains)}};
+}
+
+std::string fileLine(const BackedUpFile& file) {
+  const std::string date =
+      file.modificationDate ? rfc3339Text(*file.modificationDate) : std::string(20, ' ');
+  std::string size = std::to_string(file.filelength);
+  size.insert(0, size.size() < 12 ? 12 - size.size() : 0, ' ');
+  return "  " + date + " " + size + "  " + std::string(file.filename) + "  " +
+         std::string(file.path);
+}
+
+}  // namespace
+
+ExitStatus listBackups(const std::optional<std::string>& path, bool json) {
+  const std::optional<Selection> selection = Selection::initWithPath(path);
+  if (!selection) {
+    return NoSuchBackup;
+  }
+  if (json) {
+    printJson(rootJson(*selection));
+    return Done;
+  }
+  for (DeviceModel* device : selection->devices()) {
+    printHeading(device->name().value_or(unnamedDevice));
+    for (const auto& backup : device->backups()) {
+      printLine("  " + backup->name() + "  (" + backup->productVersion().value_or("") + ")  " +
+                backup->path());
+    }
+  }
+  if (selection->devices().empty()) {
+    printMessage("no backups in " + selection->path());
+  }
+  return Done;
+}
+
+ExitStatus listPhotos(const std::string& path, bool json) {
+  const std::unique_ptr<BackupModel> backup = backupAtPath(path);
+  if (!backup) {
+    return NoSuchBackup;
+  }
+  if (json) {
+    printJson(photosJson(*backup));
+    return Done;
+  }
+  for (const std::string& uniquePath : backup->imagePaths()) {
+    printLine(devicePath(*backup, uniquePath));
+  }
+  printMessage(countText(backup->imagePaths().size(), "photo") +
+               (backup->encrypted() ? ", encrypted: they cannot be exported" : ""));
+  return Done;
+}
+
+ExitStatus listFiles(const std::string& path, bool json) {
+  const std::unique_ptr<BackupModel> backup = backupAtPath(path);
+  if (!backup) {
+    return NoSuchBackup;
+  }
+  if (json) {
+    printJson(filesJson(*backup));
+    return Done;
+  }
+  std::optional<std::string> domain;
+  backup->visitFiles([&](const BackedUpFile& file) {
+    if (domain != file.domain) {
+      domain = file.domain;
+      printHeading(*domain);
+    }
+    printLine(fileLine(file));
+  });
+  return Done;
+}
+
+}  // namespace snaplift::cli
