@@ -21,9 +21,9 @@ struct RawPropertyList {
   unsigned referenceSize = 2;
   std::uint64_t root = 0;
   // The offsets of the table, where they shall differ from the truth.
-  std::optional<std::vector<std::uint64_t>> offsets;
+  std::optional<std::vector<std::uint64_t>> offsets = {};
   // Trailer fields that shall lie.
-  std::optional<std::uint64_t> count, table;
+  std::optional<std::uint64_t> count = {}, table = {};
 
   static std::string bigEndian(std::uint64_t value, unsigned width) {
     std::string bytes;

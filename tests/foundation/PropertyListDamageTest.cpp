@@ -1,0 +1,300 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "RawPropertyList.h"
+#include "foundation/PropertyList.h"
+#include "support/TemporaryTree.h"
+
+namespace snaplift {
+namespace {
+
+using Kind = PropertyListValue::Kind;
+using Raw = RawPropertyList;
+
+constexpr std::uint64_t highest = std::numeric_limits<std::uint64_t>::max();
+
+// Asks for everything that hangs on the value, up to `budget` values.
+void visit(PropertyListValue value, std::size_t& budget) {
+  if (budget == 0) {
+    return;
+  }
+  --budget;
+  value.kind();
+  value.string();
+  value.data();
+  value.date();
+  value.valueForKey("Domain");
+  for (std::size_t i = 0; i < value.count() && budget > 0; ++i) {
+    visit(value.at(i), budget);
+  }
+  for (const auto& [key, member] : value.entries()) {
+    key.equals("Domain");
+  }
+}
+
+void visit(const std::optional<PropertyList>& list) {
+  std::size_t budget = 10'000;
+  if (list) {
+    visit(list->root(), budget);
+  }
+}
+
+// How many arrays are inside one another, from the root down.
+unsigned depthOf(const std::optional<PropertyList>& list) {
+  unsigned depth = 0;
+  for (auto value = list ? list->root() : PropertyListValue(); value.kind() == Kind::Array;
+       value = value.at(0)) {
+    ++depth;
+  }
+  return depth;
+}
+
+TEST(PropertyListDamage, stopsAtTheDepthLimit) {
+  for (const unsigned depth : {511U, 512U, 513U, 60'000U}) {
+    Raw raw;
+    std::string xml;
+    for (unsigned i = 1; i < depth; ++i) {
+      raw.add(raw.array({i}));
+    }
+    raw.add(raw.array({}));
+    for (const char* tag : {"<array>", "</array>"}) {
+      for (unsigned i = 0; i < depth; ++i) {
+        xml += tag;
+      }
+    }
+    EXPECT_EQ(depthOf(parsed(raw)), std::min(depth, 512U));
+    EXPECT_EQ(depthOf(parsed(xmlDocument(xml))), std::min(depth, 512U));
+  }
+}
+
+TEST(PropertyListDamage, takesCyclesApartAndReadsTheRest) {
+  Raw raw;
+  raw.objects = {
+      raw.dictionary({1, 2, 3}, {0, 4, 5}),  // holds itself,
+      Raw::ascii("self"),
+      Raw::ascii("other"),
+      Raw::ascii("text"),
+      raw.array({6, 5, 4}),  // an array that holds itself and
+      raw.dictionary({3}, {7}),
+      raw.array({4, 0, 5}),  // one that holds both of its owners
+      Raw::ascii("readable"),
+  };
+  const auto list = parsed(raw);
+  ASSERT_TRUE(list);
+  const PropertyListValue root = list->root();
+  EXPECT_EQ(root.valueForKey("self").kind(), Kind::Absent);
+  EXPECT_EQ(root.valueForKey("text").valueForKey("text").string(), "readable");
+  const PropertyListValue other = root.valueForKey("other");
+  EXPECT_EQ(other.kind(), Kind::Array);
+  EXPECT_EQ(other.at(1).kind(), Kind::Dictionary);
+  EXPECT_EQ(other.at(2).kind(), Kind::Absent);
+  EXPECT_EQ(other.at(0).at(0).kind(), Kind::Absent);
+  EXPECT_EQ(other.at(0).at(1).kind(), Kind::Absent);
+  EXPECT_EQ(other.at(0).at(2).valueForKey("text").string(), "readable");
+
+  raw.objects = {raw.array({0, 0})};
+  const auto self = parsed(raw);
+  ASSERT_TRUE(self);
+  EXPECT_EQ(self->root().at(1).kind(), Kind::Absent);
+}
+
+// The sizes of the following lists are such that work in their square takes hours.
+
+TEST(PropertyListDamage, looksKeysUpInASharedDictionaryInLinearTime) {
+  constexpr std::uint64_t count = 300'000;
+  Raw raw;
+  raw.referenceSize = 3;
+  raw.add("");
+  raw.add("");
+  std::vector<std::uint64_t> keys, values;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    keys.push_back(raw.add(Raw::integer(i, 8).replace(0, 1, "\x58")));
+    values.push_back(1);
+  }
+  const std::uint64_t domain = raw.add(Raw::ascii("Domain"));
+  const std::uint64_t text = raw.add(Raw::ascii("found"));
+  raw.objects[0] = raw.dictionary(keys, values);
+  keys.push_back(domain);
+  raw.objects[1] = raw.dictionary(keys, std::vector<std::uint64_t>(count + 1, text));
+  const auto list = parsed(raw);
+  ASSERT_TRUE(list);
+  std::uint64_t found = 0;
+  for (const auto& [key, value] : list->root().entries()) {
+    found += value.valueForKey("Domain").equals("found") ? 1 : 0;
+    found += value.valueForKey("Missing").kind() == Kind::Absent ? 1 : 0;
+  }
+  EXPECT_EQ(found, 2 * count);
+}
+
+TEST(PropertyListDamage, sharesALongTextAmongAllWhoReferToIt) {
+  constexpr std::uint64_t count = 300'000;
+  Raw raw;
+  raw.referenceSize = 3;
+  raw.add("");
+  raw.add(Raw::utf16(std::u16string(count, u'\u20AC')));
+  raw.add(Raw::ascii(std::string(count, 'a')));
+  std::vector<std::uint64_t> keys(count, 1);
+  std::fill(keys.begin(), keys.begin() + count / 2, 2);
+  raw.objects[0] = raw.dictionary(keys, keys);
+  const auto list = parsed(raw);
+  ASSERT_TRUE(list);
+  std::size_t size = 0;
+  for (const auto& [key, value] : list->root().entries()) {
+    size += key.string().value_or("").size() + value.string().value_or("").size();
+    EXPECT_FALSE(key.equals("Domain"));
+    EXPECT_EQ(list->root().valueForKey("Domain").kind(), Kind::Absent);
+  }
+  EXPECT_EQ(size, count / 2 * (2 + 6) * count);
+}
+
+// A table of many objects, each of which starts two bytes after the one before and reaches to the
+// end of the file.
+Raw overlapping(const std::string& marker, unsigned count) {
+  Raw raw;
+  raw.offsetSize = 3;
+  std::vector<std::uint64_t> elements(count);
+  std::vector<std::uint64_t> offsets(count);
+  for (unsigned i = 0; i < count; ++i) {
+    elements[i] = i + 1;
+  }
+  raw.add(raw.array(elements));
+  const std::uint64_t start = 8 + raw.objects[0].size();
+  std::string overlap;
+  for (unsigned i = 0; i < count; ++i) {
+    offsets[i] = start + overlap.size();
+    overlap += marker;
+  }
+  overlap += std::string(2 * 65536 + 16, '\0');
+  raw.add(overlap);
+  offsets.insert(offsets.begin(), 8);
+  raw.offsets = offsets;
+  return raw;
+}
+
+TEST(PropertyListDamage, givesOverlappingObjectsNoMoreThanTheFileHolds) {
+  constexpr unsigned count = 60'000;
+  for (const char* type : {"\xAF", "\xDF", "\x6F"}) {
+    const Raw raw = overlapping(type + std::string("\x11\xFF\xFF"), count);
+    const std::string bytes = raw.bytes();
+    const auto list = parsed(bytes);
+    ASSERT_TRUE(list);
+    std::size_t reached = 0;
+    std::size_t readable = 0;
+    for (std::size_t i = 0; i < list->root().count(); ++i) {
+      const PropertyListValue value = list->root().at(i);
+      value.valueForKey("Domain");
+      reached += std::max(value.count(), value.string().value_or("").size());
+      readable += value.kind() != Kind::Absent ? 1 : 0;
+    }
+    EXPECT_LE(reached, 3 * bytes.size());
+    EXPECT_GT(readable, 0U);
+    EXPECT_LT(readable, count);
+  }
+}
+
+TEST(PropertyListDamage, survivesEveryTruncation) {
+  Raw raw;
+  raw.objects = {raw.dictionary({1, 2, 3}, {4, 5, 6}),
+                 Raw::ascii("Domain"),
+                 Raw::utf16(u"a key of more than fifteen units"),
+                 Raw::ascii("Data"),
+                 raw.array({7, 8, 1, 2}),
+                 Raw::date(1),
+                 Raw::data(std::string(40, 'x')),
+                 Raw::integer(1, 16),
+                 "\x23" + std::string(8, '\0')};
+  const std::string bytes = raw.bytes();
+  ASSERT_TRUE(parsed(bytes));
+  const std::string trailer = bytes.substr(bytes.size() - 32);
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    EXPECT_FALSE(parsed(bytes.substr(0, size))) << size;
+    // The file with a hole, as after a lost block: what is left has a trailer that lies.
+    visit(parsed(bytes.substr(0, size) + trailer));
+    visit(parsed(bytes.substr(0, size).append(8, '\xFF') + trailer));
+    std::string damaged = bytes;
+    for (const char byte : {'\x00', '\x5F', '\x7F', '\xDF', '\xFF'}) {
+      damaged[size] = byte;
+      visit(parsed(damaged));
+    }
+  }
+}
+
+TEST(PropertyListDamage, comparesEveryNumberOfTheTrailerWithTheFile) {
+  const auto listWith = [](auto change) {
+    Raw raw;
+    raw.objects = {raw.array({1, 2, 300, 3}), Raw::ascii("a"), Raw::ascii("b")};
+    change(raw);
+    return parsed(raw);
+  };
+  const auto list = listWith([](Raw&) {});
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->root().count(), 4U);
+  EXPECT_EQ(list->root().at(1).string(), "b");
+  EXPECT_EQ(list->root().at(2).kind(), Kind::Absent);
+  EXPECT_EQ(list->root().at(3).kind(), Kind::Absent);
+
+  for (const std::uint64_t number : {std::uint64_t{0}, std::uint64_t{4}, std::uint64_t{1} << 32,
+                                     std::uint64_t{1} << 62, highest / 4 + 2, highest}) {
+    EXPECT_FALSE(listWith([=](Raw& raw) { raw.count = number; })) << number;
+    EXPECT_FALSE(listWith([=](Raw& raw) { raw.table = number; })) << number;
+    EXPECT_FALSE(listWith([=](Raw& raw) { raw.root = std::max<std::uint64_t>(number, 3); }))
+        << number;
+    visit(listWith([=](Raw& raw) { raw.offsets = {8, number, number + 9}; }));
+  }
+  for (const unsigned size : {0U, 9U, 255U}) {
+    std::string bytes = Raw{{Raw::ascii("a")}}.bytes();
+    for (const std::size_t fromEnd : {26U, 25U}) {
+      std::string damaged = bytes;
+      damaged[bytes.size() - fromEnd] = static_cast<char>(size);
+      EXPECT_FALSE(parsed(damaged)) << size;
+    }
+  }
+  // The table and its own trailer are no objects.
+  EXPECT_FALSE(listWith([](Raw& raw) { raw.offsets = {40, 9, 9}; }));
+}
+
+TEST(PropertyListDamage, readsNumbersOfTheWidestTable) {
+  Raw raw;
+  raw.offsetSize = 8;
+  raw.referenceSize = 8;
+  raw.objects = {raw.dictionary({1}, {2}), Raw::ascii("key"), Raw::ascii("value")};
+  const auto list = parsed(raw);
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->root().valueForKey("key").string(), "value");
+}
+
+TEST(PropertyListDamage, expandsNoEntityAndOpensNoFile) {
+  const TemporaryTree tree;
+  const std::string declarations = tree.write("list.dtd", "<!ENTITY secret \"declared\">");
+  const std::string secret = tree.write("secret", "text of the file");
+  const std::string external = "<!DOCTYPE plist SYSTEM \"" + declarations + "\">";
+  const std::string bomb =
+      "<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
+      "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\">";
+  const std::string element = "<plist><string>&secret;</string></plist>";
+
+  // Had the file been opened, the entity would be known.
+  EXPECT_FALSE(parsed(external + element));
+  EXPECT_FALSE(parsed("<!DOCTYPE plist SYSTEM \"file://" + declarations + "\">" + element));
+  const auto list = parsed(external + "<plist><string>&amp;&#65;&#x42;</string></plist>");
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->root().string(), "&AB");
+
+  for (const std::string& subset :
+       {"<!ENTITY secret SYSTEM \"" + secret + "\">", std::string("<!ENTITY secret \"inside\">"),
+        bomb + "<!ENTITY secret \"&c;&c;&c;\">",
+        "<!ENTITY % outside SYSTEM \"" + declarations + "\"> %outside;",
+        std::string("<!ATTLIST string padding CDATA \"aaaaaaaaaaaaaaaaaaaa\">")}) {
+    EXPECT_FALSE(parsed("<!DOCTYPE plist [" + subset + "]>" + element)) << subset;
+    EXPECT_FALSE(parsed("<!DOCTYPE plist [" + subset + "]><plist><true/></plist>")) << subset;
+  }
+}
+
+}  // namespace
+}  // namespace snaplift
