@@ -4,8 +4,6 @@
 #include <system_error>
 #include <utility>
 
-#include "foundation/Log.h"
-
 namespace snaplift {
 namespace {
 
@@ -47,8 +45,8 @@ bool FileError::isFileExists() const {
 }
 
 std::string FileError::description() const {
-  return escapedForLog(path) + ": " + reasonOf(*this) + " (" + std::string(domain) + " " +
-         std::to_string(code) + ")";
+  return path + ": " + reasonOf(*this) + " (" + std::string(domain) + " " + std::to_string(code) +
+         ")";
 }
 
 }  // namespace snaplift

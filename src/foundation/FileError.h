@@ -30,8 +30,8 @@ struct FileError {
 
   bool isFileExists() const;
 
-  // "/out/IMG_0001.JPG: No space left on device (NSPOSIXErrorDomain 28)". Always one line: control
-  // characters and backslashes of the path are escaped (see escapedForLog).
+  // "/out/IMG_0001.JPG: No space left on device (NSPOSIXErrorDomain 28)". The path stands as it is,
+  // control characters included: systemLog and every other medium escape what they print.
   std::string description() const;
 
   bool operator==(const FileError&) const = default;

@@ -7,7 +7,6 @@
 
 #include "foundation/File.h"
 #include "foundation/FileWriting.h"
-#include "foundation/Log.h"
 
 namespace snaplift {
 namespace {
@@ -44,7 +43,7 @@ std::string backupAround(fs::path folder, const std::vector<std::string>& backup
 }
 
 std::string quoted(const std::string& path) {
-  return '"' + escapedForLog(path) + '"';
+  return '"' + path + '"';
 }
 
 }  // namespace
