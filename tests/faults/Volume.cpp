@@ -1,0 +1,51 @@
+#include "faults/Volume.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <sys/mount.h>
+#include <unistd.h>
+
+namespace snaplift {
+namespace {
+
+constexpr std::size_t exFatSize = std::size_t{64} << 20;
+
+bool run(const std::string& command) {
+  return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+}  // namespace
+
+std::unique_ptr<Volume> Volume::inMemory(const std::string& folder, std::size_t size) {
+  const std::string options = "size=" + std::to_string(size);
+  if (::mount("none", folder.c_str(), "tmpfs", 0, options.c_str()) != 0) {
+    return nullptr;
+  }
+  return std::unique_ptr<Volume>(new Volume(folder));
+}
+
+std::unique_ptr<Volume> Volume::exFat(const std::string& folder, const std::string& image) {
+  if (::geteuid() != 0) {
+    return nullptr;
+  }
+  std::ofstream(image).close();
+  std::filesystem::resize_file(image, exFatSize);
+  if (!run("mkfs.exfat '" + image + "'") ||
+      !run("mount -t exfat-fuse -o loop '" + image + "' '" + folder + "'")) {
+    return nullptr;
+  }
+  return std::unique_ptr<Volume>(new Volume(folder));
+}
+
+Volume::~Volume() {
+  // Detached: whoever still has a file open on it does not keep the test from ending.
+  ::umount2(m_folder.c_str(), MNT_DETACH);
+}
+
+bool Volume::makeReadOnly() {
+  return ::mount("none", m_folder.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+}
+
+}  // namespace snaplift

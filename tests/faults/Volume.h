@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace snaplift {
+
+// A file system of a test's own, mounted on an empty folder as long as the object lives. Mounting
+// needs root, and exFAT the programs that make and serve it (packages exfatprogs and exfat-fuse):
+// the makers answer nothing where it cannot be had, and the test is skipped.
+class Volume {
+public:
+  // In memory, with room for `size` bytes.
+  static std::unique_ptr<Volume> inMemory(const std::string& folder, std::size_t size);
+
+  // exFAT served through FUSE: no links, no permissions, letter case folded, no rename that refuses
+  // a taken name. Its bytes are in the new file `image`.
+  static std::unique_ptr<Volume> exFat(const std::string& folder, const std::string& image);
+
+  Volume(const Volume&) = delete;
+  Volume& operator=(const Volume&) = delete;
+  ~Volume();
+
+  bool makeReadOnly();
+
+private:
+  explicit Volume(std::string folder) : m_folder(std::move(folder)) {}
+
+  std::string m_folder;
+};
+
+}  // namespace snaplift
