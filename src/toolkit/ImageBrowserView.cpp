@@ -1,0 +1,412 @@
+#include "toolkit/ImageBrowserView.h"
+
+#include <QCursor>
+#include <QHelpEvent>
+#include <QLocale>
+#include <QNativeGestureEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QToolTip>
+#include <algorithm>
+#include <cmath>
+
+#include "toolkit/ImageBrowserAccessible.h"
+#include "toolkit/ImageBrowserModel.h"
+#include "toolkit/PhotoPreview.h"
+#include "toolkit/ThumbnailProvider.h"
+
+namespace snaplift {
+namespace {
+
+constexpr int decorationMargin = 8;  // how far selection and focus reach out of a cell
+
+constexpr double zoomStep = 1.25;  // of a key, or of one notch of the wheel
+
+QRect decorated(const QRect& cell) {
+  return cell.adjusted(-decorationMargin, -decorationMargin, decorationMargin, decorationMargin);
+}
+
+}  // namespace
+
+ImageBrowserView::ImageBrowserView(QWidget* parent)
+    : QAbstractItemView(parent),
+      m_model(new ImageBrowserModel(this)),
+      m_thumbnails(new ThumbnailProvider(this)) {
+  ImageBrowserAccessible::install();
+  setModel(m_model);
+  setSelectionMode(NoSelection);
+  setVerticalScrollMode(ScrollPerPixel);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setFocusPolicy(Qt::StrongFocus);
+  setFrameShape(NoFrame);
+  setTabKeyNavigation(false);
+  setAttribute(Qt::WA_InputMethodEnabled, false);
+  m_metrics = GridCellMetrics::forZoom(m_zoomValue, font());
+
+  m_lookTimer.setSingleShot(true);
+  connect(&m_lookTimer, &QTimer::timeout, this, &ImageBrowserView::lookAtVisible);
+  constexpr int bandFrame = 20;  // milliseconds
+  m_bandTimer.setInterval(bandFrame);
+  connect(&m_bandTimer, &QTimer::timeout, this, &ImageBrowserView::scrollWithBand);
+  connect(m_thumbnails, &ThumbnailProvider::thumbnailsChanged, this,
+          [this](const std::vector<int>& indexes) {
+            for (const int index : indexes) {
+              viewport()->update(itemFrameAtIndex(index));
+            }
+          });
+}
+
+// The preview holds on to the view, so it goes before the view's own parts do.
+ImageBrowserView::~ImageBrowserView() {
+  delete m_preview;
+}
+
+// Content
+
+void ImageBrowserView::setDataSource(const ImageBrowserViewDataSource* dataSource) {
+  m_dataSource = dataSource;
+  reloadData();
+}
+
+void ImageBrowserView::reloadData() {
+  setPreviewOpen(false);
+  endBand();
+  const int count = std::min(m_dataSource ? m_dataSource->numberOfItemsInImageBrowser(*this) : 0,
+                             GridLayout::maxItems);
+  const bool hadSelection = !selectionIndexes().empty();
+  m_pressedIndex = -1;
+  m_onRelease = OnRelease::Nothing;
+  m_selection = GridSelection(count);
+  m_layout = GridLayout(count, viewport()->width(), m_metrics.cellSize());
+  m_model->reset(count);
+  if (m_dataSource) {
+    m_thumbnails->setItems([this](int index) { return itemAtIndex(index); }, count);
+  } else {
+    m_thumbnails->setItems({}, 0);
+  }
+  m_anchor = Anchor{0, 0, {}};
+  m_scrollsBackwards = false;
+  verticalScrollBar()->setValue(0);
+  relayout();
+  if (hadSelection) {
+    emit selectionIndexesChanged();
+  }
+}
+
+ImageBrowserItemPointer ImageBrowserView::itemAtIndex(int index) const {
+  return m_dataSource->imageBrowserItemAtIndex(*this, index);
+}
+
+QString ImageBrowserView::titleAtIndex(int index) const {
+  return m_dataSource->imageBrowserTitleAtIndex(*this, index);
+}
+
+const Thumbnail* ImageBrowserView::thumbnailAtIndex(int index) const {
+  return m_thumbnails->find(itemAtIndex(index)->imageUID());
+}
+
+void ImageBrowserView::setThumbnailsSuspended(bool suspended) {
+  m_thumbnails->setSuspended(suspended);
+}
+
+bool ImageBrowserView::isLoadingThumbnails() const {
+  return m_lookTimer.isActive() || !m_thumbnails->isIdle();
+}
+
+// Layout
+
+std::optional<int> ImageBrowserView::indexOfItemAtPoint(QPoint point) const {
+  const int index = m_layout.indexAt(contentPoint(point));
+  return index >= 0 ? std::optional(index) : std::nullopt;
+}
+
+QRect ImageBrowserView::itemFrameAtIndex(int index) const {
+  return viewportRect(m_layout.cellRect(index));
+}
+
+QPoint ImageBrowserView::contentPoint(QPoint viewportPoint) const {
+  return viewportPoint + QPoint(0, verticalOffset());
+}
+
+QRect ImageBrowserView::viewportRect(const QRect& contentRect) const {
+  return contentRect.translated(0, -verticalOffset());
+}
+
+IndexRange ImageBrowserView::visibleRange() const {
+  const int top = verticalOffset();
+  return m_layout.rowsBetween(top, top + viewport()->height() - 1);
+}
+
+void ImageBrowserView::relayout() {
+  const Anchor anchor = m_anchor.value_or(anchorOfFirstVisible());
+  m_layout = GridLayout(m_layout.itemCount(), viewport()->width(), m_metrics.cellSize());
+  m_isAdjusting = true;
+  updateGeometries();
+  if (m_layout.itemCount() > 0) {
+    const int row = m_layout.cellRect(anchor.index).top();
+    verticalScrollBar()->setValue(row + qRound(anchor.fraction * m_layout.rowHeight()) -
+                                  anchor.at.y());
+    m_anchor = anchor;
+  }
+  m_isAdjusting = false;
+  m_lookTimer.start(0);
+  viewport()->update();
+}
+
+void ImageBrowserView::updateGeometries() {
+  const int height = viewport()->height();
+  verticalScrollBar()->setRange(0, std::max(m_layout.contentHeight() - height, 0));
+  verticalScrollBar()->setPageStep(height);
+  verticalScrollBar()->setSingleStep(std::max(m_layout.rowHeight() / 3, 20));
+  QAbstractItemView::updateGeometries();
+}
+
+// Photos change columns as the grid is laid out anew. So a series of steps about one point holds
+// the photo that it began with, not the one that each step puts there.
+void ImageBrowserView::holdPhotoAt(QPoint point) {
+  constexpr int tremor = 4;
+  if (m_anchor && (m_anchor->at - point).manhattanLength() <= tremor) {
+    return;
+  }
+  const int index = std::max(m_layout.nearestIndex(contentPoint(point)), 0);
+  const int into = contentPoint(point).y() - m_layout.cellRect(index).top();
+  m_anchor = Anchor{index, double{1} * into / m_layout.rowHeight(), point};
+}
+
+ImageBrowserView::Anchor ImageBrowserView::anchorOfFirstVisible() const {
+  const IndexRange visible = visibleRange();
+  if (visible.empty()) {
+    return {0, 0, {}};
+  }
+  // A row that is mostly scrolled out of sight does not count.
+  const int hidden = -viewportRect(m_layout.cellRect(visible.first)).top();
+  const int second = visible.first + m_layout.columns();
+  const int index =
+      hidden > m_layout.rowHeight() / 2 && second <= visible.last ? second : visible.first;
+  return {index, 0, viewportRect(m_layout.cellRect(index)).topLeft()};
+}
+
+int ImageBrowserView::verticalOffset() const {
+  return verticalScrollBar()->value();
+}
+
+void ImageBrowserView::scrollContentsBy(int, int dy) {
+  if (!m_isAdjusting) {
+    m_anchor.reset();
+    m_scrollsBackwards = dy > 0;
+  }
+  // A band is painted over everything and moves against the photos.
+  if (m_band) {
+    viewport()->update();
+  } else {
+    viewport()->scroll(0, dy);
+  }
+  m_lookTimer.start(0);
+}
+
+void ImageBrowserView::resizeEvent(QResizeEvent* event) {
+  QAbstractItemView::resizeEvent(event);
+  if (m_preview != nullptr) {
+    m_preview->setGeometry(viewport()->geometry());
+  }
+  relayout();
+}
+
+// Zoom
+
+void ImageBrowserView::setZoomValue(float zoom) {
+  if (!std::isfinite(zoom) || zoom == m_zoomValue) {
+    return;
+  }
+  m_zoomValue = zoom;
+  m_metrics = GridCellMetrics::forZoom(zoom, font());
+  relayout();
+  emit zoomValueChanged(zoom);
+}
+
+void ImageBrowserView::setZoomValueAboutPoint(float zoom, QPoint point) {
+  holdPhotoAt(point);
+  setZoomValue(zoom);
+}
+
+double ImageBrowserView::largestZoom() const {
+  return m_delegate ? m_delegate->maxZoom() : 1.0;
+}
+
+void ImageBrowserView::zoomBy(double factor, QPoint point) {
+  const double zoom = std::clamp(double{m_zoomValue} * factor, double{smallestZoom},
+                                 std::max(largestZoom(), double{smallestZoom}));
+  setZoomValueAboutPoint(static_cast<float>(zoom), point);
+}
+
+// The pointer, or else the focused photo, or else the middle.
+QPoint ImageBrowserView::zoomPoint() const {
+  const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
+  if (viewport()->rect().contains(pointer) && viewport()->underMouse()) {
+    return pointer;
+  }
+  if (focusedIndex() >= 0) {
+    const QPoint focus = itemFrameAtIndex(focusedIndex()).center();
+    if (viewport()->rect().contains(focus)) {
+      return focus;
+    }
+  }
+  return viewport()->rect().center();
+}
+
+void ImageBrowserView::zoomIn() {
+  zoomBy(zoomStep, zoomPoint());
+}
+void ImageBrowserView::zoomOut() {
+  zoomBy(1 / zoomStep, zoomPoint());
+}
+void ImageBrowserView::zoomToInitialSize() {
+  setZoomValueAboutPoint(initialZoom, zoomPoint());
+}
+
+void ImageBrowserView::wheelEvent(QWheelEvent* event) {
+  if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+    QAbstractItemView::wheelEvent(event);
+    return;
+  }
+  constexpr double notch = 120;
+  const int angle = event->angleDelta().y();
+  if (angle != 0) {
+    zoomBy(std::pow(zoomStep, angle / notch), event->position().toPoint());
+  }
+  event->accept();
+}
+
+void ImageBrowserView::magnifyWithEvent(QNativeGestureEvent* event) {
+  zoomBy(1 + event->value(), event->position().toPoint());
+}
+
+// Painting
+
+void ImageBrowserView::paintEvent(QPaintEvent* event) {
+  QPainter painter(viewport());
+  const QPalette::ColorGroup group = isActiveWindow() ? QPalette::Active : QPalette::Inactive;
+  GridCellPainter cells(painter, palette(), group, m_metrics);
+  const QRect dirty = decorated(event->rect()).translated(0, verticalOffset());
+  const bool showsFocus = hasFocus() && !isPreviewOpen();
+  m_layout.forEachRunIn(dirty, [&](IndexRange run) {
+    for (int index = run.first; index <= run.last; ++index) {
+      const QRect frame = itemFrameAtIndex(index);
+      if (event->region().intersects(decorated(frame))) {
+        const ImageBrowserItemPointer item = itemAtIndex(index);
+        cells.draw({frame, QString::fromStdString(item->imageTitle()),
+                    m_thumbnails->find(item->imageUID()), selectionIndexes().contains(index),
+                    showsFocus && index == focusedIndex()});
+      }
+    }
+  });
+  if (m_band) {
+    cells.drawBand(viewportRect(m_band->rect()));
+  }
+}
+
+void ImageBrowserView::lookAtVisible() {
+  // The pending look is void: what is visible is looked at now.
+  m_lookTimer.stop();
+  if (isVisible()) {
+    m_thumbnails->setSight({visibleRange(), m_scrollsBackwards,
+                            qCeil(m_metrics.side * viewport()->devicePixelRatio())});
+  }
+}
+
+void ImageBrowserView::showEvent(QShowEvent* event) {
+  QAbstractItemView::showEvent(event);
+  m_lookTimer.start(0);
+}
+
+void ImageBrowserView::hideEvent(QHideEvent* event) {
+  QAbstractItemView::hideEvent(event);
+  m_thumbnails->setSight({});
+}
+
+void ImageBrowserView::changeEvent(QEvent* event) {
+  QAbstractItemView::changeEvent(event);
+  if (event->type() == QEvent::FontChange) {
+    m_metrics = GridCellMetrics::forZoom(m_zoomValue, font());
+    relayout();
+  }
+}
+
+bool ImageBrowserView::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::NativeGesture) {
+    auto* gesture = static_cast<QNativeGestureEvent*>(event);
+    if (gesture->gestureType() == Qt::ZoomNativeGesture) {
+      holdPhotoAt(gesture->position().toPoint());
+      magnifyWithEvent(gesture);
+      return true;
+    }
+  } else if (event->type() == QEvent::ToolTip) {
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const std::optional<int> index = indexOfItemAtPoint(help->pos());
+    QToolTip::showText(help->globalPos(), index ? toolTipOf(*index) : QString(), viewport(),
+                       index ? itemFrameAtIndex(*index) : QRect());
+    return true;
+  }
+  return QAbstractItemView::viewportEvent(event);
+}
+
+QString ImageBrowserView::toolTipOf(int index) const {
+  const ImageBrowserItemPointer item = itemAtIndex(index);
+  QStringList lines{QString::fromStdString(item->imageTitle())};
+  if (const Thumbnail* thumbnail = m_thumbnails->find(item->imageUID())) {
+    QStringList measures;
+    if (thumbnail->photoSize.isValid()) {
+      measures << QString("%1 × %2 pixels")
+                      .arg(thumbnail->photoSize.width())
+                      .arg(thumbnail->photoSize.height());
+    }
+    if (thumbnail->byteCount > 0) {
+      measures << locale().formattedDataSize(thumbnail->byteCount, 1,
+                                             QLocale::DataSizeTraditionalFormat);
+    }
+    lines << measures.join(", ");
+    if (thumbnail->state == Thumbnail::State::Unreadable) {
+      lines << "This photo cannot be read.";
+    } else if (thumbnail->state == Thumbnail::State::Undecodable) {
+      lines << "This photo is damaged, too large or of an unknown format.";
+    }
+  }
+  lines << QString::fromStdString(item->imageOrigin());
+  lines.removeAll(QString());
+  // Names come from backups; as rich text they could say anything.
+  return "<p style='white-space:pre'>" + lines.join('\n').toHtmlEscaped() + "</p>";
+}
+
+// Preview
+
+bool ImageBrowserView::isPreviewOpen() const {
+  return m_preview != nullptr;
+}
+
+void ImageBrowserView::setPreviewOpen(bool open) {
+  if (open == isPreviewOpen() || (open && itemCount() == 0)) {
+    return;
+  }
+  if (open) {
+    stepTo(std::max(focusedIndex(), 0));
+    m_preview = new PhotoPreview(this);
+    m_preview->setGeometry(viewport()->geometry());
+    m_preview->showPhoto(focusedIndex());
+    m_preview->show();
+    m_preview->setFocus();
+  } else {
+    const bool hadFocus = m_preview->hasFocus();
+    m_preview->hide();
+    m_preview->deleteLater();
+    m_preview = nullptr;
+    if (hadFocus) {
+      setFocus();
+    }
+  }
+  // The photo in view is worth more than the grid behind it.
+  m_thumbnails->setSuspended(open);
+  viewport()->update();
+}
+
+}  // namespace snaplift
