@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <string>
+
+class QWidget;
+
+namespace snaplift {
+
+// Lets the user choose a folder, in the desktop's own dialog where it has one, as a sheet on
+// `window`; new folders can be made from it. Returns at once. `chosen` is called with the folder's
+// path when the user confirms with the button `prompt`; a cancelled dialog calls nothing.
+void chooseFolder(QWidget* window, const QString& prompt,
+                  std::function<void(const std::string& folder)> chosen);
+
+}  // namespace snaplift
