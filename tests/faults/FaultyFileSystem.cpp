@@ -6,9 +6,9 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace snaplift {
@@ -59,9 +59,15 @@ const Faults* FaultyFileSystem::current() {
 
 using snaplift::FaultyFileSystem;
 
+// The version that ours stands before: the system's, or that of a sanitizer, which wants to know
+// about files, too.
+#define NEXT_VERSION(function) \
+  reinterpret_cast<decltype(&::function)>(::dlsym(RTLD_NEXT, #function))
+
 extern "C" {
 
 int openat(int folder, const char* path, int flags, ...) {
+  static const auto next = NEXT_VERSION(openat);
   mode_t mode = 0;
   if ((flags & O_CREAT) != 0) {
     va_list arguments;
@@ -69,21 +75,21 @@ int openat(int folder, const char* path, int flags, ...) {
     mode = va_arg(arguments, mode_t);
     va_end(arguments);
   }
-  return snaplift::faulty(
-      [&] { return static_cast<int>(::syscall(SYS_openat, folder, path, flags, mode)); });
+  return snaplift::faulty([&] { return next(folder, path, flags, mode); });
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t size) {
+  static const auto next = NEXT_VERSION(write);
   const snaplift::Faults* faults = FaultyFileSystem::current();
   const size_t taken = faults == nullptr ? size : std::min(size, faults->maximumWrite);
-  return snaplift::faulty(
-      [&] { return static_cast<ssize_t>(::syscall(SYS_write, descriptor, bytes, taken)); });
+  return snaplift::faulty([&] { return next(descriptor, bytes, taken); });
 }
 
 // A close that fails has closed the file all the same.
 int close(int descriptor) {
+  static const auto next = NEXT_VERSION(close);
   const int error = FaultyFileSystem::nextCall();
-  const auto result = static_cast<int>(::syscall(SYS_close, descriptor));
+  const int result = next(descriptor);
   if (error != 0) {
     errno = error;
     return -1;
@@ -93,12 +99,13 @@ int close(int descriptor) {
 
 int linkat(int oldFolder, const char* oldPath, int newFolder, const char* newPath,
            int flags) noexcept {
+  static const auto next = NEXT_VERSION(linkat);
   return snaplift::faulty([&] {
     if (const int error = snaplift::refusingLinks(EPERM)) {
       errno = error;
       return -1;
     }
-    return static_cast<int>(::syscall(SYS_linkat, oldFolder, oldPath, newFolder, newPath, flags));
+    return next(oldFolder, oldPath, newFolder, newPath, flags);
   });
 }
 
@@ -108,13 +115,13 @@ int link(const char* oldPath, const char* newPath) noexcept {
 
 int renameat2(int oldFolder, const char* oldPath, int newFolder, const char* newPath,
               unsigned flags) noexcept {
+  static const auto next = NEXT_VERSION(renameat2);
   return snaplift::faulty([&] {
     if (const int error = flags != 0 ? snaplift::refusingLinks(EINVAL) : 0) {
       errno = error;
       return -1;
     }
-    return static_cast<int>(
-        ::syscall(SYS_renameat2, oldFolder, oldPath, newFolder, newPath, flags));
+    return next(oldFolder, oldPath, newFolder, newPath, flags);
   });
 }
 
@@ -123,17 +130,12 @@ int renameat(int oldFolder, const char* oldPath, int newFolder, const char* newP
 }
 
 int unlinkat(int folder, const char* path, int flags) noexcept {
-  return snaplift::faulty(
-      [&] { return static_cast<int>(::syscall(SYS_unlinkat, folder, path, flags)); });
+  static const auto next = NEXT_VERSION(unlinkat);
+  return snaplift::faulty([&] { return next(folder, path, flags); });
 }
 
 int unlink(const char* path) noexcept {
   return unlinkat(AT_FDCWD, path, 0);
-}
-
-int mkdir(const char* path, mode_t mode) noexcept {
-  return snaplift::faulty(
-      [&] { return static_cast<int>(::syscall(SYS_mkdirat, AT_FDCWD, path, mode)); });
 }
 
 }  // extern "C"

@@ -14,7 +14,7 @@ struct Faults {
 };
 
 // Stands between the program and the system: a test that links this library calls its versions of
-// openat, write, close, link, linkat, renameat, renameat2, unlink, unlinkat and mkdir, which pass
+// openat, write, close, link, linkat, renameat, renameat2, unlink and unlinkat, which pass
 // everything on until such an object is made. They then go wrong as told, for the calls of the same
 // thread, as long as the object lives. One at a time on each thread.
 class FaultyFileSystem {

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -34,7 +35,7 @@ public:
     if (path.find("unreadable") != std::string::npos) {
       return std::nullopt;
     }
-    m_largestReuse = std::max(m_largestReuse, reuse.capacity());
+    m_lastReuse = reuse.capacity();
     const std::string content = contentOf(path);
     reuse.resize(content.size());
     std::ranges::copy(bytesOf(content), reuse.data());
@@ -42,7 +43,7 @@ public:
   }
 
   std::function<void()> m_onRead = [] {};
-  mutable std::size_t m_largestReuse = 0;
+  mutable std::atomic<std::size_t> m_lastReuse = 0;  // the capacity of the last buffer
 };
 
 class ImageItemTest : public testing::Test {
@@ -204,7 +205,7 @@ TEST_F(ImageItemTest, hasOneBufferForAllPhotosOfAWorker) {
   Bytes buffer(1000);
   EXPECT_FALSE(m_item.extractPhoto(m_out, buffer).error);
   EXPECT_FALSE(m_item.extractPhoto(m_out, buffer).error);
-  EXPECT_EQ(m_photos.m_largestReuse, 1000u);
+  EXPECT_EQ(m_photos.m_lastReuse, 1000u);
   EXPECT_EQ(buffer.capacity(), 1000u);
 }
 
