@@ -10,10 +10,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "faults/FaultyFileSystem.h"
 #include "foundation/FileURL.h"
 #include "foundation/Log.h"
 #include "foundation/Path.h"
 #include "foundation/TemporaryFolder.h"
+#include "library/FileNameReservation.h"
 #include "library/ImageItem.h"
 #include "support/TemporaryTree.h"
 
@@ -256,19 +258,23 @@ TEST_F(ImageItemTest, asksForNumbersOnlyWhereANameIsTaken) {
   EXPECT_EQ(m_item.fileManagerShouldMoveItemAtURLToURL(manager, "a", "b"), true);
 }
 
-// Photos of one name, from several threads at once: each arrives with its own bytes.
+// Photos of one name, from several threads at once: each arrives with its own bytes. Letter by
+// letter, so that one is being written while the next begins.
 TEST_F(ImageItemTest, sharesNoTemporaryFileWithAPhotoOfTheSameName) {
   constexpr int threads = 4;
-  constexpr int photosPerThread = 100;
+  constexpr int photosPerThread = 50;
+  Faults slow;
+  slow.maximumWrite = 1;
   {
     std::vector<std::jthread> workers;
     for (int t = 0; t < threads; ++t) {
       const std::string folder = m_tree.makeFolder("out/" + std::to_string(t));
-      workers.emplace_back([this, t, folder] {
-        const std::string name = t % 2 == 0 ? "/IMG_0001.JPG" : "/img_0001.jpg";
+      workers.emplace_back([this, t, folder, slow] {
         Bytes buffer;
         for (int i = 0; i < photosPerThread; ++i) {
-          ImageItem item("/b/" + std::to_string(t) + "/" + std::to_string(i) + name, m_photos);
+          ImageItem item("/b/" + std::to_string(t) + "/" + std::to_string(i) + "/IMG_0001.JPG",
+                         m_photos);
+          const FaultyFileSystem fileSystem(slow);
           const ExtractOutcome outcome = item.extractPhoto(folder, buffer);
           EXPECT_FALSE(outcome.error);
           EXPECT_EQ(m_tree.read(outcome.written.substr(m_tree.root().size())),
@@ -279,6 +285,22 @@ TEST_F(ImageItemTest, sharesNoTemporaryFileWithAPhotoOfTheSameName) {
     }
   }
   EXPECT_THAT(m_log, IsEmpty());
+}
+
+// A temporary folder may fold letter case: a name counts as taken in any.
+TEST(FileNameReservation, belongsToOneThread) {
+  std::atomic<int> holders = 0;
+  std::vector<std::jthread> workers;
+  for (const char* name : {"IMG_0001.JPG", "img_0001.jpg", "IMG_0001.jpg", "IMG_0001.JPG"}) {
+    workers.emplace_back([&holders, name] {
+      for (int i = 0; i < 1000; ++i) {
+        const FileNameReservation reservation(name);
+        EXPECT_EQ(++holders, 1);
+        std::this_thread::yield();
+        --holders;
+      }
+    });
+  }
 }
 
 TEST_F(ImageItemTest, keepsNoFileOpen) {
