@@ -10,7 +10,6 @@
 namespace snaplift {
 namespace {
 
-constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
 // A dictionary of up to this many entries is searched from front to back; a bigger one gets an
@@ -19,19 +18,6 @@ constexpr std::size_t maximumScannedEntries = 32;
 // A key of more bytes than this is not in the index: keys that overlap or are shared could make
 // digesting them cost more than the file's size allows. Nobody looks one up.
 constexpr std::size_t maximumIndexedKeyLength = 256;
-
-// Reads eight bytes, whatever the width: the trailer follows everything that is read this way.
-std::uint64_t bigEndian(const std::uint8_t* bytes, unsigned width) {
-  const auto shifted = [bytes](unsigned i) { return std::uint64_t{bytes[i]} << (56 - 8 * i); };
-  const std::uint64_t value = shifted(0) | shifted(1) | shifted(2) | shifted(3) | shifted(4) |
-                              shifted(5) | shifted(6) | shifted(7);
-  return value >> (64 - 8 * width);
-}
-
-std::uint64_t digestOf(std::string_view key) {
-  const Sha1Digest digest = sha1({bytesOf(key)});
-  return bigEndian(digest.data(), 8);
-}
 
 }  // namespace
 
@@ -114,18 +100,6 @@ void BinaryPropertyList::rankContainers() {
   }
 }
 
-std::optional<std::uint32_t> BinaryPropertyList::offsetOf(std::uint64_t object) const {
-  if (object >= m_objects) {
-    return std::nullopt;
-  }
-  const std::uint64_t offset =
-      bigEndian(m_bytes.data() + m_table + object * m_offsetSize, m_offsetSize);
-  if (offset < headerSize || offset >= m_table) {
-    return std::nullopt;
-  }
-  return static_cast<std::uint32_t>(offset);
-}
-
 std::optional<ByteView> BinaryPropertyList::numberAt(std::size_t offset) const {
   const unsigned exponent = markerAt(offset) & 0x0F;
   if (exponent > 4 || m_table - offset - 1 < std::size_t{1} << exponent) {
@@ -169,9 +143,9 @@ std::optional<BinaryPropertyList::Container> BinaryPropertyList::containerAt(
   return Container{run->bytes, run->count, isDictionary};
 }
 
-std::uint64_t BinaryPropertyList::reference(const std::uint8_t* references,
-                                            std::size_t index) const {
-  return bigEndian(references + index * m_referenceSize, m_referenceSize);
+std::uint64_t BinaryPropertyList::digestOf(std::string_view key) {
+  const Sha1Digest digest = sha1({bytesOf(key)});
+  return bigEndian(digest.data(), 8);
 }
 
 bool BinaryPropertyList::isString(std::size_t offset, std::string_view text) const {
@@ -180,6 +154,10 @@ bool BinaryPropertyList::isString(std::size_t offset, std::string_view text) con
     return false;
   }
   const bool isUtf16 = type == Utf16String;
+  const unsigned size = markerAt(offset) & 0x0F;
+  if (!isUtf16 && size != 0x0F && size != text.size()) {
+    return false;  // most keys that are not the right one end here
+  }
   const std::optional<Run> run = runAt(offset, isUtf16 ? 2 : 1);
   if (!run) {
     return false;

@@ -72,14 +72,24 @@ public:
 
   // Where the object starts; nothing for a number outside the table and an offset outside the
   // objects.
-  std::optional<std::uint32_t> offsetOf(std::uint64_t object) const;
+  std::optional<std::uint32_t> offsetOf(std::uint64_t object) const {
+    if (object >= m_objects) {
+      return std::nullopt;
+    }
+    const std::uint64_t offset =
+        bigEndian(m_bytes.data() + m_table + object * m_offsetSize, m_offsetSize);
+    const bool isAnObject = offset >= headerSize && offset < m_table;
+    return isAnObject ? std::optional(static_cast<std::uint32_t>(offset)) : std::nullopt;
+  }
   // The payload of `unitSize` bytes a unit whose number of units the marker gives; nothing where it
   // would not fit into the objects.
   std::optional<Run> runAt(std::size_t offset, std::size_t unitSize) const;
   // The payload of an integer, real or date object: 1, 2, 4, 8 or 16 bytes.
   std::optional<ByteView> numberAt(std::size_t offset) const;
   std::optional<Container> containerAt(std::size_t offset) const;
-  std::uint64_t reference(const std::uint8_t* references, std::size_t index) const;
+  std::uint64_t reference(const std::uint8_t* references, std::size_t index) const {
+    return bigEndian(references + index * m_referenceSize, m_referenceSize);
+  }
 
   // 0 for what is no container that the root leads to, `refused` for a damaged one.
   static constexpr std::uint32_t refused = 0xFFFFFFFF;
@@ -95,12 +105,24 @@ public:
                                           std::string_view key) const;
 
 private:
+  static constexpr std::size_t headerSize = 8;
+
   // The first eight bytes of a key's SHA-1 digest, and its place; sorted. A digest, since nobody
   // can write a file whose keys all agree in it.
   using KeyIndex = std::vector<std::pair<std::uint64_t, std::uint32_t>>;
 
   BinaryPropertyList(Bytes bytes, std::size_t table, unsigned offsetSize, unsigned referenceSize,
                      std::uint32_t objects, std::uint32_t root);
+  // A number of 1 to 8 bytes. Reads eight, whatever the width: the trailer follows everything that
+  // is read this way.
+  static std::uint64_t bigEndian(const std::uint8_t* bytes, unsigned width) {
+    const auto shifted = [bytes](unsigned i) { return std::uint64_t{bytes[i]} << (56 - 8 * i); };
+    const std::uint64_t value = shifted(0) | shifted(1) | shifted(2) | shifted(3) | shifted(4) |
+                                shifted(5) | shifted(6) | shifted(7);
+    return value >> (64 - 8 * width);
+  }
+  static std::uint64_t digestOf(std::string_view key);
+
   void rankContainers();
   std::optional<std::size_t> scanForKey(const Container& dictionary, std::string_view key) const;
   KeyIndex indexOf(const Container& dictionary) const;

@@ -10,9 +10,6 @@ namespace snaplift {
 // entities or anything else in its document type, or that holds no value. UTF-8 and UTF-16 of
 // either byte order, with or without a byte-order mark, and what else the XML declaration may name
 // among Expat's own encodings.
-//
-// What is well formed and yet no property list costs only itself: an element of an unknown name,
-// or one whose text is no value of its type, is an absent value.
 std::optional<Bytes> binaryFromXML(ByteView xml);
 
 }  // namespace snaplift

@@ -9,7 +9,6 @@
 
 #include "RawPropertyList.h"
 #include "foundation/PropertyList.h"
-#include "support/TemporaryTree.h"
 
 namespace snaplift {
 namespace {
@@ -267,33 +266,6 @@ TEST(PropertyListDamage, readsNumbersOfTheWidestTable) {
   const auto list = parsed(raw);
   ASSERT_TRUE(list);
   EXPECT_EQ(list->root().valueForKey("key").string(), "value");
-}
-
-TEST(PropertyListDamage, expandsNoEntityAndOpensNoFile) {
-  const TemporaryTree tree;
-  const std::string declarations = tree.write("list.dtd", "<!ENTITY secret \"declared\">");
-  const std::string secret = tree.write("secret", "text of the file");
-  const std::string external = "<!DOCTYPE plist SYSTEM \"" + declarations + "\">";
-  const std::string bomb =
-      "<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
-      "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\">";
-  const std::string element = "<plist><string>&secret;</string></plist>";
-
-  // Had the file been opened, the entity would be known.
-  EXPECT_FALSE(parsed(external + element));
-  EXPECT_FALSE(parsed("<!DOCTYPE plist SYSTEM \"file://" + declarations + "\">" + element));
-  const auto list = parsed(external + "<plist><string>&amp;&#65;&#x42;</string></plist>");
-  ASSERT_TRUE(list);
-  EXPECT_EQ(list->root().string(), "&AB");
-
-  for (const std::string& subset :
-       {"<!ENTITY secret SYSTEM \"" + secret + "\">", std::string("<!ENTITY secret \"inside\">"),
-        bomb + "<!ENTITY secret \"&c;&c;&c;\">",
-        "<!ENTITY % outside SYSTEM \"" + declarations + "\"> %outside;",
-        std::string("<!ATTLIST string padding CDATA \"aaaaaaaaaaaaaaaaaaaa\">")}) {
-    EXPECT_FALSE(parsed("<!DOCTYPE plist [" + subset + "]>" + element)) << subset;
-    EXPECT_FALSE(parsed("<!DOCTYPE plist [" + subset + "]><plist><true/></plist>")) << subset;
-  }
 }
 
 }  // namespace

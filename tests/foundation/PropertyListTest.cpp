@@ -45,16 +45,6 @@ struct Encoded {
   }
 };
 
-std::string utf16(std::u16string_view text, bool isBigEndian) {
-  std::string bytes;
-  for (const char16_t unit : text) {
-    const char high = static_cast<char>(unit >> 8);
-    const char low = static_cast<char>(unit);
-    bytes += isBigEndian ? std::string{high, low} : std::string{low, high};
-  }
-  return bytes;
-}
-
 TEST(PropertyList, readsIntegers) {
   struct Case {
     Encoded encoded;
@@ -229,47 +219,6 @@ TEST(PropertyList, keepsTheOrderOfDictionariesAndTheFirstOfEqualKeys) {
       "<dict>loose text<string>no key</string><key>b</key><array><string>one</string><string>one"
       "</string><key>no</key></array><!-- --><key>a</key><string>one</string><?pi?><key>b</key>"
       "<integer>5</integer><key/><dict/></dict>")));
-}
-
-TEST(PropertyList, givesKeysWithoutValueAnAbsentOne) {
-  const auto list =
-      parsed(xmlDocument("<dict><key>a</key><key>b</key><new><dict><key>b</key></dict></new>"
-                         "<key>c</key><string>x</string><key>d</key></dict>"));
-  ASSERT_TRUE(list);
-  EXPECT_EQ(list->root().count(), 4U);
-  EXPECT_EQ(list->root().valueForKey("a").kind(), Kind::Absent);
-  EXPECT_EQ(list->root().valueForKey("b").kind(), Kind::Absent);
-  EXPECT_EQ(list->root().valueForKey("c").string(), "x");
-  EXPECT_EQ(list->root().valueForKey("d").kind(), Kind::Absent);
-}
-
-TEST(PropertyList, readsEveryEncodingOfXML) {
-  const std::u16string document =
-      u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist><string>\u20AC</string></plist>";
-  const std::u16string bare = u"<plist><string>\u20AC</string></plist>";
-  for (const std::string& xml :
-       {utf16(u"\uFEFF" + document, true), utf16(u"\uFEFF" + document, false), utf16(bare, true),
-        utf16(bare, false), std::string("\xEF\xBB\xBF<string>\u20AC</string>"),
-        std::string("<string>\u20AC</string>")}) {
-    const auto list = parsed(xml);
-    ASSERT_TRUE(list) << testing::PrintToString(xml.substr(0, 8));
-    EXPECT_EQ(list->root().string(), "\u20AC");
-  }
-  const auto latin = parsed("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><string>\xE9</string>");
-  ASSERT_TRUE(latin);
-  EXPECT_EQ(latin->root().string(), "\u00E9");
-}
-
-TEST(PropertyList, refusesWhatIsNoPropertyList) {
-  for (const std::string& bytes :
-       {std::string(), std::string("{ a = b; }"), std::string("{\"a\": 1}"), std::string("\0", 1),
-        xmlDocument(""), xmlDocument("<null/>"), xmlDocument("<array><string></array>"),
-        xmlDocument("<array>"), xmlDocument("<string>&entity;</string>"),
-        xmlDocument("<string>\xFF</string>"), xmlDocument("<array/>") + "<array/>",
-        "\n" + xmlDocument("<array/>"), std::string("bplist00"), "bplist00" + std::string(32, 0),
-        std::string("bplist15") + std::string(64, '\1'), xmlDocument("<array/>").substr(0, 150)}) {
-    EXPECT_FALSE(parsed(bytes)) << bytes;
-  }
 }
 
 TEST(PropertyList, isReadBySeveralThreadsAtOnce) {
