@@ -179,7 +179,7 @@ Raw overlapping(const std::string& marker, unsigned count) {
 TEST(PropertyListDamage, givesOverlappingObjectsNoMoreThanTheFileHolds) {
   constexpr unsigned count = 60'000;
   for (const char* type : {"\xAF", "\xDF", "\x6F"}) {
-    const Raw raw = overlapping(type + std::string("\x11\xFF\xFF"), count);
+    const Raw raw = overlapping(std::string(type) + "\x11\xFF\xFF", count);
     const std::string bytes = raw.bytes();
     const auto list = parsed(bytes);
     ASSERT_TRUE(list);
@@ -207,7 +207,7 @@ TEST(PropertyListDamage, survivesEveryTruncation) {
                  Raw::date(1),
                  Raw::data(std::string(40, 'x')),
                  Raw::integer(1, 16),
-                 "\x23" + std::string(8, '\0')};
+                 std::string("\x23").append(8, '\0')};
   const std::string bytes = raw.bytes();
   ASSERT_TRUE(parsed(bytes));
   const std::string trailer = bytes.substr(bytes.size() - 32);

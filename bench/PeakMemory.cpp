@@ -1,0 +1,51 @@
+#include "bench/PeakMemory.h"
+
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace snaplift::bench {
+namespace {
+
+// A line of /proc/self/status, such as "VmHWM:  1234 kB".
+std::uint64_t statusInBytes(std::string_view name) {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    std::uint64_t kilobytes = 0;
+    if (word == name && status >> kilobytes) {
+      return kilobytes * 1024;
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::optional<std::uint64_t> peakMemoryInBytes(const std::function<bool()>& job) {
+  int ends[2];
+  if (::pipe(ends) != 0) {
+    return std::nullopt;
+  }
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const std::uint64_t before = statusInBytes("VmRSS:");
+    const bool isRight = job();
+    const std::uint64_t peak = statusInBytes("VmHWM:");
+    const std::uint64_t used = peak > before ? peak - before : 0;
+    const bool isSaid = isRight && before > 0 && ::write(ends[1], &used, sizeof used) > 0;
+    ::_exit(isSaid ? 0 : 1);
+  }
+  ::close(ends[1]);
+  std::uint64_t used = 0;
+  const bool isSaid = child > 0 && ::read(ends[0], &used, sizeof used) == sizeof used;
+  ::close(ends[0]);
+  if (child > 0) {
+    ::waitpid(child, nullptr, 0);
+  }
+  return isSaid ? std::optional(used) : std::nullopt;
+}
+
+}  // namespace snaplift::bench

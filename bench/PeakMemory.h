@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace snaplift::bench {
+
+// The most bytes of memory that `job` had in use at once, beyond what the process had before: it
+// runs in a child process, whose peak the system counts. Call it before anything large was
+// allocated and freed, or the job finds that memory again. Nothing where the child failed.
+std::optional<std::uint64_t> peakMemoryInBytes(const std::function<bool()>& job);
+
+}  // namespace snaplift::bench
