@@ -1,5 +1,6 @@
 #include "foundation/File.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <utility>
@@ -67,12 +68,19 @@ bool holdsTooLittle(int descriptor, const struct stat& status) {
   return held < needed || ::lseek(descriptor, 0, SEEK_SET) != 0;
 }
 
-// Reads up to `size` bytes and says how many there were: fewer only at the end of the file or after
-// an error.
-std::size_t readFully(int descriptor, std::uint8_t* out, std::size_t size) {
+// O_NONBLOCK: a FIFO without a writer answers at once and is then seen to be no regular file.
+FileDescriptor openToRead(const std::string& path) {
+  return FileDescriptor(
+      ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY));
+}
+
+// Reads `size` bytes, which must be all that there are. One byte more is asked for: the one call
+// that a small file takes then also tells that the file has not grown.
+bool readExactly(int descriptor, std::size_t size, Bytes& bytes) {
+  bytes.resize(size + 1);
   std::size_t done = 0;
-  while (done < size) {
-    const ssize_t count = ::read(descriptor, out + done, size - done);
+  do {
+    const ssize_t count = ::read(descriptor, bytes.data() + done, size + 1 - done);
     if (count < 0 && errno == EINTR) {
       continue;
     }
@@ -80,8 +88,63 @@ std::size_t readFully(int descriptor, std::uint8_t* out, std::size_t size) {
       break;
     }
     done += static_cast<std::size_t>(count);
+  } while (done < size);
+  bytes.resize(std::min(done, size));
+  return done == size;
+}
+
+std::optional<DatedContent> readOpenFile(const FileDescriptor& file, Bytes reuse) {
+  struct stat status;
+  if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return std::nullopt;
   }
-  return done;
+  const auto size = static_cast<std::uint64_t>(status.st_size);
+  if (size > maximumFileSizeInBytes || holdsTooLittle(file.get(), status) ||
+      !readExactly(file.get(), static_cast<std::size_t>(size), reuse)) {
+    return std::nullopt;
+  }
+  return DatedContent{std::move(reuse), modificationDateOf(status)};
+}
+
+// Calls `visit` for each entry of a folder but "." and "..".
+template <class Visitor>
+void visitEntries(const std::string& folder, Visitor visit) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(folder.c_str()), ::closedir);
+  while (const dirent* entry = listing ? ::readdir(listing.get()) : nullptr) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") {
+      visit(*entry);
+    }
+  }
+}
+
+bool isFolder(const std::string& folder, const dirent& entry) {
+  if (entry.d_type != DT_UNKNOWN) {
+    return entry.d_type == DT_DIR;
+  }
+  const auto attributes = fileAttributes(joinPath(folder, entry.d_name));
+  return attributes && attributes->type == FileType::Folder;
+}
+
+// `name` with its first letter in upper case.
+std::string capitalised(std::string_view name) {
+  std::string text(name);
+  if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') {
+    text.front() = static_cast<char>(text.front() - 'a' + 'A');
+  }
+  return text;
+}
+
+// The first in byte order of the entries of `folder` that equal `name` ignoring case; empty where
+// there is none.
+std::string entryIgnoringCase(const std::string& folder, std::string_view name) {
+  std::string found;
+  for (std::string& entry : folderEntries(folder)) {
+    if (equalsIgnoringCase(entry, name) && (found.empty() || entry < found)) {
+      found = std::move(entry);
+    }
+  }
+  return found;
 }
 
 }  // namespace
@@ -96,24 +159,8 @@ std::optional<FileAttributes> fileAttributes(const std::string& path) {
 }
 
 std::optional<Bytes> readFile(const std::string& path, Bytes reuse) {
-  // O_NONBLOCK: a FIFO without a writer answers at once and is then seen to be no regular file.
-  const FileDescriptor file(
-      ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY));
-  struct stat status;
-  if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return std::nullopt;
-  }
-  const auto size = static_cast<std::uint64_t>(status.st_size);
-  if (size > maximumFileSizeInBytes || holdsTooLittle(file.get(), status)) {
-    return std::nullopt;
-  }
-  reuse.resize(static_cast<std::size_t>(size));
-  std::uint8_t oneMore;
-  if (readFully(file.get(), reuse.data(), reuse.size()) != size ||
-      readFully(file.get(), &oneMore, 1) != 0) {
-    return std::nullopt;
-  }
-  return reuse;
+  std::optional<DatedContent> content = readOpenFile(openToRead(path), std::move(reuse));
+  return content ? std::optional(std::move(content->bytes)) : std::nullopt;
 }
 
 bool isReadableFolder(const std::string& path) {
@@ -124,16 +171,17 @@ bool isReadableFolder(const std::string& path) {
 
 std::vector<std::string> folderEntries(const std::string& folder) {
   std::vector<std::string> names;
-  const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(folder.c_str()), ::closedir);
-  if (!listing) {
-    return names;
-  }
-  while (const dirent* entry = ::readdir(listing.get())) {
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") {
-      names.emplace_back(name);
+  visitEntries(folder, [&](const dirent& entry) { names.emplace_back(entry.d_name); });
+  return names;
+}
+
+std::vector<std::string> subfolders(const std::string& folder) {
+  std::vector<std::string> names;
+  visitEntries(folder, [&](const dirent& entry) {
+    if (isFolder(folder, entry)) {
+      names.emplace_back(entry.d_name);
     }
-  }
+  });
   return names;
 }
 
@@ -142,19 +190,23 @@ std::string findFile(const std::string& folder, std::string_view name) {
   if (name.empty() || entryExists(exact)) {
     return exact;
   }
-  std::string capitalised = exact;
-  char& first = capitalised[capitalised.size() - name.size()];
-  first = first >= 'a' && first <= 'z' ? static_cast<char>(first - 'a' + 'A') : first;
-  if (entryExists(capitalised)) {
-    return capitalised;
+  const std::string usual = joinPath(folder, capitalised(name));
+  if (entryExists(usual)) {
+    return usual;
   }
-  std::string found;
-  for (std::string& entry : folderEntries(folder)) {
-    if (equalsIgnoringCase(entry, name) && (found.empty() || entry < found)) {
-      found = std::move(entry);
+  const std::string entry = entryIgnoringCase(folder, name);
+  return entry.empty() ? exact : joinPath(folder, entry);
+}
+
+std::optional<DatedContent> readFoundFile(const std::string& folder, std::string_view name) {
+  for (const std::string& candidate : {std::string(name), capitalised(name)}) {
+    const FileDescriptor file = openToRead(joinPath(folder, candidate));
+    if (file || errno != ENOENT) {
+      return readOpenFile(file, {});
     }
   }
-  return found.empty() ? exact : joinPath(folder, found);
+  const std::string entry = entryIgnoringCase(folder, name);
+  return entry.empty() ? std::nullopt : readOpenFile(openToRead(joinPath(folder, entry)), {});
 }
 
 }  // namespace snaplift

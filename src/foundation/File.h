@@ -34,6 +34,16 @@ std::optional<FileAttributes> fileAttributes(const std::string& path);
 // that a caller with many files allocates once.
 std::optional<Bytes> readFile(const std::string& path, Bytes reuse = {});
 
+// A file's content and the date of that same file.
+struct DatedContent {
+  Bytes bytes;
+  Instant modificationDate;
+};
+
+// readFile() of the entry that findFile() finds. It opens what it may be called instead of looking
+// for it first, which is half the system calls: every folder of a backup root is asked.
+std::optional<DatedContent> readFoundFile(const std::string& folder, std::string_view name);
+
 // Whether `path` is a folder that the process may list; links are followed.
 bool isReadableFolder(const std::string& path);
 
@@ -41,6 +51,9 @@ bool isReadableFolder(const std::string& path);
 // of the file system; as the bytes that stand there. Empty where the folder cannot be listed.
 // `folder` itself may be a link.
 std::vector<std::string> folderEntries(const std::string& folder);
+
+// Those of folderEntries() that are folders themselves; a link to one is none.
+std::vector<std::string> subfolders(const std::string& folder);
 
 // The path of the entry of `folder` that is called `name`, but for letter case: the exact name
 // where it exists, else the name with its first letter in upper case ("Info.plist" for

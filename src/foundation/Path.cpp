@@ -67,7 +67,7 @@ std::string_view pathStem(std::string_view path) {
 
 bool isFileName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
-         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+         name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {

@@ -105,6 +105,17 @@ TEST(File, listsHiddenAndOddNames) {
   EXPECT_TRUE(folderEntries(tree.path("missing")).empty());
 }
 
+TEST(File, listsSubfoldersAndNoLinksToThem) {
+  TemporaryTree tree;
+  tree.write("sub/file", "");
+  tree.write("file", "");
+  tree.makeFolder(".hidden");
+  ASSERT_EQ(::symlink("sub", tree.path("link").c_str()), 0);
+  ASSERT_EQ(::mkfifo(tree.path("fifo").c_str(), 0600), 0);
+  EXPECT_THAT(subfolders(tree.root()), UnorderedElementsAre("sub", ".hidden"));
+  EXPECT_TRUE(subfolders(tree.path("file")).empty());
+}
+
 TEST(File, findsNamesWithoutRegardToLetterCase) {
   struct Case {
     std::vector<const char*> present;
@@ -117,10 +128,30 @@ TEST(File, findsNamesWithoutRegardToLetterCase) {
   for (std::size_t i = 0; i < cases.size(); ++i) {
     TemporaryTree tree;
     for (const char* name : cases[i].present) {
-      tree.write(name, "");
+      tree.write(name, name);
     }
     EXPECT_EQ(findFile(tree.path(""), "info.plist"), tree.path(cases[i].found)) << i;
+    const auto content = readFoundFile(tree.root(), "info.plist");
+    EXPECT_EQ(content.has_value(), fileAttributes(tree.path(cases[i].found)).has_value()) << i;
+    EXPECT_EQ(content ? textOf(content->bytes) : cases[i].found, cases[i].found) << i;
   }
+}
+
+TEST(File, readsWhatItFindsWithItsDate) {
+  TemporaryTree tree;
+  tree.write("Info.plist", "content");
+  const timespec times[2] = {{1, 0}, {1234567890, 987654321}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, tree.path("Info.plist").c_str(), times, 0), 0);
+  const auto content = readFoundFile(tree.root(), "info.plist");
+  ASSERT_TRUE(content);
+  EXPECT_EQ(content->modificationDate, instantFromUnixTime(1234567890, 987654000));
+
+  // What bears the exact name counts, though nothing can be read there.
+  ASSERT_EQ(::mkfifo(tree.path("info.plist").c_str(), 0600), 0);
+  EXPECT_FALSE(readFoundFile(tree.root(), "info.plist"));
+  ASSERT_EQ(::unlink(tree.path("info.plist").c_str()), 0);
+  ASSERT_EQ(::symlink("Info.plist", tree.path("info.plist").c_str()), 0);
+  EXPECT_FALSE(readFoundFile(tree.root(), "info.plist"));
 }
 
 }  // namespace
