@@ -1,7 +1,9 @@
 #include "formats/MBDBXReader.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -11,18 +13,18 @@
 namespace snaplift {
 namespace {
 
-// Sorts small keys in the rows' stead and moves each row once: a row is five times the size of a
-// key, and its date has to be decoded.
+// Sorts numbers in the rows' stead and moves each row once: a row is five times the size of its
+// number, and its date has to be decoded. A date is a signed 32-bit count of seconds, and a
+// manifest holds fewer than 2^32 entries, so date and place make one number; equal dates keep their
+// order.
 void sortByModificationDate(std::vector<MBDBXRow>& rows) {
-  struct Key {
-    Instant date;
-    std::uint64_t row;
-    auto operator<=>(const Key&) const = default;
-  };
-  std::vector<Key> keys;
+  constexpr std::int64_t earliest = std::numeric_limits<std::int32_t>::min();
+  std::vector<std::uint64_t> keys;
   keys.reserve(rows.size());
   for (const MBDBXRow& row : rows) {
-    keys.push_back({row.modificationDate(), keys.size()});
+    const auto time = row.modificationDate().time_since_epoch();
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
+    keys.push_back(static_cast<std::uint64_t>(seconds - earliest) << 32 | keys.size());
   }
   if (std::ranges::is_sorted(keys)) {
     return;
@@ -30,8 +32,8 @@ void sortByModificationDate(std::vector<MBDBXRow>& rows) {
   std::ranges::sort(keys);
   std::vector<MBDBXRow> sorted;
   sorted.reserve(rows.size());
-  for (const Key& key : keys) {
-    sorted.push_back(std::move(rows[key.row]));
+  for (const std::uint64_t key : keys) {
+    sorted.push_back(rows[key & 0xFFFFFFFF]);
   }
   rows = std::move(sorted);
 }

@@ -1,28 +1,27 @@
 #include "formats/MBDBXRow.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
-
 #include "formats/BinaryData.h"
 #include "formats/ManifestFields.h"
+#include "foundation/Digest.h"
 #include "foundation/Log.h"
 
 namespace snaplift {
 namespace {
 
-MBDBXRow::Type typeFromIndexFile(std::uint16_t mode) {
-  switch (mode) {
-    case 0xA1ED:
-      return MBDBXRow::SymbolicLink;
-    case 0x41ED:
-      return MBDBXRow::Folder;
-    case 0x8180:
-    case 0x81A4:
-      return MBDBXRow::RegularFile;
-    default:
-      return MBDBXRow::Other;
-  }
+// The fields of an entry of the index file.
+constexpr std::uint64_t keyOffset = 0, keyWidth = 20;
+constexpr std::uint64_t numberOffset = 20, numberWidth = 4;
+constexpr std::uint64_t modeOffset = 24, modeWidth = 2;
+static_assert(modeOffset + modeWidth == MBDBXRow::indexEntryLength);
+
+MBDBXRow::Type typeFromIndexFile(std::string_view typeHex) {
+  if (typeHex == "a1ed")
+    return MBDBXRow::SymbolicLink;
+  if (typeHex == "41ed")
+    return MBDBXRow::Folder;
+  if (typeHex == "8180" || typeHex == "81a4")
+    return MBDBXRow::RegularFile;
+  return MBDBXRow::Other;
 }
 
 // An absent text inside a description.
@@ -31,28 +30,15 @@ constexpr const char* absentText = "(null)";
 }  // namespace
 
 MBDBXRow MBDBXRow::initWithRow(ByteView entry) {
-  using manifestFields::bytesFromOffset;
   MBDBXRow row;
-  std::uint64_t offset = 0;
-  const auto key = bytesFromOffset(entry, offset, std::tuple_size_v<Sha1Digest>);
-  const auto number = key ? bytesFromOffset(entry, offset, 4) : std::nullopt;
-  const auto mode = number ? bytesFromOffset(entry, offset, 2) : std::nullopt;
-  if (key) {
-    std::ranges::copy(*key, row.m_key.emplace().begin());
-  }
-  if (number) {
-    row.m_index = static_cast<std::uint32_t>(bigEndianUnsignedInt(*number));
-  }
-  if (mode) {
-    row.m_mode = static_cast<std::uint16_t>(bigEndianUnsignedInt(*mode));
-    row.m_type = typeFromIndexFile(*row.m_mode);
-  }
+  row.m_source = entry;
+  row.m_type = typeFromIndexFile(row.typeHex().value_or(std::string()));
   return row;
 }
 
 MBDBXRow MBDBXRow::initWithRecord(const ManifestRecord& record) {
   MBDBXRow row;
-  row.m_record = record;
+  row.m_source = record;
   row.setTypeFromMode(record.mode());
   if (record.filelength() != 0) {
     row.m_type = RegularFile;  // only a file has content, whatever its mode says
@@ -60,40 +46,47 @@ MBDBXRow MBDBXRow::initWithRecord(const ManifestRecord& record) {
   return row;
 }
 
+std::optional<ByteView> MBDBXRow::indexField(std::uint64_t offset, std::uint64_t width) const {
+  const ByteView* entry = std::get_if<ByteView>(&m_source);
+  return entry ? manifestFields::bytesFromOffset(*entry, offset, width) : std::nullopt;
+}
+
 std::optional<std::string> MBDBXRow::hash() const {
-  if (m_record) {
-    return m_record->filename();
+  if (record()) {
+    return record()->filename();
   }
-  return m_key ? std::optional(hexText(*m_key, HexCase::Lower)) : std::nullopt;
+  const auto key = indexField(keyOffset, keyWidth);
+  return key ? std::optional(hexText(*key, HexCase::Lower)) : std::nullopt;
+}
+
+std::uint32_t MBDBXRow::index() const {
+  const auto number = indexField(numberOffset, numberWidth);
+  return static_cast<std::uint32_t>(bigEndianUnsignedInt(number.value_or(ByteView())));
 }
 
 std::optional<std::string> MBDBXRow::typeHex() const {
-  if (!m_mode) {
-    return std::nullopt;
-  }
-  const std::array bytes = {static_cast<std::uint8_t>(*m_mode >> 8),
-                            static_cast<std::uint8_t>(*m_mode & 0xFF)};
-  return hexText(bytes, HexCase::Lower);
+  const auto mode = indexField(modeOffset, modeWidth);
+  return mode ? std::optional(hexText(*mode, HexCase::Lower)) : std::nullopt;
 }
 
 std::string_view MBDBXRow::domain() const {
-  return m_record ? m_record->domain() : std::string_view();
+  return record() ? record()->domain() : std::string_view();
 }
 
 std::string_view MBDBXRow::path() const {
-  return m_record ? m_record->path() : std::string_view();
+  return record() ? record()->path() : std::string_view();
 }
 
 std::string MBDBXRow::uniquePath() const {
-  return m_record ? m_record->uniquePath() : std::string();
+  return record() ? record()->uniquePath() : std::string();
 }
 
 Instant MBDBXRow::modificationDate() const {
-  return m_record ? m_record->modificationDate() : Instant();
+  return record() ? record()->modificationDate() : Instant();
 }
 
 std::uint64_t MBDBXRow::filelength() const {
-  return m_record ? m_record->filelength() : 0;
+  return record() ? record()->filelength() : 0;
 }
 
 void MBDBXRow::setTypeFromMode(std::uint32_t mode) {
@@ -120,7 +113,7 @@ std::string MBDBXRow::description() const {
     return text.empty() ? absentText : text;
   };
   return "MBDBXRow: {hash: " + hash().value_or(absentText) +
-         ", date: " + (m_record ? defaultDateText(modificationDate()) : absentText) + ", type " +
+         ", date: " + (record() ? defaultDateText(modificationDate()) : absentText) + ", type " +
          typeHex().value_or(absentText) + ", type: " + std::to_string(m_type) +
          ", domain: " + textOrAbsent(std::string(domain())) +
          ", path: " + textOrAbsent(std::string(path())) +

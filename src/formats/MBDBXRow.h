@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "formats/ManifestRecord.h"
 #include "foundation/Bytes.h"
-#include "foundation/Digest.h"
 #include "foundation/Time.h"
 
 namespace snaplift {
@@ -17,8 +17,9 @@ namespace snaplift {
 // entry of the index file "Manifest.mbdx"; the two know different things, and what a row does not
 // know is absent.
 //
-// A row of the manifest is a view, like the record that it is made of: valid as long as the reader
-// of the manifest. Reading a row from several threads is safe.
+// A manifest may have a million entries, so a row is a view of what it is made of: valid as long as
+// the reader of the manifest, or the bytes of the index file. Reading a row from several threads is
+// safe.
 class MBDBXRow {
 public:
   enum Type : std::int32_t { Folder = 0, RegularFile = 1, SymbolicLink = 2, Other = 3 };
@@ -37,7 +38,7 @@ public:
   // The name of the content file in the backup folder: 40 lower-case hexadecimal digits.
   std::optional<std::string> hash() const;
   // The number that the index file gives the entry; 0 for a row of the manifest.
-  std::uint32_t index() const { return m_index; }
+  std::uint32_t index() const;
   Type type() const { return m_type; }
   void setType(Type type) { m_type = type; }
   // The two mode bytes of an index-file entry as four lower-case digits; absent for other rows.
@@ -59,11 +60,13 @@ public:
   std::string description() const;
 
 private:
-  std::optional<ManifestRecord> m_record;
-  std::optional<Sha1Digest> m_key;
-  std::uint32_t m_index = 0;
-  std::optional<std::uint16_t> m_mode;
+  const ManifestRecord* record() const { return std::get_if<ManifestRecord>(&m_source); }
+  std::optional<ByteView> indexField(std::uint64_t offset, std::uint64_t width) const;
+
+  std::variant<std::monostate, ManifestRecord, ByteView> m_source;  // the last: of the index file
   Type m_type = Other;
 };
+
+static_assert(sizeof(MBDBXRow) <= 40);
 
 }  // namespace snaplift

@@ -30,10 +30,11 @@ TEST(MBDBXRow, readsAnEntryOfTheIndexFile) {
 
   for (const auto& [mode, type] : {std::pair("\xA1\xED", 2), std::pair("\x41\xED", 0),
                                    std::pair("\x81\x80", 1), std::pair("\x81\xFF", 3)}) {
-    EXPECT_EQ(MBDBXRow::initWithRow(bytesOf(entry.substr(0, 24) + mode)).type(), type);
+    const std::string other = entry.substr(0, 24) + mode;
+    EXPECT_EQ(MBDBXRow::initWithRow(bytesOf(other)).type(), type);
   }
   for (std::size_t length = 0; length < entry.size(); ++length) {
-    const MBDBXRow cut = MBDBXRow::initWithRow(bytesOf(entry.substr(0, length)));
+    const MBDBXRow cut = MBDBXRow::initWithRow(bytesOf(entry).first(length));
     EXPECT_EQ(cut.hash().has_value(), length >= 20) << length;
     EXPECT_EQ(cut.index(), length >= 24 ? 256u : 0u) << length;
     EXPECT_EQ(cut.type(), MBDBXRow::Other) << length;
