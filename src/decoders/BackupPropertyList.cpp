@@ -6,20 +6,20 @@
 
 namespace snaplift {
 
-std::optional<PropertyList> readDictionaryAtPath(const std::string& path) {
-  std::optional<Bytes> bytes = readFile(path);
-  if (!bytes) {
-    return std::nullopt;
-  }
-  std::optional<PropertyList> list = PropertyList::parse(std::move(*bytes));
-  if (!list || list->root().kind() != PropertyListValue::Kind::Dictionary) {
-    return std::nullopt;
-  }
-  return list;
+std::optional<PropertyList> readDictionary(const std::string& folder, std::string_view name) {
+  std::optional<DatedContent> content = readFoundFile(folder, name);
+  return content ? parseDictionary(std::move(content->bytes)) : std::nullopt;
 }
 
-std::optional<PropertyList> readDictionary(const std::string& folder, std::string_view name) {
-  return readDictionaryAtPath(findFile(folder, name));
+std::optional<PropertyList> readDictionaryAtPath(const std::string& path) {
+  std::optional<Bytes> bytes = readFile(path);
+  return bytes ? parseDictionary(std::move(*bytes)) : std::nullopt;
+}
+
+std::optional<PropertyList> parseDictionary(Bytes bytes) {
+  std::optional<PropertyList> list = PropertyList::parse(std::move(bytes));
+  const bool isDictionary = list && list->root().kind() == PropertyListValue::Kind::Dictionary;
+  return isDictionary ? std::move(list) : std::nullopt;
 }
 
 std::optional<std::string> textUnderKey(const PropertyList& list, std::string_view key) {

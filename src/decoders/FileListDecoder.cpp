@@ -31,15 +31,28 @@ std::vector<ListedFile> listedFiles(const PropertyList& manifest, std::string_vi
   return files;
 }
 
-// Newest first, those without a date last, equal dates by unique path.
-void sortNewestFirst(std::vector<BackupFileModel>& models) {
-  const auto before = [](const BackupFileModel& a, const BackupFileModel& b) {
-    if (a.modificationDate != b.modificationDate) {
-      return a.modificationDate > b.modificationDate;  // an absent date is less than any other
+// The records that were read: newest first, those without a date last, equal dates by path. Sorts
+// pointers, since a record is large.
+std::vector<BackupFileModel> newestFirst(std::vector<std::optional<BackupFileModel>>& read) {
+  std::vector<BackupFileModel*> order;
+  order.reserve(read.size());
+  for (std::optional<BackupFileModel>& model : read) {
+    if (model) {
+      order.push_back(&*model);
     }
-    return std::tie(a.path, a.backupFileName) < std::tie(b.path, b.backupFileName);
-  };
-  std::ranges::sort(models, before);
+  }
+  std::ranges::sort(order, [](const BackupFileModel* a, const BackupFileModel* b) {
+    if (a->modificationDate != b->modificationDate) {
+      return a->modificationDate > b->modificationDate;  // an absent date is less than any other
+    }
+    return std::tie(a->path, a->backupFileName) < std::tie(b->path, b->backupFileName);
+  });
+  std::vector<BackupFileModel> models;
+  models.reserve(order.size());
+  for (BackupFileModel* model : order) {
+    models.push_back(std::move(*model));
+  }
+  return models;
 }
 
 }  // namespace
@@ -64,30 +77,23 @@ void FileListDecoder::visitFiles(const FileVisitor& visit) {
 
 std::vector<BackupFileModel> FileListDecoder::readFileModels(PathFilter isWanted,
                                                              std::stop_token stop) {
-  std::vector<BackupFileModel> models;
   const auto manifest = readDictionary(backupPath(), "manifest.plist");
   setEncrypted(knowsEncryption() && isEncrypted(manifest));
   if (!manifest) {
-    return models;
+    return {};
   }
   const std::vector<ListedFile> files = listedFiles(*manifest, photoDomain());
   std::vector<std::optional<BackupFileModel>> read(files.size());
   parallelForFiles(
       files.size(), [&](std::size_t i) { read[i] = readFileModel(files[i], isWanted); }, stop);
-  for (std::optional<BackupFileModel>& model : read) {
-    if (model) {
-      models.push_back(std::move(*model));
-    }
-  }
-  sortNewestFirst(models);
-  return models;
+  return newestFirst(read);
 }
 
 BackupFileModel FileListDecoder::fileModel(const ListedFile& file,
                                            std::string_view extension) const {
   BackupFileModel model;
   model.backupFolder = backupPath();
-  model.backupFileName = file.baseName + "." + std::string(extension);
+  model.backupFileName = file.baseName + std::string(extension);
   return model;
 }
 

@@ -45,7 +45,7 @@ protected:
   virtual std::optional<BackupFileModel> readFileModel(const ListedFile& file,
                                                        PathFilter isWanted) const = 0;
 
-  // A record of this backup with the content file `baseName` + "." + `extension`.
+  // A record of this backup with the content file of that extension, which begins with its dot.
   BackupFileModel fileModel(const ListedFile& file, std::string_view extension) const;
 
   std::string contentFileName(const BackupFileModel& photo) const override;

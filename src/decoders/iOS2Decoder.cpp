@@ -11,7 +11,7 @@ std::optional<BackupFileModel> iOS2Decoder::readFileModel(const ListedFile& file
                                                           PathFilter isWanted) const {
   auto list = readDictionaryAtPath(joinPath(backupPath(), file.baseName + ".mdinfo"));
   const bool isPair = list.has_value();
-  BackupFileModel model = fileModel(file, isPair ? "mddata" : "mdbackup");
+  BackupFileModel model = fileModel(file, isPair ? ".mddata" : ".mdbackup");
   const std::string contentFile = joinPath(backupPath(), model.backupFileName);
   if (!isPair) {
     list = readDictionaryAtPath(contentFile);

@@ -15,7 +15,7 @@ std::optional<BackupFileModel> iOS3Decoder::readFileModel(const ListedFile& file
   if (!path || !isWanted(*path)) {
     return std::nullopt;
   }
-  BackupFileModel model = fileModel(file, "mddata");
+  BackupFileModel model = fileModel(file, ".mddata");
   model.path = std::move(*path);
   model.modificationDate = file.modificationTime;
   return model;
