@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "foundation/File.h"
+#include "foundation/Parallel.h"
 #include "foundation/Path.h"
 
 namespace snaplift {
@@ -20,14 +21,13 @@ BackupController::BackupController(std::string path) : m_basePath(std::move(path
   if (!isReadableFolder(m_basePath)) {
     return;
   }
+  const std::vector<std::string> folders = subfolders(m_basePath);
+  std::vector<std::unique_ptr<BackupModel>> backups(folders.size());
+  parallelForFiles(folders.size(), [&](std::size_t i) {
+    backups[i] = BackupModel::initWithBackupAtPath(joinPath(m_basePath, folders[i]));
+  });
   std::map<std::optional<std::string>, DeviceModel*> deviceNamed;
-  for (const std::string& entry : folderEntries(m_basePath)) {
-    const std::string folder = joinPath(m_basePath, entry);
-    const auto attributes = fileAttributes(folder);
-    if (!attributes || attributes->type != FileType::Folder) {
-      continue;
-    }
-    std::unique_ptr<BackupModel> backup = BackupModel::initWithBackupAtPath(folder);
+  for (std::unique_ptr<BackupModel>& backup : backups) {
     if (!backup) {
       continue;
     }

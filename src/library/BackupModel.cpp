@@ -36,10 +36,9 @@ std::unique_ptr<BackupDecoderDelegate> decoderForVersion(const std::optional<std
 }  // namespace
 
 std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string& path) {
-  const std::string infoPath = findFile(path, "info.plist");
-  const auto info = readDictionaryAtPath(infoPath);
-  const auto attributes = fileAttributes(infoPath);
-  if (!info || !attributes) {
+  std::optional<DatedContent> file = readFoundFile(path, "info.plist");
+  const auto info = file ? parseDictionary(std::move(file->bytes)) : std::nullopt;
+  if (!info) {
     systemLog("path: " + path + " has no info.plist and is therefore not a valid backup");
     return nullptr;
   }
@@ -55,9 +54,8 @@ std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string
     systemLog("processing " + path + " for " + deviceName.value_or(absentText) + " at version " +
               *version);
   }
-  return std::unique_ptr<BackupModel>(
-      new BackupModel(path, std::move(deviceName), std::move(version), attributes->modificationDate,
-                      std::move(decoder)));
+  return std::unique_ptr<BackupModel>(new BackupModel(
+      path, std::move(deviceName), std::move(version), file->modificationDate, std::move(decoder)));
 }
 
 BackupModel::BackupModel(std::string path, std::optional<std::string> deviceName,
