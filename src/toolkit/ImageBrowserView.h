@@ -18,6 +18,7 @@ namespace snaplift {
 
 class ImageBrowserModel;
 class PhotoPreview;
+class PromisedFilesSource;
 class ThumbnailProvider;
 
 // A grid of photos that can be selected, zoomed and looked at, for any items that answer identity,
@@ -102,6 +103,14 @@ protected:
   virtual void mouseDragged(QMouseEvent* event);
   virtual void mouseUp(QMouseEvent* event);
   virtual void magnifyWithEvent(QNativeGestureEvent* event);
+  // Drags the selected photos as promised files of `source`, which belongs to this view; returns
+  // when the drag is over. `rect` is where the picture of the drag is, in the viewport. The one
+  // place that begins a drag: tests override it.
+  virtual void dragPromisedFilesOfTypesFromRectSourceSlideBackEvent(const QStringList& types,
+                                                                    const QRect& rect,
+                                                                    PromisedFilesSource& source,
+                                                                    bool slideBack,
+                                                                    QMouseEvent* event);
 
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "toolkit/ImageBrowserView.h"
+#include "toolkit/PromisedFilesDrag.h"
 
 namespace snaplift {
 namespace {
@@ -216,6 +217,22 @@ void ImageBrowserView::mouseUp(QMouseEvent*) {
     });
   }
   m_onRelease = OnRelease::Nothing;
+}
+
+// What the target takes is its own affair: the types say what a photo is, not which targets may
+// have it.
+void ImageBrowserView::dragPromisedFilesOfTypesFromRectSourceSlideBackEvent(
+    const QStringList&, const QRect& rect, PromisedFilesSource& source, bool slideBack,
+    QMouseEvent* event) {
+  const Thumbnail* first = thumbnailAtIndex(selectionIndexes().first());
+  DragAppearance appearance;
+  appearance.picture =
+      dragPicture(first != nullptr ? first->picture : QImage(), selectionIndexes().count(),
+                  std::max(rect.width(), rect.height()), devicePixelRatio(), palette());
+  appearance.hotSpot = event->position().toPoint() - rect.topLeft();
+  appearance.origin = viewport()->mapToGlobal(rect.topLeft());
+  appearance.slidesBack = slideBack;
+  dragPromisedFiles(source, *this, appearance);
 }
 
 // Rubber band
