@@ -179,14 +179,10 @@ PropertyListValue PropertyListValue::valueForKey(std::string_view key) const {
 }
 
 PropertyListEntries PropertyListValue::entries() const {
-  PropertyListEntries entries;
   const auto container = m_list != nullptr ? m_list->containerAt(m_offset) : std::nullopt;
-  if (container && container->isDictionary) {
-    entries.m_dictionary = *this;
-    entries.m_references = container->references;
-    entries.m_count = container->count;
-  }
-  return entries;
+  return container && container->isDictionary
+             ? PropertyListEntries(*this, container->references, container->count)
+             : PropertyListEntries();
 }
 
 PropertyListValue PropertyListValue::referredTo(std::uint64_t object) const {
@@ -204,13 +200,13 @@ PropertyListValue PropertyListValue::referredTo(std::uint64_t object) const {
              : PropertyListValue();
 }
 
-PropertyListEntry PropertyListEntries::entry(std::size_t index) const {
+PropertyListEntry PropertyListEntries::Iterator::operator*() const {
   const BinaryPropertyList& list = *m_dictionary.m_list;
-  PropertyListValue key = m_dictionary.referredTo(list.reference(m_references, index));
+  PropertyListValue key = m_dictionary.referredTo(list.reference(m_references, m_index));
   if (key.m_list != nullptr && !Binary::isString(list.typeAt(key.m_offset))) {
     key = {};
   }
-  return {key, m_dictionary.referredTo(list.reference(m_references, m_count + index))};
+  return {key, m_dictionary.referredTo(list.reference(m_references, m_count + m_index))};
 }
 
 PropertyList::PropertyList(std::unique_ptr<const BinaryPropertyList> list)

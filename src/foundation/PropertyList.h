@@ -82,7 +82,8 @@ struct PropertyListEntry {
   PropertyListValue value;
 };
 
-// The entries of one dictionary in the order of the file, for a range-based for.
+// The entries of one dictionary in the order of the file, for a range-based for. Its iterators are
+// good without it.
 class PropertyListEntries {
 public:
   class Iterator {
@@ -91,34 +92,46 @@ public:
     using difference_type = std::ptrdiff_t;
 
     Iterator() = default;
-    PropertyListEntry operator*() const { return m_entries->entry(m_index); }
+    PropertyListEntry operator*() const;
     Iterator& operator++() {
       ++m_index;
       return *this;
     }
-    Iterator operator++(int) { return {m_entries, m_index++}; }
+    Iterator operator++(int) {
+      Iterator before = *this;
+      ++m_index;
+      return before;
+    }
     bool operator==(const Iterator& other) const { return m_index == other.m_index; }
 
   private:
     friend class PropertyListEntries;
-    Iterator(const PropertyListEntries* entries, std::size_t index)
-        : m_entries(entries), m_index(index) {}
 
-    const PropertyListEntries* m_entries = nullptr;
+    PropertyListValue m_dictionary;
+    const std::uint8_t* m_references = nullptr;
+    std::size_t m_count = 0;
     std::size_t m_index = 0;
   };
 
-  Iterator begin() const { return {this, 0}; }
-  Iterator end() const { return {this, m_count}; }
-  std::size_t size() const { return m_count; }
+  Iterator begin() const { return m_begin; }
+  Iterator end() const {
+    Iterator end = m_begin;
+    end.m_index = size();
+    return end;
+  }
+  std::size_t size() const { return m_begin.m_count; }
 
 private:
   friend class PropertyListValue;
-  PropertyListEntry entry(std::size_t index) const;
+  PropertyListEntries() = default;
+  PropertyListEntries(PropertyListValue dictionary, const std::uint8_t* references,
+                      std::size_t count) {
+    m_begin.m_dictionary = dictionary;
+    m_begin.m_references = references;
+    m_begin.m_count = count;
+  }
 
-  PropertyListValue m_dictionary;
-  const std::uint8_t* m_references = nullptr;
-  std::size_t m_count = 0;
+  Iterator m_begin;
 };
 
 // A property list, binary or XML, read from bytes that it owns. Values are made when they are asked

@@ -113,7 +113,7 @@ TEST(PropertyListDamage, looksKeysUpInASharedDictionaryInLinearTime) {
   raw.add("");
   std::vector<std::uint64_t> keys, values;
   for (std::uint64_t i = 0; i < count; ++i) {
-    keys.push_back(raw.add(Raw::integer(i, 8).replace(0, 1, "\x58")));
+    keys.push_back(raw.add(Raw::ascii(Raw::bigEndian(i, 8))));
     values.push_back(1);
   }
   const std::uint64_t domain = raw.add(Raw::ascii("Domain"));
