@@ -82,7 +82,8 @@ NotificationCenter& NotificationCenter::defaultCenter() {
 
 NotificationCenter::Token NotificationCenter::addObserver(std::string name, const void* object,
                                                           Handler handler) {
-  auto observer = std::make_shared<Observer>(std::move(name), object, std::move(handler));
+  auto observer =
+      std::make_shared<Observer>(Observer{std::move(name), object, std::move(handler), false, {}});
   const std::lock_guard lock(m_state->mutex);
   m_state->observers.push_back(observer);
   return Token(m_state, std::move(observer));
