@@ -160,9 +160,11 @@ void Ratios::registerVariants(Group& group) {
       for (auto _ : state) {
         const double seconds = group.secondsOf(variant);
         if (seconds < 0) {
+          if (!std::exchange(variant.isWrong, true)) {
+            std::fprintf(stderr, "%s: wrong result\n", name.c_str());
+          }
           m_isGood = false;
           state.SkipWithError("wrong result");
-          std::fprintf(stderr, "%s: wrong result\n", name.c_str());
           break;
         }
         state.SetIterationTime(seconds);

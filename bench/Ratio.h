@@ -35,6 +35,7 @@ private:
     Job job;
     std::function<void()> setUp;
     bool isWarm = false;
+    bool isWrong = false;
   };
   Group(std::string name, PageCache pageCache);
   double secondsOf(Variant& variant) const;
@@ -61,7 +62,7 @@ private:
 //
 // run() prints a line for each subject and answers 1 when a bar was missed or a job went wrong. It
 // takes Google Benchmark's own arguments; --benchmark_filter matches "group/variant", and groups
-// of which not all variants ran are left out.
+// of which not all variants ran, or not with a right result, are left out.
 class Ratios {
 public:
   Group& group(std::string name, PageCache pageCache);

@@ -53,7 +53,7 @@ const char* encodingOf(ByteView xml) {
   if (xml.size() < 2) {
     return nullptr;
   }
-  const unsigned first = static_cast<unsigned>(xml[0] << 8 | xml[1]);
+  const auto first = static_cast<unsigned>(xml[0] << 8 | xml[1]);
   constexpr unsigned marks[] = {0xFEFF, 0xFFFE, '<', '<' << 8};
   for (const unsigned mark : marks) {
     if (first == mark) {
