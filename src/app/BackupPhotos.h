@@ -5,6 +5,25 @@
 
 namespace snaplift {
 
+// One photo of a backup as the photo browser shows it. The item is not owned.
+class BackupPhoto : public ImageBrowserItem {
+public:
+  BackupPhoto(ImageItem& item, const std::string& backupFolder)
+      : m_item(item), m_backupFolder(backupFolder) {}
+
+  ImageItem& item() const { return m_item; }
+
+  std::string imageUID() const override { return m_item.imageUID(); }
+  std::string imageTitle() const override { return m_item.imageTitle(); }
+  std::optional<Bytes> imageRepresentation() const override { return m_item.imageRepresentation(); }
+  // The folder on the device.
+  std::string imageOrigin() const override;
+
+private:
+  ImageItem& m_item;
+  const std::string& m_backupFolder;
+};
+
 // The photos of one backup as the photo browser shows them: exactly the backup's `imageItems`, in
 // their order. The backup is not owned; it outlives the browser and its workers, which is why the
 // items that are handed out need keep nothing alive. The user interface's thread only, the items

@@ -17,7 +17,6 @@
 #include "ui/sourcelist/ORBSourceList.h"
 
 class QMainWindow;
-class QMimeData;
 
 namespace Ui {
 class MainWindow;
@@ -26,9 +25,9 @@ class MainWindow;
 namespace snaplift {
 
 // The application's one controller. It owns the window, the backup library and the export queue; it
-// feeds the sidebar with devices and backups, loads the backup that the user selects, keeps the main
-// area in step with it, and exports photos. Its three parts stand in three files: start-up and the
-// tree of backups, the state of the browser, the export.
+// feeds the sidebar with devices and backups, loads the backup that the user selects, keeps the
+// main area in step with it, and exports photos. Its three parts stand in three files: start-up and
+// the tree of backups, the state of the browser, the export.
 //
 // Everything runs on the user interface's thread, except the two handlers of loading notifications,
 // which come on a backup's loading thread and hand their work over. The destructor gives up every
@@ -78,24 +77,24 @@ public:
   QVariant sourceListObjectValueForItem(PXSourceList& list, OutlineItem item) override;
   bool sourceListIsItemExpandable(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListItemHasIcon(PXSourceList& list, OutlineItem item) override;
-  std::optional<QImage> sourceListIconForItem(PXSourceList& list, OutlineItem item) override;
+  std::optional<QPixmap> sourceListIconForItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListItemHasRightSideIcon(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListItemIsProcessing(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListShouldEditItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListIsGroupAlwaysExpanded(PXSourceList& list,
                                                       OutlineItem group) override;
-  std::optional<QMenu*> sourceListMenuForEventItem(PXSourceList& list, QMouseEvent* event,
+  std::optional<QMenu*> sourceListMenuForEventItem(PXSourceList& list, QMouseEvent& event,
                                                    OutlineItem item) override;
   void sourceListSelectionDidChange(const Notification& notification) override;
 
   // The photo browser's questions.
   void imageBrowserCellWasDoubleClickedAtIndex(ImageBrowserView& browser, int index) override;
-  std::vector<std::string> imageBrowserExportItemsToDestination(
-      ORBImageBrowserView& browser, const std::vector<int>& indexes,
+  std::optional<std::vector<std::string>> imageBrowserExportItemsToDestination(
+      ORBImageBrowserView& browser, const std::vector<ImageBrowserItemPointer>& items,
       const std::string& destination) override;
-  int imageBrowserWriteItemsAtIndexesToPasteboard(ORBImageBrowserView& browser,
-                                                  const std::vector<int>& indexes,
-                                                  QMimeData& pasteboard) override;
+  // Puts the photos on the clipboard and says how many: none while photos are being exported.
+  int imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView& browser,
+                                                  const std::vector<int>& indexes);
 
 signals:
   void zoomLevelChanged(float zoomLevel);
@@ -107,18 +106,22 @@ private:
   void connectCommands();
   void registerForLoading();
   void sayThatThereAreNoBackups();
+  void showAbout();
   BackupModel* selectedBackup() const;
   void updateCommands();
   bool eventFilter(QObject* object, QEvent* event) override;
 
   // State of the browser.
+  void connectZoom();
   void didStartLoading();
   void finishedLoading(BackupModel* backup);
-  void finishShowing(BackupModel* backup);
+  void showContentOf(BackupModel* backup);
+  void didShowContentOf(BackupModel* backup);
   void showMessage(const QString& message);
-  void showPhotos();
   void updateCentreText();
   void updateMenuItem();
+  // Makes `item` the command that exports the backup, or says that there is nothing to export.
+  void offerExport(QAction& item, BackupModel& backup);
 
   // Export.
   using PhotosToExport = std::vector<ImageItem*>;
@@ -139,7 +142,6 @@ private:
   std::unique_ptr<ORBAdjustingValueAnimation> m_zoomAnimation;
   std::unique_ptr<QMenu> m_contextMenu;
   QPointer<QAction> m_pendingMenuItem;  // "Loading...", waiting for its backup; of m_contextMenu
-  bool m_hadSelection = false;
 
   std::atomic<bool> m_exportUpdateIsPosted = false;
   std::unique_ptr<OperationQueue> m_exportOperationQueue;

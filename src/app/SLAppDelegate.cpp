@@ -1,0 +1,238 @@
+// Start-up, and the tree of devices and backups in the sidebar.
+
+#include "app/SLAppDelegate.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QMouseEvent>
+
+#include "ui_MainWindow.h"
+#include "toolkit/Alert.h"
+#include "toolkit/MainThread.h"
+
+namespace snaplift {
+namespace {
+
+// The application's resource image of that name.
+QPixmap imageNamed(std::string_view name) {
+  return QPixmap(":/icons/" + QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+}
+
+}  // namespace
+
+SLAppDelegate::SLAppDelegate()
+    : m_ui(std::make_unique<Ui::MainWindow>()), m_window(std::make_unique<QMainWindow>()) {
+  m_ui->setupUi(m_window.get());
+  m_window->installEventFilter(this);
+  awakeFromNib();
+  connectCommands();
+}
+
+SLAppDelegate::~SLAppDelegate() {
+  mainThread::beginQuitting();
+  m_startedLoading.remove();
+  m_finishedLoading.remove();
+  m_exportOperationQueue.reset();
+  m_zoomAnimation.reset();
+  m_window.reset();
+}
+
+void SLAppDelegate::awakeFromNib() {
+  m_exportOperationQueue =
+      std::make_unique<OperationQueue>([this] { exportOperationsDidChange(); });
+  connectZoom();
+  m_ui->sourceList->setAllowsEmptySelection(false);  // the newest backup is there at once
+  m_ui->browser->setDataSource(&m_arrayController);
+  m_ui->browser->setDelegate(this);
+  connect(m_ui->browser, &ImageBrowserView::selectionIndexesChanged, this, [this] {
+    updateCentreText();
+    updateCommands();
+    emit hasSelectionChanged(hasSelection());
+  });
+  m_ui->splitView->setSizes({240, 800});
+  m_ui->splitView->setStretchFactor(1, 1);
+}
+
+void SLAppDelegate::connectCommands() {
+  const auto command = [this](QAction* action, auto slot) {
+    connect(action, &QAction::triggered, this, slot);
+  };
+  ImageBrowserView* browser = m_ui->browser;
+  command(m_ui->actionExportSelected, [this] { exportSelectedPhotosFromSelectedBackup(); });
+  command(m_ui->actionExportAll, [this] { exportAllPhotosFromSelectedBackup(); });
+  command(m_ui->actionReveal, [this] { revealSelectedInFinder(); });
+  command(m_ui->actionQuit, [this] { m_window->close(); });
+  command(m_ui->actionCopy, [this] { copySelectedPhotos(); });
+  command(m_ui->actionSelectAll, [browser] { browser->selectAll(); });
+  command(m_ui->actionDeselect, [browser] { browser->deselectAll(); });
+  command(m_ui->actionInvertSelection, [browser] { browser->invertSelection(); });
+  command(m_ui->actionZoomIn, [browser] { browser->zoomIn(); });
+  command(m_ui->actionZoomOut, [browser] { browser->zoomOut(); });
+  command(m_ui->actionStartSize, [browser] { browser->zoomToInitialSize(); });
+  command(m_ui->actionPreview, [browser] { browser->setPreviewOpen(!browser->isPreviewOpen()); });
+  command(m_ui->actionAbout, [this] { showAbout(); });
+}
+
+void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot) {
+  m_bc = std::make_unique<BackupController>(backupRoot);
+  // Before the sidebar can select a backup and start its load: no finish may be missed.
+  registerForLoading();
+  m_ui->sourceList->setDelegate(this);
+  m_ui->sourceList->setDataSource(this);
+  updateCommands();
+  m_window->show();
+  m_ui->sourceList->setFocus();
+  if (m_bc->devices().empty()) {
+    sayThatThereAreNoBackups();
+  }
+}
+
+void SLAppDelegate::sayThatThereAreNoBackups() {
+  const AlertText text = {
+      "No backup folders found",
+      "Snaplift could not locate any valid iOS backups in your ~/Library/Application "
+      "Support/MobileSync/Backups/ folder."};
+  showAlert(m_window.get(), text,
+            [] { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); });
+}
+
+void SLAppDelegate::registerForLoading() {
+  NotificationCenter& center = NotificationCenter::defaultCenter();
+  m_startedLoading = center.addObserver(std::string(startedLoadingNotification), nullptr,
+                                        [this](const Notification&) { didStartLoading(); });
+  m_finishedLoading = center.addObserver(
+      std::string(finishedLoadingNotification), nullptr,
+      [this](const Notification& n) { finishedLoading(static_cast<BackupModel*>(n.object)); });
+}
+
+void SLAppDelegate::showAbout() {
+  QMessageBox::about(
+      m_window.get(), "About Snaplift",
+      "<h3>Snaplift " SNAPLIFT_VERSION
+      "</h3><p>Gets photos back out of the backups of old handsets.</p><p>Backups are "
+      "only read, never changed.</p>");
+}
+
+BackupModel* SLAppDelegate::selectedBackup() const {
+  const RowIndexes rows = m_ui->sourceList->selectedRowIndexes();
+  return rows.empty() ? nullptr : m_ui->sourceList->itemAtRow(*rows.begin()).as<BackupModel>();
+}
+
+void SLAppDelegate::updateCommands() {
+  BackupModel* backup = selectedBackup();
+  const bool showsPhotos = backup && backup == m_arrayController.content() &&
+                           m_ui->contentArea->currentWidget() == m_ui->browser;
+  m_ui->actionExportSelected->setEnabled(showsPhotos && hasSelection());
+  m_ui->actionExportAll->setEnabled(showsPhotos);
+  m_ui->actionReveal->setEnabled(backup);
+  m_ui->actionCopy->setEnabled(showsPhotos && hasSelection());
+  m_ui->actionDeselect->setEnabled(showsPhotos && hasSelection());
+  for (QAction* action : {m_ui->actionSelectAll, m_ui->actionInvertSelection, m_ui->actionZoomIn,
+                          m_ui->actionZoomOut, m_ui->actionStartSize, m_ui->actionPreview}) {
+    action->setEnabled(showsPhotos);
+  }
+}
+
+bool SLAppDelegate::eventFilter(QObject* object, QEvent* event) {
+  if (object == m_window.get() && event->type() == QEvent::Close &&
+      m_exportOperationQueue->operationCount() > 0) {
+    event->ignore();
+    askWhetherToStopExporting();
+    return true;
+  }
+  return QObject::eventFilter(object, event);
+}
+
+std::size_t SLAppDelegate::sourceListNumberOfChildrenOfItem(PXSourceList&, OutlineItem item) {
+  if (!item) {
+    return m_bc->devices().size();
+  }
+  auto* device = item.as<DeviceModel>();
+  return device ? device->backups().size() : 0;
+}
+
+OutlineItem SLAppDelegate::sourceListChildOfItem(PXSourceList&, std::size_t index,
+                                                 OutlineItem item) {
+  if (auto* device = item.as<DeviceModel>()) {
+    return device->backups()[index].get();
+  }
+  return m_bc->devices()[index].get();
+}
+
+QVariant SLAppDelegate::sourceListObjectValueForItem(PXSourceList&, OutlineItem item) {
+  if (auto* device = item.as<DeviceModel>()) {
+    return QString::fromStdString(device->name().value_or(std::string())).toUpper();
+  }
+  auto* backup = item.as<BackupModel>();
+  return backup ? QString::fromStdString(backup->name()) : QString();
+}
+
+bool SLAppDelegate::sourceListIsItemExpandable(PXSourceList&, OutlineItem item) {
+  return item.as<DeviceModel>() != nullptr;
+}
+
+std::optional<bool> SLAppDelegate::sourceListItemHasIcon(PXSourceList&, OutlineItem item) {
+  return item.as<BackupModel>() != nullptr;
+}
+
+std::optional<QPixmap> SLAppDelegate::sourceListIconForItem(PXSourceList&, OutlineItem item) {
+  auto* backup = item.as<BackupModel>();
+  return backup ? imageNamed(backup->icon()) : QPixmap();
+}
+
+std::optional<bool> SLAppDelegate::sourceListItemHasRightSideIcon(PXSourceList& list,
+                                                                  OutlineItem item) {
+  return sourceListItemIsProcessing(list, item);
+}
+
+std::optional<bool> SLAppDelegate::sourceListItemIsProcessing(PXSourceList&, OutlineItem item) {
+  auto* backup = item.as<BackupModel>();
+  return backup && backup->processing();
+}
+
+std::optional<bool> SLAppDelegate::sourceListShouldEditItem(PXSourceList&, OutlineItem) {
+  return false;
+}
+
+std::optional<bool> SLAppDelegate::sourceListIsGroupAlwaysExpanded(PXSourceList&, OutlineItem) {
+  return true;
+}
+
+std::optional<QMenu*> SLAppDelegate::sourceListMenuForEventItem(PXSourceList& list,
+                                                                QMouseEvent& event,
+                                                                OutlineItem item) {
+  const bool asksForMenu =
+      event.button() == Qt::RightButton ||
+      (event.button() == Qt::LeftButton && event.modifiers().testFlag(Qt::ControlModifier));
+  auto* backup = item.as<BackupModel>();
+  if (!backup || !asksForMenu) {
+    return nullptr;
+  }
+  list.selectRowIndexesByExtendingSelection({list.rowForItem(item)}, false);
+  m_contextMenu = std::make_unique<QMenu>();
+  QAction* first = m_contextMenu->addAction("Loading...");
+  if (!backup->contentReady()) {
+    first->setEnabled(false);
+    m_pendingMenuItem = first;
+  } else {
+    offerExport(*first, *backup);
+  }
+  m_contextMenu->addSeparator();
+  connect(m_contextMenu->addAction("Reveal In Finder"), &QAction::triggered, this,
+          [this] { revealSelectedInFinder(); });
+  return m_contextMenu.get();
+}
+
+void SLAppDelegate::sourceListSelectionDidChange(const Notification&) {
+  BackupModel* backup = selectedBackup();
+  m_pendingMenuItem = nullptr;
+  updateCommands();
+  if (backup) {
+    backup->prepareContent();
+    m_ui->sourceList->reloadItem(backup);
+  }
+}
+
+}  // namespace snaplift

@@ -1,0 +1,139 @@
+// The main area in step with the backup that is loading or loaded: message pane, photo browser,
+// status text and zoom.
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenu>
+#include <QSlider>
+#include <QStackedWidget>
+#include <cmath>
+
+#include "app/SLAppDelegate.h"
+#include "app/StatusText.h"
+#include "ui_MainWindow.h"
+#include "toolkit/Alert.h"
+#include "toolkit/MainThread.h"
+
+namespace snaplift {
+namespace {
+
+// The slider counts whole steps.
+constexpr double sliderStepsPerZoom = 1000;
+
+// The start-up size, as a zoom back to it ends: a float, widened.
+constexpr double zoomOutTarget = SLAppDelegate::startZoom;
+
+}  // namespace
+
+void SLAppDelegate::connectZoom() {
+  QSlider* slider = m_ui->zoomSlider;
+  const auto step = [](double zoom) {
+    return static_cast<int>(std::lround(zoom * sliderStepsPerZoom));
+  };
+  slider->setRange(step(ImageBrowserView::smallestZoom), step(maxZoom()));
+  slider->setPageStep(step(0.1));
+  connect(slider, &QSlider::valueChanged, this,
+          [this](int value) { setZoomLevel(static_cast<float>(value / sliderStepsPerZoom)); });
+  connect(this, &SLAppDelegate::zoomLevelChanged, slider, [slider, step](float zoom) {
+    // Silently: a pinch may zoom beyond the slider's end, which must not pull the zoom back.
+    const QSignalBlocker blocker(slider);
+    slider->setValue(step(zoom));
+  });
+  connect(this, &SLAppDelegate::zoomLevelChanged, m_ui->browser, &ImageBrowserView::setZoomValue);
+  connect(m_ui->browser, &ImageBrowserView::zoomValueChanged, this, &SLAppDelegate::setZoomLevel);
+  m_ui->browser->setZoomValue(m_zoomLevel);
+  slider->setValue(step(m_zoomLevel));
+}
+
+void SLAppDelegate::setZoomLevel(float zoomLevel) {
+  if (zoomLevel != m_zoomLevel) {
+    m_zoomLevel = zoomLevel;
+    emit zoomLevelChanged(zoomLevel);
+  }
+}
+
+bool SLAppDelegate::hasSelection() const {
+  return !m_ui->browser->selectionIndexes().empty();
+}
+
+void SLAppDelegate::didStartLoading() {
+  QMetaObject::invokeMethod(
+      this, [this] { m_ui->text->setText("Loading..."); }, Qt::QueuedConnection);
+}
+
+void SLAppDelegate::finishedLoading(BackupModel* backup) {
+  mainThread::runAndWait([this, backup] { showContentOf(backup); });
+}
+
+void SLAppDelegate::showContentOf(BackupModel* backup) {
+  if (backup != selectedBackup()) {
+    return;
+  }
+  m_arrayController.setContent(backup);
+  m_ui->browser->reloadData();
+  if (backup->imageItems().empty()) {
+    showMessage("No Photos Found in This Backup");
+  } else if (backup->encrypted()) {
+    showMessage("Backup is Encrypted");
+    const AlertText text = {
+        "This Backup is Encrypted",
+        "Snaplift cannot recover photos from this backup because it is encrypted.  You must use "
+        "iTunes to restore them to an iOS device."};
+    showAlert(m_window.get(), text, [this, backup] { didShowContentOf(backup); });
+    return;
+  } else {
+    m_ui->text->setText("Loading...");
+    m_ui->contentArea->setCurrentWidget(m_ui->browser);
+  }
+  didShowContentOf(backup);
+}
+
+void SLAppDelegate::didShowContentOf(BackupModel* backup) {
+  updateCentreText();
+  updateMenuItem();
+  updateCommands();
+  m_ui->sourceList->reloadItem(backup);
+}
+
+void SLAppDelegate::showMessage(const QString& message) {
+  m_ui->text->setText(message);
+  m_ui->contentArea->setCurrentWidget(m_ui->textView);
+}
+
+void SLAppDelegate::updateCentreText() {
+  BackupModel* backup = selectedBackup();
+  // A backup that is still loading has no photos yet: asking it would load it here.
+  const bool ready = backup && backup->contentReady();
+  const int photos = ready ? static_cast<int>(backup->imageItems().size()) : 0;
+  m_ui->centreText->setText(photoCountText(photos, m_ui->browser->selectionIndexes().count()));
+}
+
+void SLAppDelegate::updateMenuItem() {
+  BackupModel* backup = selectedBackup();
+  if (!m_pendingMenuItem || !backup || (backup->encrypted() && !backup->imageItems().empty())) {
+    return;
+  }
+  offerExport(*m_pendingMenuItem, *backup);
+}
+
+void SLAppDelegate::offerExport(QAction& item, BackupModel& backup) {
+  const bool hasPhotos = !backup.imageItems().empty();
+  item.setText(hasPhotos ? "Export All..." : "No Photos");
+  item.setEnabled(hasPhotos);
+  disconnect(&item, nullptr, this, nullptr);
+  if (hasPhotos) {
+    connect(&item, &QAction::triggered, this, [this] { exportAllPhotosFromSelectedBackup(); });
+  }
+}
+
+void SLAppDelegate::imageBrowserCellWasDoubleClickedAtIndex(ImageBrowserView&, int) {
+  if (m_zoomAnimation) {
+    m_zoomAnimation->stopAnimation();
+  }
+  const double target = m_zoomLevel >= maxZoom() ? zoomOutTarget : maxZoom();
+  m_zoomAnimation =
+      ORBAdjustingValueAnimation::initWithObjectKeyPathFinalValue(this, "zoomLevel", target);
+  m_zoomAnimation->startAnimation();
+}
+
+}  // namespace snaplift

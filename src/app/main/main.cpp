@@ -1,0 +1,15 @@
+#include <QApplication>
+#include <QIcon>
+
+#include "app/SLAppDelegate.h"
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setApplicationName("Snaplift");
+  QApplication::setApplicationVersion(SNAPLIFT_VERSION);
+  QGuiApplication::setDesktopFileName("app.snaplift.Snaplift");
+  QApplication::setWindowIcon(QIcon(":/icons/app.snaplift.Snaplift.svg"));
+  snaplift::SLAppDelegate delegate;
+  delegate.applicationDidFinishLaunching(snaplift::defaultBackupRoot());
+  return QApplication::exec();
+}
