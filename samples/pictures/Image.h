@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace snaplift::samples {
+
+// A finished picture: rows from the top, three bytes a pixel, red first, sRGB.
+struct Image {
+  int width = 0, height = 0;
+  std::vector<std::uint8_t> bytes;
+
+  Image() = default;
+  Image(int w, int h)
+      : width(w), height(h), bytes(3 * static_cast<std::size_t>(w) * static_cast<std::size_t>(h)) {}
+
+  std::uint8_t* pixel(int x, int y) { return bytes.data() + 3 * index(x, y); }
+  const std::uint8_t* pixel(int x, int y) const { return bytes.data() + 3 * index(x, y); }
+
+private:
+  std::size_t index(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+           static_cast<std::size_t>(x);
+  }
+};
+
+// The pixels that a camera stores for an upright picture when it records `orientation` (1 to 8, as
+// EXIF numbers them): a viewer that honours the number shows the picture upright again. From 5 on,
+// width and height change places.
+Image storedWithOrientation(const Image& upright, int orientation);
+
+// The picture in another, smaller size; each new pixel is the mean of those that it covers.
+Image scaledDown(const Image& image, int width, int height);
+
+}  // namespace snaplift::samples

@@ -1,0 +1,210 @@
+#include "program/SampleRoot.h"
+
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+#include "foundation/Path.h"
+#include "program/Album.h"
+#include "samples/BackupWriter.h"
+
+namespace snaplift::samples {
+namespace {
+
+constexpr std::int64_t secondsPerDay = 86400;
+
+// The camera of a generation of handsets.
+struct Camera {
+  int width, height;
+};
+constexpr Camera twoMegapixels = {1600, 1200};
+constexpr Camera threeMegapixels = {2048, 1536};
+constexpr Camera fiveMegapixels = {2592, 1936};
+
+// A roll of photos that one device took over the years, in the order in which it took them.
+struct Roll {
+  std::uint32_t firstSeed;
+  int photos;
+  Camera camera;
+  std::int64_t firstDay;  // since 1970
+};
+
+// One backup of the root: a device's roll as far as it had come.
+struct PlannedBackup {
+  const char* folder;
+  Generation generation;
+  const char *deviceName, *version;
+  std::int64_t day;  // since 1970
+  Roll roll;
+  int charts = 0;  // screen pictures besides
+  bool encrypted = false;
+};
+
+constexpr Roll annasRoll(int photos) {
+  return {0, photos, fiveMegapixels, 14800};
+}
+constexpr Roll bensRoll(int photos) {
+  return {40, photos, twoMegapixels, 13900};
+}
+
+const std::vector<PlannedBackup> plan = {
+    {"2b6f0cc904d137be2e1730235f5664094b831186", Generation::Five, "Anna's Phone", "5.1.1", 15501,
+     annasRoll(14), 2},
+    {"3f2a9c51d0e84b7796ac13f5b2087de46190ab35", Generation::Four, "Anna's Phone", "4.3.3", 15203,
+     annasRoll(9), 1},
+    {"77de68daecd823babbb58edb1c8e14d7106e83bb", Generation::Three, "Anna's Phone", "3.1.3", 14862,
+     annasRoll(5)},
+    {"902ba3cda1883801594b6e1b452790cc53948fda",
+     Generation::Five,
+     "Kitchen Tablet",
+     "5.0.1",
+     15420,
+     {20, 7, threeMegapixels, 15210},
+     4},
+    {"1b6453892473a467d07372d45eb05abc2031647a", Generation::TwoPairForm, "Ben's Old Phone",
+     "2.2.1", 14390, bensRoll(6)},
+    {"c1dfd96eea8cc2b62785275bca38ac261256e278", Generation::TwoSingleForm, "Ben's Old Phone",
+     "1.1.4", 14010, bensRoll(3)},
+    {"fe5dbbcea5ce7e2988b8c69bcfdfde8904aabc1f",
+     Generation::Five,
+     "Grandma's Phone",
+     "5.1",
+     15480,
+     {60, 2, threeMegapixels, 15300},
+     0,
+     true},
+    {"da4b9237bacccdf19c0760cab7aec4a8359010b0",
+     Generation::Four,
+     "Music Player",
+     "4.1",
+     14950,
+     {0, 0, threeMegapixels, 14900}},
+    {"0ade7c2cf97f75d009975f4d720d1fa6c19f4897",
+     Generation::Four,
+     "Prototype",
+     "0.9",
+     13500,
+     {0, 0, twoMegapixels, 13500}},
+    {"ac3478d69a3c81fa62e60f5c3696165a4e5e6ac4",
+     Generation::Five,
+     "Clara's Phone (dropped)",
+     "5.0",
+     15390,
+     {50, 5, fiveMegapixels, 15100}},
+};
+constexpr const char* damagedFolder = "ac3478d69a3c81fa62e60f5c3696165a4e5e6ac4";
+
+Instant noonOf(std::int64_t day) {
+  return instantFromUnixTime(day * secondsPerDay + 43200);
+}
+
+std::vector<Shot> shotsOf(const PlannedBackup& backup, bool small) {
+  const int divisor = small ? 4 : 1;
+  std::vector<Shot> shots;
+  for (int i = 0; i < backup.roll.photos; ++i) {
+    // Most pictures are taken upright; each orientation comes up somewhere.
+    const auto seed = backup.roll.firstSeed + static_cast<std::uint32_t>(i);
+    const int orientation = i % 3 == 2 ? 1 + static_cast<int>(seed / 3 % 8) : 1;
+    const bool portrait = orientation >= 5;
+    const int width = backup.roll.camera.width / divisor;
+    const int height = backup.roll.camera.height / divisor;
+    shots.push_back({Subject::Landscape, seed, portrait ? height : width, portrait ? width : height,
+                     orientation, noonOf(backup.roll.firstDay + 23 * i)});
+  }
+  for (int i = 0; i < backup.charts; ++i) {
+    const std::uint32_t seed = backup.roll.firstSeed + 100 + static_cast<std::uint32_t>(i);
+    shots.push_back({Subject::Charts, seed, 640 / divisor, 960 / divisor, 1,
+                     noonOf(backup.roll.firstDay + 11 * i)});
+  }
+  return shots;
+}
+
+std::uint32_t secondsOf(Instant instant) {
+  return static_cast<std::uint32_t>(
+      std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count());
+}
+
+void addPhotos(SampleBackup& backup, const std::vector<Shot>& shots, const Album& album) {
+  const std::string domain(photoDomain(backup.generation));
+  const std::string folder = "Media/DCIM/100APPLE";
+  backup.files.push_back({.domain = domain, .path = folder, .mode = folderMode});
+  int number = 0;
+  for (const Shot& shot : shots) {
+    const std::string digits = std::to_string(10000 + ++number).substr(1);
+    const char* extension = shot.subject == Subject::Charts ? ".PNG" : ".JPG";
+    backup.files.push_back({.domain = domain,
+                            .path = joinPath(folder, "IMG_" + digits + extension),
+                            .content = album.fileOf(shot),
+                            .modificationDate = secondsOf(shot.taken)});
+  }
+  backup.files.push_back({.domain = domain,
+                          .path = "Media/Recordings/Memo.m4a",
+                          .content = "not a photo",
+                          .modificationDate = secondsOf(backup.date)});
+}
+
+// What else stands in a backup: settings and databases of applications, folders, links, empty
+// files.
+void addOtherFiles(SampleBackup& backup) {
+  for (int i = 0; i < 120; ++i) {
+    const std::string application = "AppDomain-app.example.tool" + std::to_string(i / 6);
+    const std::string name = "Library/Preferences/settings" + std::to_string(i % 6) + ".plist";
+    backup.files.push_back({.domain = i < 60 ? "HomeDomain" : application,
+                            .path = name,
+                            .content = i % 6 == 5 ? std::string() : "settings " + std::to_string(i),
+                            .modificationDate = secondsOf(backup.date)});
+  }
+  backup.files.push_back({.domain = "HomeDomain", .path = "Library", .mode = folderMode});
+  backup.files.push_back({.domain = "HomeDomain",
+                          .path = "Library/Current",
+                          .mode = linkMode,
+                          .linkTarget = "Preferences"});
+}
+
+// The manifest ends in the middle of an entry behind the photos, and one photo has lost its file.
+void damage(const std::string& folder, const SampleBackup& backup) {
+  std::uintmax_t kept = 6;
+  std::string lost;
+  for (const ManifestEntry& entry : manifestEntries(backup.files)) {
+    std::string bytes;
+    appendManifestEntry(bytes, entry);
+    kept += bytes.size();
+    if (entry.domain == photoDomain(backup.generation) && entry.path.ends_with("3.JPG")) {
+      lost = contentName(entry.domain, entry.path);
+    }
+    if (entry.path.ends_with("Memo.m4a")) {
+      break;
+    }
+  }
+  std::filesystem::resize_file(joinPath(folder, "Manifest.mbdb"), kept + 40);
+  std::filesystem::remove(joinPath(folder, lost));
+}
+
+}  // namespace
+
+void writeSampleRoot(const std::string& root, bool small) {
+  std::vector<Shot> allShots;
+  for (const PlannedBackup& planned : plan) {
+    const std::vector<Shot> shots = shotsOf(planned, small);
+    allShots.insert(allShots.end(), shots.begin(), shots.end());
+  }
+  const Album album(allShots);
+  for (const PlannedBackup& planned : plan) {
+    SampleBackup backup{.generation = planned.generation,
+                        .deviceName = planned.deviceName,
+                        .productVersion = planned.version,
+                        .encrypted = planned.encrypted,
+                        .date = noonOf(planned.day)};
+    if (planned.roll.photos + planned.charts > 0) {
+      addPhotos(backup, shotsOf(planned, small), album);
+    }
+    addOtherFiles(backup);
+    const std::string folder = joinPath(root, planned.folder);
+    writeBackup(folder, backup);
+    if (planned.folder == std::string_view(damagedFolder)) {
+      damage(folder, backup);
+    }
+  }
+}
+
+}  // namespace snaplift::samples
