@@ -104,7 +104,7 @@ public:
                  {"written", outcome.written.empty() ? Json(nullptr) : Json(outcome.written)},
                  {"error", jsonText(error)}});
     } else if (error) {
-      printMessage("failed: " + photo.path() + ": " + *error);
+      printMessage("failed: " + *error);
     } else {
       printLine(outcome.written.empty() ? photo.path() : outcome.written);
     }
