@@ -13,7 +13,9 @@ constexpr std::size_t randomBytes = 8;
 }  // namespace
 
 std::string randomName(std::string_view prefix, std::string_view suffix) {
-  std::random_device random;
+  // Kept, because making one asks the processor what it can do: an expensive question to a virtual
+  // one.
+  thread_local std::random_device random;
   std::array<std::uint8_t, randomBytes> bytes;
   for (std::uint8_t& byte : bytes) {
     byte = static_cast<std::uint8_t>(random());
