@@ -14,6 +14,9 @@ namespace snaplift::gallery {
 // Saves what `window` shows now as `folder`/`name`@<scale>x.png.
 void save(QWidget& window, const QString& folder, const QString& name);
 
+// The views.
+void paintSidebar(const QString& folder);
+
 // A light and a dark colour scheme as desktops have them.
 QPalette lightPalette();
 QPalette darkPalette();

@@ -9,7 +9,9 @@
 
 // snaplift-gallery FOLDER [VIEW...]: writes pictures of the views named, or of all, into FOLDER.
 int main(int argc, char** argv) {
-  const std::map<QString, std::function<void(const QString& folder)>> views = {};
+  const std::map<QString, std::function<void(const QString& folder)>> views = {
+      {"sidebar", snaplift::gallery::paintSidebar},
+  };
 
   QApplication application(argc, argv);
   QApplication::setStyle(QStyleFactory::create("Fusion"));
