@@ -16,6 +16,8 @@ void save(QWidget& window, const QString& folder, const QString& name);
 
 // The views.
 void paintSidebar(const QString& folder);
+// The whole window, over the user's backups.
+void paintWindow(const QString& folder);
 
 // A light and a dark colour scheme as desktops have them.
 QPalette lightPalette();

@@ -11,6 +11,7 @@
 int main(int argc, char** argv) {
   const std::map<QString, std::function<void(const QString& folder)>> views = {
       {"sidebar", snaplift::gallery::paintSidebar},
+      {"window", snaplift::gallery::paintWindow},
   };
 
   QApplication application(argc, argv);
