@@ -15,6 +15,7 @@ namespace snaplift::gallery {
 void save(QWidget& window, const QString& folder, const QString& name);
 
 // The views.
+void paintBrowser(const QString& folder);
 void paintSidebar(const QString& folder);
 // The whole window, over the user's backups.
 void paintWindow(const QString& folder);

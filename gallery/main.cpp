@@ -10,6 +10,7 @@
 // snaplift-gallery FOLDER [VIEW...]: writes pictures of the views named, or of all, into FOLDER.
 int main(int argc, char** argv) {
   const std::map<QString, std::function<void(const QString& folder)>> views = {
+      {"browser", snaplift::gallery::paintBrowser},
       {"sidebar", snaplift::gallery::paintSidebar},
       {"window", snaplift::gallery::paintWindow},
   };

@@ -13,14 +13,23 @@ constexpr int captionGap = 4;
 constexpr double cornerRadius = 4;
 constexpr int selectionWidth = 3;
 
-// Where a photo of `size` stands in the square: centred, as large as it fits, never larger than it
-// is.
+// Where a photo of `size` stands in the square: on its caption, as large as it fits, never larger
+// than it is.
 QRect pictureRect(const QRect& square, QSizeF size) {
   const bool isSmaller = size.width() <= square.width() && size.height() <= square.height();
   const QSizeF fitted = isSmaller ? size : size.scaled(square.size(), Qt::KeepAspectRatio);
   const QSize whole(std::max(qRound(fitted.width()), 1), std::max(qRound(fitted.height()), 1));
   return {square.left() + (square.width() - whole.width()) / 2,
-          square.top() + (square.height() - whole.height()) / 2, whole.width(), whole.height()};
+          square.top() + square.height() - whole.height(), whole.width(), whole.height()};
+}
+
+// What of a name fits. The extension goes first: what tells photos apart is the number before it.
+QString fittingTitle(const QString& title, const QFontMetrics& font, int width) {
+  if (font.horizontalAdvance(title) <= width) {
+    return title;
+  }
+  const qsizetype dot = title.lastIndexOf(u'.');
+  return font.elidedText(dot > 0 ? title.left(dot) : title, Qt::ElideMiddle, width);
 }
 
 }  // namespace
@@ -135,8 +144,7 @@ void GridCellPainter::drawCaption(const Cell& cell) {
   const QRect line = cell.rect.adjusted(0, m_metrics.side + captionGap, 0, 0);
   const QFontMetrics font(m_metrics.captionFont);
   constexpr int padding = 5;
-  const QString text =
-      font.elidedText(cell.title, Qt::ElideMiddle, line.width() - (cell.isSelected ? 2 : 0));
+  const QString text = fittingTitle(cell.title, font, line.width());
   if (cell.isSelected) {
     const int width = std::min(font.horizontalAdvance(text) + 2 * padding, line.width() + 6);
     QRectF pill(0, 0, width, line.height());

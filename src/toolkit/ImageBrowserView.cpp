@@ -85,9 +85,9 @@ void ImageBrowserView::reloadData() {
   } else {
     m_thumbnails->setItems({}, 0);
   }
-  m_anchor = Anchor{0, 0, {}};
   m_scrollsBackwards = false;
   verticalScrollBar()->setValue(0);
+  m_anchor.reset();
   relayout();
   if (hadSelection) {
     emit selectionIndexesChanged();
@@ -177,7 +177,7 @@ void ImageBrowserView::holdPhotoAt(QPoint point) {
 ImageBrowserView::Anchor ImageBrowserView::anchorOfFirstVisible() const {
   const IndexRange visible = visibleRange();
   if (visible.empty()) {
-    return {0, 0, {}};
+    return {0, 0, m_layout.cellRect(0).topLeft()};
   }
   // A row that is mostly scrolled out of sight does not count.
   const int hidden = -viewportRect(m_layout.cellRect(visible.first)).top();
@@ -208,7 +208,7 @@ void ImageBrowserView::scrollContentsBy(int, int dy) {
 void ImageBrowserView::resizeEvent(QResizeEvent* event) {
   QAbstractItemView::resizeEvent(event);
   if (m_preview != nullptr) {
-    m_preview->setGeometry(viewport()->geometry());
+    m_preview->setGeometry(rect());
   }
   relayout();
 }
@@ -391,7 +391,7 @@ void ImageBrowserView::setPreviewOpen(bool open) {
   if (open) {
     stepTo(std::max(focusedIndex(), 0));
     m_preview = new PhotoPreview(this);
-    m_preview->setGeometry(viewport()->geometry());
+    m_preview->setGeometry(rect());
     m_preview->showPhoto(focusedIndex());
     m_preview->show();
     m_preview->setFocus();
