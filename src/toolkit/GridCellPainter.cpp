@@ -9,7 +9,7 @@
 namespace snaplift {
 namespace {
 
-constexpr int captionGap = 4;
+constexpr int captionGap = 6;
 constexpr double cornerRadius = 4;
 constexpr int selectionWidth = 3;
 
