@@ -1,6 +1,5 @@
 #include "toolkit/ImageBrowserView.h"
 
-#include <QCursor>
 #include <QHelpEvent>
 #include <QLocale>
 #include <QNativeGestureEvent>
@@ -9,7 +8,6 @@
 #include <QScrollBar>
 #include <QToolTip>
 #include <algorithm>
-#include <cmath>
 
 #include "toolkit/ImageBrowserAccessible.h"
 #include "toolkit/ImageBrowserModel.h"
@@ -20,8 +18,6 @@ namespace snaplift {
 namespace {
 
 constexpr int decorationMargin = 8;  // how far selection and focus reach out of a cell
-
-constexpr double zoomStep = 1.25;  // of a key, or of one notch of the wheel
 
 QRect decorated(const QRect& cell) {
   return cell.adjusted(-decorationMargin, -decorationMargin, decorationMargin, decorationMargin);
@@ -162,31 +158,6 @@ void ImageBrowserView::updateGeometries() {
   QAbstractItemView::updateGeometries();
 }
 
-// Photos change columns as the grid is laid out anew. So a series of steps about one point holds
-// the photo that it began with, not the one that each step puts there.
-void ImageBrowserView::holdPhotoAt(QPoint point) {
-  constexpr int tremor = 4;
-  if (m_anchor && (m_anchor->at - point).manhattanLength() <= tremor) {
-    return;
-  }
-  const int index = std::max(m_layout.nearestIndex(contentPoint(point)), 0);
-  const int into = contentPoint(point).y() - m_layout.cellRect(index).top();
-  m_anchor = Anchor{index, double{1} * into / m_layout.rowHeight(), point};
-}
-
-ImageBrowserView::Anchor ImageBrowserView::anchorOfFirstVisible() const {
-  const IndexRange visible = visibleRange();
-  if (visible.empty()) {
-    return {0, 0, m_layout.cellRect(0).topLeft()};
-  }
-  // A row that is mostly scrolled out of sight does not count.
-  const int hidden = -viewportRect(m_layout.cellRect(visible.first)).top();
-  const int second = visible.first + m_layout.columns();
-  const int index =
-      hidden > m_layout.rowHeight() / 2 && second <= visible.last ? second : visible.first;
-  return {index, 0, viewportRect(m_layout.cellRect(index)).topLeft()};
-}
-
 int ImageBrowserView::verticalOffset() const {
   return verticalScrollBar()->value();
 }
@@ -211,75 +182,6 @@ void ImageBrowserView::resizeEvent(QResizeEvent* event) {
     m_preview->setGeometry(rect());
   }
   relayout();
-}
-
-// Zoom
-
-void ImageBrowserView::setZoomValue(float zoom) {
-  if (!std::isfinite(zoom) || zoom == m_zoomValue) {
-    return;
-  }
-  m_zoomValue = zoom;
-  m_metrics = GridCellMetrics::forZoom(zoom, font());
-  relayout();
-  emit zoomValueChanged(zoom);
-}
-
-void ImageBrowserView::setZoomValueAboutPoint(float zoom, QPoint point) {
-  holdPhotoAt(point);
-  setZoomValue(zoom);
-}
-
-double ImageBrowserView::largestZoom() const {
-  return m_delegate ? m_delegate->maxZoom() : 1.0;
-}
-
-void ImageBrowserView::zoomBy(double factor, QPoint point) {
-  const double zoom = std::clamp(double{m_zoomValue} * factor, double{smallestZoom},
-                                 std::max(largestZoom(), double{smallestZoom}));
-  setZoomValueAboutPoint(static_cast<float>(zoom), point);
-}
-
-// The pointer, or else the focused photo, or else the middle.
-QPoint ImageBrowserView::zoomPoint() const {
-  const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
-  if (viewport()->rect().contains(pointer) && viewport()->underMouse()) {
-    return pointer;
-  }
-  if (focusedIndex() >= 0) {
-    const QPoint focus = itemFrameAtIndex(focusedIndex()).center();
-    if (viewport()->rect().contains(focus)) {
-      return focus;
-    }
-  }
-  return viewport()->rect().center();
-}
-
-void ImageBrowserView::zoomIn() {
-  zoomBy(zoomStep, zoomPoint());
-}
-void ImageBrowserView::zoomOut() {
-  zoomBy(1 / zoomStep, zoomPoint());
-}
-void ImageBrowserView::zoomToInitialSize() {
-  setZoomValueAboutPoint(initialZoom, zoomPoint());
-}
-
-void ImageBrowserView::wheelEvent(QWheelEvent* event) {
-  if (!event->modifiers().testFlag(Qt::ControlModifier)) {
-    QAbstractItemView::wheelEvent(event);
-    return;
-  }
-  constexpr double notch = 120;
-  const int angle = event->angleDelta().y();
-  if (angle != 0) {
-    zoomBy(std::pow(zoomStep, angle / notch), event->position().toPoint());
-  }
-  event->accept();
-}
-
-void ImageBrowserView::magnifyWithEvent(QNativeGestureEvent* event) {
-  zoomBy(1 + event->value(), event->position().toPoint());
 }
 
 // Painting

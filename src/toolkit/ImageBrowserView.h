@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QTimer>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -165,8 +166,7 @@ private:
 
   // Tells of the new selection and focus and paints them.
   void selectionDidChange(const IndexSet& before, int focusBefore);
-  template <typename Change>
-  void changeSelection(Change&& change);
+  void changeSelection(const std::function<void()>& change);
 
   void beginBand(QPoint viewportPoint, bool keep);
   void moveBand(QPoint viewportPoint);
