@@ -199,11 +199,13 @@ std::string findFile(const std::string& folder, std::string_view name) {
 }
 
 std::optional<DatedContent> readFoundFile(const std::string& folder, std::string_view name) {
-  for (const std::string& candidate : {std::string(name), capitalised(name)}) {
-    const FileDescriptor file = openToRead(joinPath(folder, candidate));
-    if (file || errno != ENOENT) {
-      return readOpenFile(file, {});
-    }
+  std::string path = joinPath(folder, name);
+  if (!entryExists(path)) {
+    path = joinPath(folder, capitalised(name));
+  }
+  const FileDescriptor file = openToRead(path);
+  if (file || errno != ENOENT) {
+    return readOpenFile(file, {});
   }
   const std::string entry = entryIgnoringCase(folder, name);
   return entry.empty() ? std::nullopt : readOpenFile(openToRead(joinPath(folder, entry)), {});

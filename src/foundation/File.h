@@ -40,8 +40,8 @@ struct DatedContent {
   Instant modificationDate;
 };
 
-// readFile() of the entry that findFile() finds. It opens what it may be called instead of looking
-// for it first, which is half the system calls: every folder of a backup root is asked.
+// readFile() of the entry that findFile() finds, in fewer system calls: every folder of a backup
+// root is asked.
 std::optional<DatedContent> readFoundFile(const std::string& folder, std::string_view name);
 
 // Whether `path` is a folder that the process may list; links are followed.

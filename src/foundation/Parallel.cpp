@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -46,8 +47,12 @@ void parallelFor(std::size_t count, unsigned threads, const std::function<void(s
   };
   const std::size_t runs = (count + runLength - 1) / runLength;
   std::vector<std::jthread> helpers;
-  while (helpers.size() + 1 < std::min<std::size_t>(threads, runs)) {
-    helpers.emplace_back(takeRuns);
+  try {
+    while (helpers.size() + 1 < std::min<std::size_t>(threads, runs)) {
+      helpers.emplace_back(takeRuns);
+    }
+  } catch (const std::system_error&) {
+    // The system gives no more threads: those that there are do the work.
   }
   takeRuns();
 }

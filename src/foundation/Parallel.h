@@ -6,9 +6,9 @@
 
 namespace snaplift {
 
-// Calls `work(i)` once for each i below `count`, on `threads` threads, the caller's among them, in
-// no order; returns when all calls have returned. `work` must be safe to call from several threads
-// at once. Indexes that are not begun when `stop` is requested are left out.
+// Calls `work(i)` once for each i below `count`, on up to `threads` threads, the caller's among
+// them, in no order; returns when all calls have returned. `work` must be safe to call from several
+// threads at once. Indexes that are not begun when `stop` is requested are left out.
 void parallelFor(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& work,
                  std::stop_token stop = {});
 
