@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,9 +17,8 @@ struct BackupFileModel {
   std::string_view backupFolder;  // the backup that holds the file; the decoder's
   std::string backupFileName;     // the file with the bytes, inside the backup folder
   std::optional<Instant> modificationDate;
-  // The bytes themselves, where they stand in a property list and not in a file of their own.
-  // Shared, because lists of records are sorted and copied.
-  std::shared_ptr<const Bytes> data;
+  std::uint64_t filelength = 0;  // in bytes; known in an inventory only
+  std::optional<Bytes> data;     // the content, where it is held in memory
 
   // The folder joined with the path: the file's identity in its backup.
   std::string uniquePath() const { return joinPath(backupFolder, path); }

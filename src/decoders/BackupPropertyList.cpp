@@ -11,11 +11,6 @@ std::optional<PropertyList> readDictionary(const std::string& folder, std::strin
   return content ? parseDictionary(std::move(content->bytes)) : std::nullopt;
 }
 
-std::optional<PropertyList> readDictionaryAtPath(const std::string& path) {
-  std::optional<Bytes> bytes = readFile(path);
-  return bytes ? parseDictionary(std::move(*bytes)) : std::nullopt;
-}
-
 std::optional<PropertyList> parseDictionary(Bytes bytes) {
   std::optional<PropertyList> list = PropertyList::parse(std::move(bytes));
   const bool isDictionary = list && list->root().kind() == PropertyListValue::Kind::Dictionary;

@@ -12,8 +12,7 @@ namespace snaplift {
 // is a dictionary. Nothing where the file is missing, unreadable or anything else.
 std::optional<PropertyList> readDictionary(const std::string& folder, std::string_view name);
 
-// The property list in the file at `path`, as it is spelled; and that in `bytes`.
-std::optional<PropertyList> readDictionaryAtPath(const std::string& path);
+// The property list in `bytes` whose root is a dictionary; nothing where they are anything else.
 std::optional<PropertyList> parseDictionary(Bytes bytes);
 
 // The text under `key` of the root dictionary; nothing where it is of another type.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <unordered_set>
 #include <utility>
 
 #include "decoders/BackupPropertyList.h"
@@ -11,24 +12,30 @@
 namespace snaplift {
 namespace {
 
-// The entries of `domain` in the listing that a manifest holds under "Data", in its order.
-std::vector<ListedFile> listedFiles(const PropertyList& manifest, std::string_view domain) {
+// The entries of `domain`, in the listing's order. A base name that stands there twice counts once:
+// a small manifest could otherwise have one file read, and kept, a million times.
+std::vector<ListedFile> listedFiles(const PropertyList& listing, std::string_view domain) {
+  const PropertyListEntries entries = listing.root().valueForKey("Files").entries();
   std::vector<ListedFile> files;
-  const std::optional<ByteView> bytes = manifest.root().valueForKey("Data").data();
-  const auto listing = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
-  if (!listing) {
-    return files;
-  }
-  for (const auto& [key, description] : listing->root().valueForKey("Files").entries()) {
+  std::unordered_set<std::string_view> seen;
+  files.reserve(entries.size());
+  seen.reserve(entries.size());
+  for (const auto& [key, description] : entries) {
     if (!description.valueForKey("Domain").equals(domain)) {
       continue;
     }
     const auto baseName = key.string();
-    if (baseName && isFileName(*baseName)) {
-      files.push_back({std::string(*baseName), description.valueForKey("ModificationTime").date()});
+    if (baseName && isFileName(*baseName) && seen.insert(*baseName).second) {
+      files.push_back({*baseName, description.valueForKey("ModificationTime").date()});
     }
   }
   return files;
+}
+
+std::string fileName(const ListedFile& file, std::string_view extension) {
+  std::string name;
+  name.reserve(file.baseName.size() + extension.size());
+  return name.append(file.baseName).append(extension);
 }
 
 // The records that were read: newest first, those without a date last, equal dates by path. Sorts
@@ -58,43 +65,57 @@ std::vector<BackupFileModel> newestFirst(std::vector<std::optional<BackupFileMod
 }  // namespace
 
 void FileListDecoder::loadContents(std::stop_token stop) {
-  std::vector<BackupFileModel> photos = readFileModels(hasPhotoExtension, stop);
+  const auto manifest = readDictionary(backupPath(), "manifest.plist");
+  std::vector<BackupFileModel> photos = readFileModels(manifest, Wanted::Photos, stop);
   if (!stop.stop_requested()) {
-    setPhotos(std::move(photos));
+    setContents(knowsEncryption() && isEncrypted(manifest), std::move(photos));
   }
 }
 
 void FileListDecoder::visitFiles(const FileVisitor& visit) {
-  const auto everyPath = [](std::string_view) { return true; };
-  for (const BackupFileModel& model : readFileModels(everyPath, {})) {
-    const auto attributes = fileAttributes(joinPath(backupPath(), model.backupFileName));
-    const std::uint64_t length = model.data   ? model.data->size()
-                                 : attributes ? attributes->size
-                                              : 0;
-    visit({photoDomain(), model.path, model.backupFileName, length, model.modificationDate, {}});
+  const auto manifest = readDictionary(backupPath(), "manifest.plist");
+  for (const BackupFileModel& model : readFileModels(manifest, Wanted::Inventory, {})) {
+    const std::string& name = model.backupFileName;
+    visit({photoDomain(), model.path, name, model.filelength, model.modificationDate, {}});
   }
 }
 
-std::vector<BackupFileModel> FileListDecoder::readFileModels(PathFilter isWanted,
-                                                             std::stop_token stop) {
-  const auto manifest = readDictionary(backupPath(), "manifest.plist");
-  setEncrypted(knowsEncryption() && isEncrypted(manifest));
-  if (!manifest) {
+std::vector<BackupFileModel> FileListDecoder::readFileModels(
+    const std::optional<PropertyList>& manifest, Wanted wanted, std::stop_token stop) const {
+  const auto bytes = manifest ? manifest->root().valueForKey("Data").data() : std::nullopt;
+  const auto listing = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
+  if (!listing) {
     return {};
   }
-  const std::vector<ListedFile> files = listedFiles(*manifest, photoDomain());
+  const std::vector<ListedFile> files = listedFiles(*listing, photoDomain());
   std::vector<std::optional<BackupFileModel>> read(files.size());
   parallelForFiles(
-      files.size(), [&](std::size_t i) { read[i] = readFileModel(files[i], isWanted); }, stop);
+      files.size(), [&](std::size_t i) { read[i] = readFileModel(files[i], wanted); }, stop);
   return newestFirst(read);
 }
 
-BackupFileModel FileListDecoder::fileModel(const ListedFile& file,
-                                           std::string_view extension) const {
+bool FileListDecoder::isWanted(std::string_view path, Wanted wanted) {
+  return wanted == Wanted::Inventory || hasPhotoExtension(path);
+}
+
+std::optional<PropertyList> FileListDecoder::readDictionaryOf(const ListedFile& file,
+                                                              std::string_view extension) const {
+  std::optional<Bytes> bytes = readFile(joinPath(backupPath(), fileName(file, extension)));
+  return bytes ? parseDictionary(std::move(*bytes)) : std::nullopt;
+}
+
+BackupFileModel FileListDecoder::fileModel(const ListedFile& file, std::string_view extension,
+                                           std::string path) const {
   BackupFileModel model;
+  model.path = std::move(path);
   model.backupFolder = backupPath();
-  model.backupFileName = file.baseName + std::string(extension);
+  model.backupFileName = fileName(file, extension);
   return model;
+}
+
+std::optional<FileAttributes> FileListDecoder::contentAttributes(
+    const BackupFileModel& model) const {
+  return fileAttributes(joinPath(backupPath(), model.backupFileName));
 }
 
 std::string FileListDecoder::contentFileName(const BackupFileModel& photo) const {

@@ -8,14 +8,16 @@
 
 #include "decoders/BackupFileModel.h"
 #include "decoders/PhotoDecoder.h"
+#include "foundation/File.h"
+#include "foundation/PropertyList.h"
 
 namespace snaplift {
 
 // One entry of the "Files" listing of a generation-3 or generation-2 "manifest.plist".
 struct ListedFile {
   // The name of the entry's files inside the backup folder, without extension. Checked: it cannot
-  // lead out of the folder.
-  std::string baseName;
+  // lead out of the folder. The manifest's own bytes.
+  std::string_view baseName;
   std::optional<Instant> modificationTime;
 };
 
@@ -38,20 +40,30 @@ protected:
   // Whether the generation's manifest has the flag of encryption.
   virtual bool knowsEncryption() const = 0;
 
-  // The record of one listed file, its path and date filled in; nothing where the entry's property
-  // list is missing or lacks something. `isWanted` is asked before anything large is kept. Called
-  // from several threads at once.
-  using PathFilter = bool (*)(std::string_view path);
-  virtual std::optional<BackupFileModel> readFileModel(const ListedFile& file,
-                                                       PathFilter isWanted) const = 0;
+  // The photos with all that is needed to hand out their bytes, or every file with its length.
+  enum class Wanted { Photos, Inventory };
+  static bool isWanted(std::string_view path, Wanted wanted);
 
-  // A record of this backup with the content file of that extension, which begins with its dot.
-  BackupFileModel fileModel(const ListedFile& file, std::string_view extension) const;
+  // The record of one listed file; nothing where the entry's property list is missing or lacks
+  // something, or its path is not wanted. Called from several threads at once.
+  virtual std::optional<BackupFileModel> readFileModel(const ListedFile& file,
+                                                       Wanted wanted) const = 0;
+
+  // The property list in the entry's file of that extension, which begins with its dot.
+  std::optional<PropertyList> readDictionaryOf(const ListedFile& file,
+                                               std::string_view extension) const;
+
+  // A record of this backup whose content is the entry's file of that extension.
+  BackupFileModel fileModel(const ListedFile& file, std::string_view extension,
+                            std::string path) const;
+
+  std::optional<FileAttributes> contentAttributes(const BackupFileModel& model) const;
 
   std::string contentFileName(const BackupFileModel& photo) const override;
 
 private:
-  std::vector<BackupFileModel> readFileModels(PathFilter isWanted, std::stop_token stop);
+  std::vector<BackupFileModel> readFileModels(const std::optional<PropertyList>& manifest,
+                                              Wanted wanted, std::stop_token stop) const;
 };
 
 }  // namespace snaplift

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <optional>
+#include <ranges>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -62,34 +64,43 @@ protected:
     return !name.empty() && attributes && attributes->type == FileType::Regular;
   }
 
-  void setEncrypted(bool encrypted) { m_encrypted = encrypted; }
+  // The photo's record; of several of one unique path the last. Null where there is none.
+  const Record* photoAtPath(std::string_view uniquePath) const {
+    const auto sameHash = std::ranges::equal_range(m_index, hashOf(uniquePath), {}, &Place::first);
+    for (const Place& place : std::views::reverse(sameHash)) {
+      if (m_imageFilePaths[place.second] == uniquePath) {
+        return &m_photos[place.second];
+      }
+    }
+    return nullptr;
+  }
 
-  // Ends a load. Of several records of one unique path the last answers for it.
-  void setPhotos(std::vector<Record> photos) {
+  // Ends a load with all that it has found out.
+  void setContents(bool encrypted, std::vector<Record> photos) {
+    m_encrypted = encrypted;
     m_photos = std::move(photos);
     m_imageFilePaths.clear();
     m_imageFilePaths.reserve(m_photos.size());
     for (const Record& photo : m_photos) {
       m_imageFilePaths.push_back(photo.uniquePath());
     }
-    m_photoAtPath.clear();
-    m_photoAtPath.reserve(m_photos.size());
+    m_index.clear();
+    m_index.reserve(m_photos.size());
     for (std::size_t i = 0; i < m_photos.size(); ++i) {
-      m_photoAtPath.insert_or_assign(m_imageFilePaths[i], i);
+      m_index.emplace_back(hashOf(m_imageFilePaths[i]), i);
     }
+    std::ranges::sort(m_index);
     m_loaded = true;
   }
 
 private:
-  const Record* photoAtPath(std::string_view uniquePath) const {
-    const auto found = m_photoAtPath.find(uniquePath);
-    return found == m_photoAtPath.end() ? nullptr : &m_photos[found->second];
-  }
+  static std::size_t hashOf(std::string_view text) { return std::hash<std::string_view>()(text); }
 
   const std::string m_backupPath;
   std::vector<Record> m_photos;
   std::vector<std::string> m_imageFilePaths;
-  std::unordered_map<std::string_view, std::size_t> m_photoAtPath;  // keys in m_imageFilePaths
+  using Place = std::pair<std::size_t, std::size_t>;
+  std::vector<Place> m_index;  // sorted: the hash of a unique path, and its place in the lists
   bool m_encrypted = false;
   bool m_loaded = false;
 };

@@ -6,37 +6,65 @@
 #include "decoders/BackupPropertyList.h"
 
 namespace snaplift {
+namespace {
+
+constexpr std::string_view pairFormExtension = ".mddata";
+constexpr std::string_view singleFormExtension = ".mdbackup";
+
+}  // namespace
 
 std::optional<BackupFileModel> iOS2Decoder::readFileModel(const ListedFile& file,
-                                                          PathFilter isWanted) const {
-  auto list = readDictionaryAtPath(joinPath(backupPath(), file.baseName + ".mdinfo"));
+                                                          Wanted wanted) const {
+  auto list = readDictionaryOf(file, ".mdinfo");
   const bool isPair = list.has_value();
-  BackupFileModel model = fileModel(file, isPair ? ".mddata" : ".mdbackup");
-  const std::string contentFile = joinPath(backupPath(), model.backupFileName);
   if (!isPair) {
-    list = readDictionaryAtPath(contentFile);
+    list = readDictionaryOf(file, singleFormExtension);
   }
   std::optional<std::string> path = list ? textUnderKey(*list, "Path") : std::nullopt;
-  if (!path || !isWanted(*path)) {
+  if (!path || !isWanted(*path, wanted)) {
     return std::nullopt;
   }
-  model.path = std::move(*path);
-  if (const auto attributes = fileAttributes(contentFile)) {
+  BackupFileModel model =
+      fileModel(file, isPair ? pairFormExtension : singleFormExtension, std::move(*path));
+  if (const auto attributes = contentAttributes(model)) {
     model.modificationDate = attributes->modificationDate;
+    model.filelength = attributes->size;
   }
   if (const auto bytes = isPair ? std::nullopt : list->root().valueForKey("Data").data()) {
-    model.data = std::make_shared<const Bytes>(Bytes::copyOf(*bytes));
+    model.filelength = bytes->size();
+    if (wanted == Wanted::Photos && mayHold(bytes->size())) {
+      model.data = Bytes::copyOf(*bytes);
+    }
   }
   return model;
 }
 
-std::optional<Bytes> iOS2Decoder::dataOf(const BackupFileModel& photo, Bytes reuse) const {
-  if (!photo.data) {
-    return FileListDecoder::dataOf(photo, std::move(reuse));
+bool iOS2Decoder::mayHold(std::uint64_t bytes) const {
+  const bool may = m_bytesHeld.fetch_add(bytes) + bytes <= m_mostBytesHeld;
+  if (!may) {
+    m_bytesHeld -= bytes;
   }
-  reuse.resize(photo.data->size());
-  std::ranges::copy(photo.data->view(), reuse.data());
-  return reuse;
+  return may;
+}
+
+void iOS2Decoder::loadContents(std::stop_token stop) {
+  m_bytesHeld = 0;
+  FileListDecoder::loadContents(std::move(stop));
+}
+
+std::optional<Bytes> iOS2Decoder::dataOf(const BackupFileModel& photo, Bytes reuse) const {
+  if (photo.data) {
+    reuse.resize(photo.data->size());
+    std::ranges::copy(photo.data->view(), reuse.data());
+    return reuse;
+  }
+  std::optional<Bytes> file = FileListDecoder::dataOf(photo, std::move(reuse));
+  if (!file || !photo.backupFileName.ends_with(singleFormExtension)) {
+    return file;
+  }
+  const auto list = parseDictionary(Bytes::copyOf(*file));
+  const auto bytes = list ? list->root().valueForKey("Data").data() : std::nullopt;
+  return bytes ? Bytes::copyOf(*bytes) : std::move(file);
 }
 
 bool iOS2Decoder::holdsFileOf(const BackupFileModel& photo) const {

@@ -7,17 +7,20 @@
 namespace snaplift {
 
 std::optional<BackupFileModel> iOS3Decoder::readFileModel(const ListedFile& file,
-                                                          PathFilter isWanted) const {
-  const auto info = readDictionaryAtPath(joinPath(backupPath(), file.baseName + ".mdinfo"));
+                                                          Wanted wanted) const {
+  const auto info = readDictionaryOf(file, ".mdinfo");
   const auto bytes = info ? info->root().valueForKey("Metadata").data() : std::nullopt;
   const auto metadata = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
   std::optional<std::string> path = metadata ? textUnderKey(*metadata, "Path") : std::nullopt;
-  if (!path || !isWanted(*path)) {
+  if (!path || !isWanted(*path, wanted)) {
     return std::nullopt;
   }
-  BackupFileModel model = fileModel(file, ".mddata");
-  model.path = std::move(*path);
+  BackupFileModel model = fileModel(file, ".mddata", std::move(*path));
   model.modificationDate = file.modificationTime;
+  if (wanted == Wanted::Inventory) {
+    const auto attributes = contentAttributes(model);
+    model.filelength = attributes ? attributes->size : 0;
+  }
   return model;
 }
 

@@ -18,7 +18,7 @@ protected:
   std::string_view photoDomain() const override { return "MediaDomain"; }
   bool knowsEncryption() const override { return true; }
   std::optional<BackupFileModel> readFileModel(const ListedFile& file,
-                                               PathFilter isWanted) const override;
+                                               Wanted wanted) const override;
 };
 
 }  // namespace snaplift

@@ -17,7 +17,7 @@ const MBDBXReader& iOS4Decoder::reader(std::stop_token stop) {
 }
 
 void iOS4Decoder::loadContents(std::stop_token stop) {
-  setEncrypted(isEncrypted(readDictionary(backupPath(), "manifest.plist")));
+  const bool encrypted = isEncrypted(readDictionary(backupPath(), "manifest.plist"));
   const auto* media = reader(stop).records().entriesOf("MediaDomain");
   if (stop.stop_requested()) {
     m_reader.reset();  // it may hold nothing of what the manifest says
@@ -29,7 +29,7 @@ void iOS4Decoder::loadContents(std::stop_token stop) {
       return row.type() == MBDBXRow::RegularFile && endsLikePhoto(row.path());
     });
   }
-  setPhotos(std::move(photos));
+  setContents(encrypted, std::move(photos));
 }
 
 void iOS4Decoder::visitFiles(const FileVisitor& visit) {

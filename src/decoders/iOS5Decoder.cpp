@@ -17,7 +17,7 @@ iOS5BackupReader& iOS5Decoder::reader() {
 }
 
 void iOS5Decoder::loadContents(std::stop_token stop) {
-  setEncrypted(isEncrypted(readDictionary(backupPath(), "manifest.plist")));
+  const bool encrypted = isEncrypted(readDictionary(backupPath(), "manifest.plist"));
   const auto* cameraRoll = reader().records(stop).entriesOf("CameraRollDomain");
   if (stop.stop_requested()) {
     return;
@@ -27,7 +27,7 @@ void iOS5Decoder::loadContents(std::stop_token stop) {
     std::ranges::copy_if(*cameraRoll, std::back_inserter(photos), endsLikePhoto,
                          &ManifestRecord::path);
   }
-  setPhotos(std::move(photos));
+  setContents(encrypted, std::move(photos));
 }
 
 void iOS5Decoder::visitFiles(const FileVisitor& visit) {

@@ -1,6 +1,8 @@
 // Where the decoders of generations 3 and 2 differ from each other, and what a hostile listing of
 // theirs can do.
 
+#include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,7 @@ using samples::binaryPropertyList;
 using samples::PlistValue;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Pair;
 
 PlistValue mediaFile() {
   return PlistValue::dictionary({{"Domain", "MediaDomain"}});
@@ -148,6 +151,31 @@ TEST_F(FileListDecoders, generation2PrefersThePairAndKeepsTheSingleFormInMemory)
   EXPECT_EQ(textOf(*decoder.dataForFileAtPath(path)), content);
 }
 
+TEST_F(FileListDecoders, generation2ReadsAgainWhatWouldBeTooMuchToHold) {
+  PlistValue::Dictionary files;
+  for (int i = 0; i < 10; ++i) {
+    const std::string base = "base" + std::to_string(i);
+    files.emplace_back(base, homeFile());
+    m_tree.write(
+        base + ".mdbackup",
+        binaryPropertyList(PlistValue::dictionary(
+            {{"Path", base + ".jpg"}, {"Data", PlistValue::data(std::string(100, 'x'))}})));
+  }
+  writeListing(std::move(files));
+  iOS2Decoder decoder(m_tree.root(), 350);
+  std::vector<std::string> paths = decoder.imageFilePaths();
+  ASSERT_EQ(paths.size(), 10u);
+  const auto answers = [&](const std::string& path) {
+    const auto bytes = decoder.dataForFileAtPath(path);
+    return bytes && textOf(*bytes) == std::string(100, 'x');
+  };
+  EXPECT_EQ(std::ranges::count_if(paths, answers), 10);
+  for (int i = 0; i < 10; ++i) {
+    m_tree.write("base" + std::to_string(i) + ".mdbackup", "gone since");
+  }
+  EXPECT_EQ(std::ranges::count_if(paths, answers), 3);
+}
+
 TEST_F(FileListDecoders, namesInAManifestCannotLeaveTheBackup) {
   const TemporaryTree outside;
   outside.write("secret.mdinfo", infoWithPath("secret.jpg"));
@@ -200,6 +228,45 @@ TEST_F(FileListDecoders, aListingOfTheWrongTypeIsEmpty) {
     writeManifest(data);
     EXPECT_THAT(photos<iOS3Decoder>(), IsEmpty());
   }
+}
+
+TEST_F(FileListDecoders, aBaseNameThatIsListedTwiceCountsOnce) {
+  PlistValue::Dictionary files;
+  for (int i = 0; i < 1000; ++i) {
+    files.emplace_back("base", i % 2 ? mediaFile(i) : homeFile());
+  }
+  writeListing(std::move(files));
+  writePhoto("base", "a.jpg");
+  EXPECT_THAT(photos<iOS3Decoder>(), ElementsAre("a.jpg"));
+  EXPECT_THAT(photos<iOS2Decoder>(), ElementsAre("a.jpg"));
+}
+
+TEST_F(FileListDecoders, anInventoryTellsTheLengthOfTheContent) {
+  writeListing(PlistValue::dictionary({{"pair", mediaFile()},
+                                       {"gone", mediaFile()},
+                                       {"homePair", homeFile()},
+                                       {"single", homeFile()},
+                                       {"bare", homeFile()}}));
+  writePhoto("pair", "pair.mov");
+  writePhoto("homePair", "homePair.mov");
+  m_tree.write("gone.mdinfo", infoWithPath("gone.mov"));
+  m_tree.write("single.mdbackup",
+               binaryPropertyList(PlistValue::dictionary(
+                   {{"Path", "single.mov"}, {"Data", PlistValue::data(std::string(77, 'x'))}})));
+  const std::string bare = binaryPropertyList(PlistValue::dictionary({{"Path", "bare.mov"}}));
+  m_tree.write("bare.mdbackup", bare);
+
+  const auto lengths = [](BackupDecoderDelegate&& decoder) {
+    std::map<std::string, std::uint64_t> byPath;
+    decoder.visitFiles(
+        [&](const BackedUpFile& file) { byPath.emplace(std::string(file.path), file.filelength); });
+    return byPath;
+  };
+  EXPECT_THAT(lengths(iOS3Decoder(m_tree.root())),
+              ElementsAre(Pair("gone.mov", 0), Pair("pair.mov", 15)));
+  EXPECT_THAT(
+      lengths(iOS2Decoder(m_tree.root())),
+      ElementsAre(Pair("bare.mov", bare.size()), Pair("homePair.mov", 19), Pair("single.mov", 77)));
 }
 
 TEST_F(FileListDecoders, theOldestOfTwoRecordsOfOnePathAnswers) {

@@ -108,6 +108,26 @@ TEST_F(ManifestDecoders, theLastOfTwoEntriesOfOneUniquePathAnswers) {
   EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("a.jpg"))), "last");
 }
 
+TEST_F(ManifestDecoders, findEachOfManyPhotos) {
+  std::vector<ManifestEntry> entries;
+  for (int i = 0; i < 2000; ++i) {
+    entries.push_back({.path = "IMG_" + std::to_string(i) + ".JPG", .filelength = 1});
+  }
+  writeManifest(entries);
+  for (const int i : {0, 777, 1999}) {
+    const std::string number = std::to_string(i);
+    m_tree.write(samples::contentName("CameraRollDomain", "IMG_" + number + ".JPG"), number);
+  }
+  iOS5Decoder decoder(m_tree.root());
+  int held = 0;
+  for (const std::string& path : decoder.imageFilePaths()) {
+    held += decoder.holdsFileAtPath(path);
+  }
+  EXPECT_EQ(held, 3);
+  EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("IMG_777.JPG"))), "777");
+  EXPECT_FALSE(decoder.dataForFileAtPath(m_tree.path("IMG_777.jpg")));
+}
+
 TEST_F(ManifestDecoders, takeBooleansAndNumbersAsTheFlagOfEncryption) {
   struct Case {
     PlistValue value;
