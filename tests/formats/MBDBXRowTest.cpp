@@ -52,6 +52,27 @@ TEST(MBDBXRow, withoutDataKnowsNothing) {
             "(null), uniquePath: (null)}");
 }
 
+TEST(MBDBXRow, describesAnEntryOfEitherFile) {
+  const std::string folder = "/root/backup";
+  iOS5MBDBReader reader(
+      Bytes::copyOf(bytesOf(samples::manifestDatabase({{.domain = "MediaDomain",
+                                                        .path = "Media/DCIM/100APPLE/IMG_0001.JPG",
+                                                        .modificationDate = 1318408200,
+                                                        .filelength = 1}}))));
+  std::optional<ManifestRecord> record = reader.nextEntry();
+  record->setBackupFolder(&folder);
+  EXPECT_EQ(MBDBXRow::initWithRecord(*record).description(),
+            "MBDBXRow: {hash: 2a041bfd473c7a136dff7b42e616c84344d7f27a, date: 2011-10-12 08:30:00 "
+            "+0000, type (null), type: 1, domain: MediaDomain, path: "
+            "Media/DCIM/100APPLE/IMG_0001.JPG, uniquePath: "
+            "/root/backup/Media/DCIM/100APPLE/IMG_0001.JPG}");
+
+  const std::string entry = std::string(20, '\x0F') + std::string("\0\0\0\7\xA1\xED", 6);
+  EXPECT_EQ(MBDBXRow::initWithRow(bytesOf(entry)).description(),
+            "MBDBXRow: {hash: 0f0f0f0f0f0f0f0f0f0f0f0f0f0f0f0f0f0f0f0f, date: (null), type a1ed, "
+            "type: 2, domain: (null), path: (null), uniquePath: (null)}");
+}
+
 TEST(MBDBXRow, takesItsTypeFromModeAndLength) {
   std::vector<std::string> lines;
   const LogCapture capture([&](std::string line) { lines.push_back(std::move(line)); });

@@ -144,6 +144,48 @@ TEST(ManifestReader, timesAreSigned) {
   EXPECT_EQ(rfc3339Text(record->addedDate()), "2038-01-19T03:14:07Z");
 }
 
+TEST(ManifestReader, readsFieldsOfTheGreatestLength) {
+  const auto longest = [](char c) { return std::string(65533, c) + '\0'; };
+  ManifestEntry entry{.domain = longest('d'),
+                      .path = longest('p'),
+                      .linkTarget = longest('l'),
+                      .dataHash = longest('\xAB'),
+                      .something = longest('s')};
+  for (int i = 0; i < 255; ++i) {
+    entry.properties.emplace_back("name" + std::to_string(i), std::to_string(i) + '\0');
+  }
+  entry.properties[254].second = longest('v');
+  iOS5MBDBReader reader = readerOver(std::vector{entry, ManifestEntry{.path = "next"}});
+  const auto record = reader.nextEntry();
+  ASSERT_TRUE(record);
+  EXPECT_EQ(record->domain(), entry.domain);
+  EXPECT_EQ(record->path(), entry.path);
+  EXPECT_EQ(record->linkTarget(), entry.linkTarget);
+  EXPECT_EQ(record->dataHash().size(), 2 * entry.dataHash->size());
+  EXPECT_EQ(record->something(), entry.something);
+  EXPECT_EQ(record->properties().size(), 255u);
+  for (const auto& [name, value] : entry.properties) {
+    EXPECT_THAT(record->valueForKey(name), Optional(VariantWith<std::string>(value))) << name;
+  }
+  EXPECT_EQ(record->keys().size(), 12u + 255u);
+  EXPECT_EQ(reader.nextEntry()->path(), "next");
+}
+
+TEST(ManifestReader, readsAnEntryAnywhereAndGoesOnFromThere) {
+  iOS5MBDBReader reader =
+      readerOver(std::vector{ManifestEntry{.path = "one"}, ManifestEntry{.path = "two"}});
+  reader.nextEntry();
+  const std::uint64_t second = reader.position();
+  EXPECT_EQ(reader.nextEntry()->path(), "two");
+  EXPECT_EQ(reader.dictionaryFromOffset(6)->path(), "one");
+  EXPECT_EQ(reader.position(), second);
+  EXPECT_EQ(reader.nextEntry()->path(), "two");
+  for (const std::uint64_t offset : {second + 1, second + 1000, ~std::uint64_t{0}}) {
+    EXPECT_FALSE(reader.dictionaryFromOffset(offset)) << offset;
+    EXPECT_FALSE(reader.nextEntry()) << offset;
+  }
+}
+
 TEST(ManifestReader, dropsTheEntryThatTheEndCutsOff) {
   const std::vector<ManifestEntry> entries = {
       {.domain = "D", .path = "one"},
