@@ -1,0 +1,123 @@
+// Loading a backup of generation 3, whose photos are told by thousands of small files; and finding
+// a photo by its unique path.
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "bench/PageCache.h"
+#include "bench/Ratio.h"
+#include "decoders/iOS3Decoder.h"
+#include "decoders/iOS5Decoder.h"
+#include "foundation/TemporaryFolder.h"
+#include "samples/BackupWriter.h"
+
+namespace snaplift {
+namespace {
+
+constexpr std::size_t infoFileCount = 20'000;
+constexpr std::size_t photoCount = 10'000;
+
+std::string photoPath(std::size_t i) {
+  return "Media/DCIM/" + std::to_string(100 + i / 1000) + "APPLE/IMG_" + std::to_string(i) + ".JPG";
+}
+
+// A backup of photos without their content; property lists are binary, as devices wrote them.
+void writeBackup(const std::string& folder, samples::Generation generation, std::size_t photos) {
+  samples::SampleBackup backup{.generation = generation,
+                               .deviceName = "Phone",
+                               .productVersion = "3.1",
+                               .encoding = samples::PropertyListEncoding::Binary};
+  for (std::size_t i = 0; i < photos; ++i) {
+    backup.files.push_back({.domain = std::string(samples::photoDomain(generation)),
+                            .path = photoPath(i),
+                            .content = "photo",
+                            .modificationDate = static_cast<std::uint32_t>(i * 7919 % photos),
+                            .contentMissing = true});
+  }
+  samples::writeBackup(folder, backup);
+}
+
+// The floor: what cannot be saved by a reader of all info files, in the order of the manifest.
+bool opensEach(const std::vector<std::string>& paths) {
+  char buffer[4096];
+  for (const std::string& path : paths) {
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const ssize_t count = ::read(file, buffer, sizeof buffer);
+    if (::close(file) != 0 || count <= 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void makeCold(const std::vector<std::string>& paths) {
+  if (!bench::evictFromPageCache(paths)) {
+    throw std::runtime_error("the page cache does not let go");
+  }
+}
+
+bool loadsGeneration3(const std::string& folder) {
+  iOS3Decoder decoder(folder);
+  decoder.loadContents();
+  return decoder.imageFilePaths().size() == infoFileCount;
+}
+
+// A decoder that shows how it finds a photo; asked for its bytes, it would open a file.
+class Finder : public iOS5Decoder {
+public:
+  using iOS5Decoder::iOS5Decoder;
+  using iOS5Decoder::photoAtPath;
+};
+
+bool findsEach(const Finder& finder, const std::vector<std::string>& paths) {
+  return std::ranges::all_of(paths, [&](const auto& path) { return finder.photoAtPath(path); });
+}
+
+// What has to be done without an index: the last photo of that path is meant.
+bool findsEachByScanning(const std::vector<std::string>& paths) {
+  return std::ranges::all_of(paths, [&](const std::string& wanted) {
+    const std::string* found = nullptr;
+    for (const std::string& path : paths) {
+      if (path == wanted) {
+        found = &path;
+      }
+    }
+    return found != nullptr;
+  });
+}
+
+}  // namespace
+}  // namespace snaplift
+
+int main(int argc, char** argv) {
+  using namespace snaplift;
+  const std::string three = temporaryFolder() + "/three";
+  const std::string five = temporaryFolder() + "/five";
+  writeBackup(three, samples::Generation::Three, infoFileCount);
+  writeBackup(five, samples::Generation::Five, photoCount);
+  std::vector<std::string> infoFiles;
+  for (std::size_t i = 0; i < infoFileCount; ++i) {
+    infoFiles.push_back(three + "/" + samples::contentName("MediaDomain", photoPath(i)) +
+                        ".mdinfo");
+  }
+  Finder finder(five);
+  const std::vector<std::string>& photos = finder.imageFilePaths();
+
+  bench::Ratios ratios;
+  ratios.group("20,000 info files of generation 3", bench::PageCache::Hot)
+      .floor("open, read and close", [&] { return opensEach(infoFiles); })
+      .subject("load", 0.95, [&] { return loadsGeneration3(three); });
+  ratios.group("20,000 info files of generation 3, cold", bench::PageCache::Cold)
+      .beforeEach([&] { makeCold(infoFiles); })
+      .floor("open, read and close", [&] { return opensEach(infoFiles); })
+      .subject("load", 0.6, [&] { return loadsGeneration3(three); });
+  ratios.group("10,000 photos by unique path", bench::PageCache::Hot)
+      .floor("scan", [&] { return photos.size() == photoCount && findsEachByScanning(photos); })
+      .subject("look up", 0.01, [&] { return findsEach(finder, photos); });
+  return ratios.run(argc, argv);
+}
