@@ -1,5 +1,6 @@
 #include "foundation/Log.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <mutex>
 #include <utility>
@@ -28,34 +29,64 @@ LogCapture::Sink& currentSink() {
   return sink;
 }
 
+// The bytes of the UTF-8 character at the beginning of `text`; 1 for a byte that begins none.
+std::size_t characterLength(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text.front());
+  const std::size_t length = first < 0xC2 || first > 0xF4 ? 1
+                             : first < 0xE0               ? 2
+                             : first < 0xF0               ? 3
+                                                          : 4;
+  const std::string_view rest = text.substr(1, length - 1);
+  const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+  return rest.size() == length - 1 && std::ranges::all_of(rest, continues) ? length : 1;
+}
+
+// U+0080 to U+009F, as the second byte of their UTF-8 or as the one byte of older encodings:
+// terminals take 0x9B for the beginning of a command, like ESC and "[".
+bool isLatterControl(char c) {
+  return (static_cast<unsigned char>(c) & 0xE0) == 0x80;
+}
+
+void appendEscaped(std::string& text, char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  switch (c) {
+    case '\n':
+      text += "\\n";
+      break;
+    case '\r':
+      text += "\\r";
+      break;
+    case '\t':
+      text += "\\t";
+      break;
+    case '\\':
+      text += "\\\\";
+      break;
+    default:
+      if (byte < 0x20 || byte == 0x7F || isLatterControl(c)) {
+        constexpr char digits[] = "0123456789abcdef";
+        text += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
+      } else {
+        text += c;
+      }
+  }
+}
+
 }  // namespace
 
 std::string escapedForLog(std::string_view text) {
   std::string escaped;
   escaped.reserve(text.size());
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    switch (c) {
-      case '\n':
-        escaped += "\\n";
-        break;
-      case '\r':
-        escaped += "\\r";
-        break;
-      case '\t':
-        escaped += "\\t";
-        break;
-      case '\\':
-        escaped += "\\\\";
-        break;
-      default:
-        if (byte < 0x20 || byte == 0x7F) {
-          constexpr char digits[] = "0123456789abcdef";
-          escaped += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
-        } else {
-          escaped += c;
-        }
+  while (!text.empty()) {
+    const std::size_t length = characterLength(text);
+    if (length == 1) {
+      appendEscaped(escaped, text.front());
+    } else if (length == 2 && text[0] == '\xc2' && isLatterControl(text[1])) {
+      appendEscaped(escaped, text[1]);
+    } else {
+      escaped += text.substr(0, length);
     }
+    text.remove_prefix(length);
   }
   return escaped;
 }

@@ -12,8 +12,9 @@ namespace snaplift {
 // (see escapedForLog): names come from backups, and no name may forge a line.
 void systemLog(std::string_view message);
 
-// `text` with each control character (below 0x20, and 0x7F) as "\n", "\t", "\r" or "\x1b", a
-// backslash as "\\", and everything else as it is.
+// `text` with each control character (below 0x20, and 0x7F to 0x9F, of which a terminal obeys 0x9B
+// like an escape) as "\n", "\t", "\r" or "\x1b", a backslash as "\\", and everything else as it is,
+// bytes that are no UTF-8 included.
 std::string escapedForLog(std::string_view text);
 
 // Sends the lines (escaped, without a line end) to `sink` instead, for as long as this object
