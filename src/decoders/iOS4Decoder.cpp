@@ -35,6 +35,9 @@ void iOS4Decoder::loadContents(std::stop_token stop) {
 void iOS4Decoder::visitFiles(const FileVisitor& visit) {
   for (const auto& [domain, rows] : reader().records().map()) {
     for (const MBDBXRow& row : rows) {
+      if (row.filelength() == 0) {
+        continue;  // a folder, a link, or nothing to show
+      }
       const std::string filename = row.hash().value_or(std::string());
       visit({domain, row.path(), filename, row.filelength(), row.modificationDate(), row.type()});
     }
