@@ -25,7 +25,7 @@ void printReport(const BackupModel& backup, std::size_t listed,
             " present, " + countText(missing.size()) + " missing" +
             (backup.encrypted() ? ", encrypted" : ""));
   for (const std::string& uniquePath : missing) {
-    printLine("  missing: " + uniquePath.substr(backup.path().size() + 1));
+    printLine("  missing: " + std::string(pathOnDevice(backup, uniquePath)));
   }
 }
 

@@ -1,10 +1,11 @@
 #include <algorithm>
-#include <atomic>
 #include <mutex>
 #include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <unistd.h>
 
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
@@ -12,12 +13,14 @@
 #include "cli/ProgressBar.h"
 #include "cli/Selection.h"
 #include "foundation/Parallel.h"
+#include "foundation/Path.h"
 #include "library/ExportDestination.h"
 
 namespace snaplift::cli {
 namespace {
 
 struct Summary {
+  std::uint64_t processed = 0;  // whatever came of them
   std::uint64_t exported = 0;
   std::uint64_t renamed = 0;
   std::uint64_t failed = 0;
@@ -46,7 +49,12 @@ bool addDevice(ChosenBackups& chosen, const Selection& root, const std::string& 
       return true;
     }
   }
-  printMessage("no device called " + name + " in " + root.path());
+  std::string others;
+  for (const DeviceModel* device : root.devices()) {
+    others += device->name() ? (others.empty() ? "" : ", ") + *device->name() : "";
+  }
+  printMessage("no device called " + name + " in " + root.path() +
+               (others.empty() ? "" : "; there are: " + others));
   return false;
 }
 
@@ -88,46 +96,61 @@ std::vector<ImageItem*> photosOf(const std::vector<BackupModel*>& backups, bool&
   return photos;
 }
 
+std::string failureText(const ImageItem& photo, const FileError& error) {
+  return "failed: " + (error.path == photo.path() ? "" : photo.path() + ": ") +
+         error.description();
+}
+
 // Reports photos one by one, from any thread, and counts them.
 class Report {
 public:
   Report(std::size_t total, bool json) : m_json(json), m_progress(total) {}
 
   void add(const ImageItem& photo, const ExtractOutcome& outcome) {
-    m_progress.advance(outcome.bytes);
     const std::lock_guard lock(m_mutex);
-    const std::optional<std::string> error =
-        outcome.error ? std::optional(outcome.error->description()) : std::nullopt;
-    if (m_json) {
-      printJson({{"message_type", "photo"},
-                 {"uniquePath", photo.path()},
-                 {"written", outcome.written.empty() ? Json(nullptr) : Json(outcome.written)},
-                 {"error", jsonText(error)}});
-    } else if (error) {
-      printMessage("failed: " + *error);
-    } else {
-      printLine(outcome.written.empty() ? photo.path() : outcome.written);
+    if (m_outputIsTerminal || outcome.error) {
+      m_progress.hide();
     }
-    m_summary.failed += error ? 1 : 0;
+    print(photo, outcome);
+    ++m_summary.processed;
+    m_summary.failed += outcome.error ? 1 : 0;
     m_summary.exported += outcome.written.empty() ? 0 : 1;
     m_summary.renamed += outcome.renamed ? 1 : 0;
     m_summary.bytes += outcome.bytes;
+    m_progress.advance(outcome.bytes);
   }
 
   // To be called when no thread adds any more.
   const Summary& summary() const { return m_summary; }
 
 private:
+  void print(const ImageItem& photo, const ExtractOutcome& outcome) const {
+    const std::string& written = outcome.written;
+    if (m_json) {
+      printJson({{"message_type", "photo"},
+                 {"uniquePath", photo.path()},
+                 {"written", written.empty() ? Json(nullptr) : Json(written)},
+                 {"error", outcome.error ? Json(outcome.error->description()) : Json(nullptr)}});
+    } else if (outcome.error) {
+      printMessage(failureText(photo, *outcome.error));
+    } else {
+      printLine(written.empty() ? photo.path() : written);
+    }
+  }
+
   const bool m_json;
+  const bool m_outputIsTerminal = ::isatty(STDOUT_FILENO);
   ProgressBar m_progress;
   std::mutex m_mutex;
   Summary m_summary;
 };
 
-// What a dry run says of a photo: where it would fail, and nothing more; nothing is written.
+// What a dry run says of a photo: why it would fail, and nothing more; nothing is written.
 ExtractOutcome examinePhoto(const ImageItem& photo) {
   ExtractOutcome outcome;
-  if (const auto bytes = photo.imageRepresentation(); !bytes) {
+  if (!isFileName(photo.fileName())) {
+    outcome.error = FileError::invalidFileName(photo.path());
+  } else if (!photo.imageRepresentation()) {
     outcome.error = FileError::unreadable(photo.path());
   }
   return outcome;
@@ -154,7 +177,18 @@ Summary exportAll(const std::vector<ImageItem*>& photos, const ExportOptions& op
   return report.summary();
 }
 
-void printSummary(const Summary& summary, const ExportOptions& options) {
+std::string summaryText(const Summary& summary, bool dryRun) {
+  if (dryRun) {
+    return "dry run, nothing was written: " +
+           countText(summary.processed - summary.failed, "photo") + " can be exported, " +
+           countText(summary.failed) + " cannot";
+  }
+  return countText(summary.exported, "photo") + " exported (" + sizeText(summary.bytes) + "), " +
+         countText(summary.renamed) + " under a numbered name, " + countText(summary.failed) +
+         " failed";
+}
+
+void printSummary(const Summary& summary, std::size_t total, const ExportOptions& options) {
   if (options.json) {
     printJson({{"message_type", "summary"},
                {"exported", summary.exported},
@@ -163,12 +197,9 @@ void printSummary(const Summary& summary, const ExportOptions& options) {
                {"bytes", summary.bytes}});
     return;
   }
-  printMessage(options.dryRun
-                   ? "dry run, nothing was written; " + countText(summary.failed, "photo") +
-                         " would fail"
-                   : countText(summary.exported, "photo") + " exported (" +
-                         sizeText(summary.bytes) + "), " + countText(summary.renamed) +
-                         " under a numbered name, " + countText(summary.failed) + " failed");
+  const std::uint64_t left = total - summary.processed;
+  printMessage((interrupted() ? "interrupted: " : "") + summaryText(summary, options.dryRun) +
+               (left > 0 ? ", " + countText(left) + " not begun" : ""));
 }
 
 }  // namespace
@@ -185,10 +216,11 @@ ExitStatus exportPhotos(const ExportOptions& options) {
     return Failed;
   }
   catchInterrupts();
+  printLinesAtOnce();
   bool someEncrypted = false;
   const std::vector<ImageItem*> photos = photosOf(chosen->backups, someEncrypted);
   const Summary summary = exportAll(photos, options);
-  printSummary(summary, options);
+  printSummary(summary, photos.size(), options);
   if (interrupted()) {
     return Interrupted;
   }

@@ -30,11 +30,6 @@ Json rootJson(const Selection& selection) {
   return {{"root", selection.path()}, {"devices", std::move(devices)}};
 }
 
-// A photo's path on the device: its unique path without the backup folder.
-std::string_view devicePath(const BackupModel& backup, std::string_view uniquePath) {
-  return uniquePath.substr(backup.path().size() + 1);
-}
-
 Json photosJson(BackupModel& backup) {
   Json photos = Json::array();
   for (const auto& item : backup.imageItems()) {
@@ -58,15 +53,21 @@ Json fileJson(const BackedUpFile& file) {
   return json;
 }
 
-Json filesJson(BackupModel& backup) {
-  Json domains = Json::array();
+// One value, printed piece by piece: as a whole, the files of a large backup would take gigabytes.
+void printFilesJson(BackupModel& backup) {
+  std::optional<std::string> domain;
+  printJsonPart("{\"path\":" + jsonLineText(backup.path()) + ",\"domains\":[");
   backup.visitFiles([&](const BackedUpFile& file) {
-    if (domains.empty() || domains.back()["domain"] != file.domain) {
-      domains.push_back({{"domain", std::string(file.domain)}, {"files", Json::array()}});
+    if (domain != file.domain) {
+      printJsonPart(domain ? "]},{\"domain\":" : "{\"domain\":");
+      domain = file.domain;
+      printJsonPart(jsonLineText(*domain) + ",\"files\":[");
+    } else {
+      printJsonPart(",");
     }
-    domains.back()["files"].push_back(fileJson(file));
+    printJsonPart(jsonLineText(fileJson(file)));
   });
-  return {{"path", backup.path()}, {"domains", std::move(domains)}};
+  printJsonPart(domain ? "]}]}\n" : "]}\n");
 }
 
 std::string fileLine(const BackedUpFile& file) {
@@ -112,7 +113,7 @@ ExitStatus listPhotos(const std::string& path, bool json) {
     return Done;
   }
   for (const std::string& uniquePath : backup->imagePaths()) {
-    printLine(devicePath(*backup, uniquePath));
+    printLine(pathOnDevice(*backup, uniquePath));
   }
   printMessage(countText(backup->imagePaths().size(), "photo") +
                (backup->encrypted() ? ", encrypted: they cannot be exported" : ""));
@@ -125,9 +126,10 @@ ExitStatus listFiles(const std::string& path, bool json) {
     return NoSuchBackup;
   }
   if (json) {
-    printJson(filesJson(*backup));
+    printFilesJson(*backup);
     return Done;
   }
+  std::uint64_t files = 0, bytes = 0;
   std::optional<std::string> domain;
   backup->visitFiles([&](const BackedUpFile& file) {
     if (domain != file.domain) {
@@ -135,7 +137,10 @@ ExitStatus listFiles(const std::string& path, bool json) {
       printHeading(*domain);
     }
     printLine(fileLine(file));
+    ++files;
+    bytes += file.filelength;
   });
+  printMessage(countText(files, "file") + ", " + sizeText(bytes));
   return Done;
 }
 

@@ -1,9 +1,12 @@
 #include "cli/Output.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <system_error>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "foundation/Log.h"
@@ -11,8 +14,14 @@
 namespace snaplift::cli {
 namespace {
 
-void write(std::FILE* stream, std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stream);
+int outputError = 0;  // of the first write to the standard output that failed
+
+void write(std::string_view text) {
+  // The count that fwrite answers says nothing of a line that could not be flushed.
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  if (std::ferror(stdout) && outputError == 0) {
+    outputError = errno;
+  }
 }
 
 bool outputHasColour() {
@@ -22,21 +31,56 @@ bool outputHasColour() {
 
 }  // namespace
 
+void occupyStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) < 0) {
+      ::open("/dev/null", O_RDONLY);  // takes the lowest free number; a write to it still fails
+    }
+  }
+}
+
+void printLinesAtOnce() {
+  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+}
+
 Json jsonText(const std::optional<std::string>& text) {
   return text ? Json(*text) : Json(nullptr);
 }
 
+std::string jsonLineText(const Json& value) {
+  const std::string json = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+  std::string text;
+  text.reserve(json.size());
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    // What JSON lets stand and terminals obey: U+007F, and U+0080 to U+009F in two bytes.
+    if (json[i] == '\x7f') {
+      text += "\\u007f";
+    } else if (json[i] == '\xc2' && static_cast<unsigned char>(json[i + 1]) < 0xA0) {
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned char>(json[++i]));
+      text += escape;
+    } else {
+      text += json[i];
+    }
+  }
+  return text;
+}
+
+void printJsonPart(std::string_view part) {
+  write(part);
+}
+
 void printJson(const Json& value) {
-  write(stdout, value.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
+  write(jsonLineText(value) + "\n");
 }
 
 void printLine(std::string_view line) {
-  write(stdout, escapedForLog(line) + "\n");
+  write(escapedForLog(line) + "\n");
 }
 
 void printHeading(std::string_view heading) {
   const bool colour = outputHasColour();
-  write(stdout, (colour ? "\x1b[1m" : "") + escapedForLog(heading) + (colour ? "\x1b[0m\n" : "\n"));
+  write((colour ? "\x1b[1m" : "") + escapedForLog(heading) + (colour ? "\x1b[0m\n" : "\n"));
 }
 
 void printMessage(std::string_view message) {
@@ -68,7 +112,13 @@ std::string sizeText(std::uint64_t bytes) {
 }
 
 bool flushOutput() {
-  return std::fflush(stdout) == 0 && !std::ferror(stdout);
+  if (outputError == 0 && std::fflush(stdout) != 0) {
+    outputError = errno;
+  }
+  if (outputError != 0) {
+    printMessage("the output is not complete: " + std::generic_category().message(outputError));
+  }
+  return outputError == 0;
 }
 
 }  // namespace snaplift::cli

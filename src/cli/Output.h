@@ -11,24 +11,38 @@
 namespace snaplift::cli {
 
 // The program's two streams: data on the standard output, everything else on the standard error.
+// No name of a backup can forge a line there or command a terminal: control characters are escaped
+// in text and in JSON.
 
 using Json = nlohmann::ordered_json;
+
+// To be called before anything else. A standard stream that the program was started without gets
+// the null device: its number would otherwise go to the next file that is opened, a photo, and a
+// report would be written into that.
+void occupyStandardStreams();
+
+// From here on every line of the standard output leaves the program at once, for whoever watches
+// a long command through a pipe. To be called before the first line.
+void printLinesAtOnce();
 
 // A text of a backup as JSON, bytes kept; null where it is absent. Bytes that are no UTF-8 become
 // U+FFFD when the value is printed.
 Json jsonText(const std::optional<std::string>& text);
 
+// A value as printJson() prints it, for a value that is too large to be made as a whole.
+std::string jsonLineText(const Json& value);
+void printJsonPart(std::string_view part);
+
 // Prints a value on one line of the standard output.
 void printJson(const Json& value);
 
-// Prints one line of data. Control characters of `line` are escaped: no name can forge a line or
-// command the terminal.
+// Prints one line of data.
 void printLine(std::string_view line);
 
 // Prints a heading among lines of data, bold where colour is wanted.
 void printHeading(std::string_view heading);
 
-// Tells the user something that is no data: one line on the standard error, escaped likewise.
+// Tells the user something that is no data: one line on the standard error.
 void printMessage(std::string_view message);
 
 // "12,345".
@@ -40,7 +54,8 @@ std::string countText(std::uint64_t count, std::string_view thing);
 // "58.3 MB", in powers of 1000 as file managers count.
 std::string sizeText(std::uint64_t bytes);
 
-// Flushes the standard output. False where data was lost on the way: a full disk, a closed pipe.
+// Flushes the standard output. False, and a message to the user, where data was lost on the way: a
+// full disk, a closed pipe.
 bool flushOutput();
 
 }  // namespace snaplift::cli

@@ -1,5 +1,6 @@
 #include "cli/ProgressBar.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -10,37 +11,41 @@
 namespace snaplift::cli {
 namespace {
 
-constexpr int barWidth = 32;
+// With the counts of a large export the line stays below the 80 columns of a small terminal.
+constexpr std::size_t barWidth = 32;
 constexpr auto drawInterval = std::chrono::milliseconds(100);
-constexpr const char* clearLine = "\r\x1b[K";
 
 }  // namespace
 
 ProgressBar::ProgressBar(std::uint64_t total)
     : m_total(total), m_visible(total > 0 && ::isatty(STDERR_FILENO)) {}
 
-ProgressBar::~ProgressBar() {
-  if (m_visible) {
-    std::fputs(clearLine, stderr);
-  }
-}
-
 void ProgressBar::advance(std::uint64_t bytes) {
-  const std::lock_guard lock(m_mutex);
   ++m_done;
   m_bytes += bytes;
   const auto now = std::chrono::steady_clock::now();
-  if (m_visible && (m_done == m_total || now - m_lastDrawn >= drawInterval)) {
+  if (m_visible && (m_drawnWidth == 0 || m_done == m_total || now - m_lastDrawn >= drawInterval)) {
     m_lastDrawn = now;
     draw();
   }
 }
 
+void ProgressBar::hide() {
+  if (m_drawnWidth > 0) {
+    std::fputs(("\r" + std::string(m_drawnWidth, ' ') + "\r").c_str(), stderr);
+    m_drawnWidth = 0;
+  }
+}
+
 void ProgressBar::draw() {
   const auto filled = static_cast<std::size_t>(barWidth * m_done / m_total);
-  std::fprintf(stderr, "%s[%s%s] %s of %s, %s", clearLine, std::string(filled, '#').c_str(),
-               std::string(barWidth - filled, ' ').c_str(), countText(m_done).c_str(),
-               countText(m_total, "photo").c_str(), sizeText(m_bytes).c_str());
+  std::string line = "[" + std::string(filled, '#') + std::string(barWidth - filled, ' ') + "] " +
+                     countText(m_done) + " of " + countText(m_total, "photo") + ", " +
+                     sizeText(m_bytes);
+  const std::size_t width = line.size();
+  line.resize(std::max(width, m_drawnWidth), ' ');  // over what is left of a longer one
+  std::fputs(("\r" + line).c_str(), stderr);
+  m_drawnWidth = width;
 }
 
 }  // namespace snaplift::cli
