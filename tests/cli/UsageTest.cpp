@@ -1,0 +1,76 @@
+// The command line itself: what it accepts, and how it answers what it does not.
+
+#include <string>
+#include <vector>
+
+#include "CommandLineTest.h"
+
+namespace snaplift {
+namespace {
+
+using testing::HasSubstr;
+
+using UsageTest = CommandLineTest;
+
+TEST_F(UsageTest, saysWhatIsWrongWithACommandLine) {
+  const std::string out = m_tree.makeFolder("out");
+  struct Case {
+    std::vector<std::string> arguments;
+    const char* error;
+  };
+  const Case cases[] = {
+      {{}, "name a command: list, photos, files, check or export"},
+      {{"copy"}, "name a command"},
+      {{"list", "a", "b"}, "not expected: b; see snaplift-cli list --help"},
+      {{"photos"}, "BACKUP is required; see snaplift-cli photos --help"},
+      {{"files"}, "BACKUP is required"},
+      {{"export", "-o", out}, "BACKUP or --device is required"},
+      {{"export", "b"}, "--output is required"},
+      {{"export", "b", "-o"}, "--output"},
+      {{"export", "b", "-o", out, "-j", "0"}, "--jobs"},
+      {{"export", "b", "-o", out, "-j", "many"}, "--jobs"},
+      {{"export", "-o", out, "-d"}, "--device"},
+      {{"export", "b", "-o", out, "--colour"}, "--colour"},
+  };
+  for (const Case& c : cases) {
+    const ProgramResult result = run(c.arguments);
+    EXPECT_EQ(result.status, 2) << testing::PrintToString(c.arguments);
+    EXPECT_EQ(result.output, "") << testing::PrintToString(c.arguments);
+    EXPECT_THAT(result.errors, HasSubstr(c.error)) << testing::PrintToString(c.arguments);
+  }
+}
+
+TEST_F(UsageTest, beginsItsHelpWithExamples) {
+  const ProgramResult help = run({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_EQ(help.output.find("Examples:\n  snaplift-cli list "), 0u) << help.output;
+  EXPECT_EQ(run({"-h"}).output, help.output);
+  for (const char* command : {"list", "photos", "files", "check", "export"}) {
+    EXPECT_THAT(help.output, HasSubstr(std::string("\n  ") + command + " "));
+    const ProgramResult own = run({command, "--help"});
+    EXPECT_EQ(own.status, 0);
+    EXPECT_THAT(own.output, HasSubstr("Exit status: 0 done")) << command;
+  }
+  EXPECT_THAT(run({"--version"}).output, testing::MatchesRegex("snaplift-cli [0-9.]+\n"));
+}
+
+TEST_F(UsageTest, failsWhereItsOutputIsLost) {
+  const std::string backup = writeBackup("b", layouts[4], "Phone");
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{"list", backup},
+                                             {"photos", backup, "--json"},
+                                             {"files", backup},
+                                             {"check", backup},
+                                             {"--help"}}) {
+    for (const Stream lost : {Stream::FullDevice, Stream::Closed}) {
+      ProgramCall call = this->call(arguments);
+      call.output = lost;
+      const ProgramResult result = Program::run(call);
+      EXPECT_EQ(result.status, 1) << testing::PrintToString(arguments);
+      EXPECT_THAT(result.errors, HasSubstr("the output is not complete: "));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace snaplift
