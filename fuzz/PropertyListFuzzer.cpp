@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 
+#include "Require.h"
 #include "foundation/Bytes.h"
 #include "foundation/PropertyList.h"
 #include "foundation/PropertyListBinary.h"
@@ -14,14 +14,9 @@
 namespace snaplift {
 namespace {
 
+using fuzzing::require;
 using Binary = BinaryPropertyList;
 using Kind = PropertyListValue::Kind;
-
-void require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
 
 // Reads both ends of what a view promises.
 void touch(std::string_view bytes) {

@@ -11,10 +11,10 @@ namespace snaplift::samples {
 struct Color {
   float r = 0, g = 0, b = 0;
 
-  friend Color operator+(Color a, Color b) { return {a.r + b.r, a.g + b.g, a.b + b.b}; }
-  friend Color operator-(Color a, Color b) { return {a.r - b.r, a.g - b.g, a.b - b.b}; }
-  friend Color operator*(Color a, Color b) { return {a.r * b.r, a.g * b.g, a.b * b.b}; }
-  friend Color operator*(Color a, float f) { return {a.r * f, a.g * f, a.b * f}; }
+  friend Color operator+(Color x, Color y) { return {x.r + y.r, x.g + y.g, x.b + y.b}; }
+  friend Color operator-(Color x, Color y) { return {x.r - y.r, x.g - y.g, x.b - y.b}; }
+  friend Color operator*(Color x, Color y) { return {x.r * y.r, x.g * y.g, x.b * y.b}; }
+  friend Color operator*(Color x, float f) { return {x.r * f, x.g * f, x.b * f}; }
   Color& operator+=(Color other) { return *this = *this + other; }
 };
 

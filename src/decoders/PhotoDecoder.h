@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -66,10 +65,11 @@ protected:
 
   // The photo's record; of several of one unique path the last. Null where there is none.
   const Record* photoAtPath(std::string_view uniquePath) const {
-    const auto sameHash = std::ranges::equal_range(m_index, hashOf(uniquePath), {}, &Place::first);
-    for (const Place& place : std::views::reverse(sameHash)) {
-      if (m_imageFilePaths[place.second] == uniquePath) {
-        return &m_photos[place.second];
+    const std::size_t hash = hashOf(uniquePath);
+    auto place = std::upper_bound(m_index.begin(), m_index.end(), Place(hash, m_photos.size()));
+    while (place != m_index.begin() && (--place)->first == hash) {
+      if (m_imageFilePaths[place->second] == uniquePath) {
+        return &m_photos[place->second];
       }
     }
     return nullptr;

@@ -13,8 +13,7 @@ namespace {
 using manifestFields::bytesFromOffset;
 using manifestFields::fieldFromOffset;
 
-// The fields of fixed width, by their offset from the first of them.
-constexpr std::uint64_t modeOffset = 0;
+// The fields of fixed width, by their offset from the first of them, the two mode bytes.
 constexpr std::uint64_t creationDateOffset = 18;  // behind two mode bytes and 16 unread ones
 constexpr std::uint64_t modificationDateOffset = 22;
 constexpr std::uint64_t addedDateOffset = 26;
