@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QPersistentModelIndex>
 #include <QTreeView>
 #include <memory>
@@ -15,6 +14,7 @@
 #include "toolkit/OutlineRows.h"
 #include "toolkit/OutlineViewDelegate.h"
 #include "toolkit/RowIndexes.h"
+#include "toolkit/TypeSelect.h"
 
 class QMenu;
 
@@ -146,6 +146,7 @@ public:
   // Qt's own questions, answered from the rows above.
   QRect visualRect(const QModelIndex& index) const override;
   QModelIndex indexAt(const QPoint& point) const override;
+  void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
   void keyboardSearch(const QString& search) override;
   void selectAll() override;
   void doItemsLayout() override;
@@ -203,7 +204,8 @@ private:
   void moveTo(int row, Qt::KeyboardModifiers modifiers);
   void moveTowardsParent();
   void moveTowardsChildren();
-  void actOnFocusedRow(Qt::KeyboardModifiers modifiers);
+  void pressSpace(Qt::KeyboardModifiers modifiers);
+  void selectTyped(const QString& typed);
   bool popUpMenu(QMouseEvent& event);
 
   void pressRow(int row, QMouseEvent* event);
@@ -234,8 +236,7 @@ private:
   QPersistentModelIndex m_lastPressed;      // a double click there is one
   QPersistentModelIndex m_pressedTriangle;  // while the button is down
   QPersistentModelIndex m_pressedSelected;  // one of several selected rows, while a drag may begin
-  QString m_searchText;                     // what was typed so far
-  QElapsedTimer m_sinceSearchKey;
+  TypeSelect m_typeSelect;
   std::optional<QPointF> m_dropPoint;  // where the last drag was
 };
 

@@ -2,6 +2,7 @@
 #include <QHeaderView>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOption>
 #include <algorithm>
@@ -70,6 +71,26 @@ QRect OutlineView::visualRect(const QModelIndex& index) const {
 
 QModelIndex OutlineView::indexAt(const QPoint& point) const {
   return indexOfRow(rowAtPoint(point));
+}
+
+// The tree view's own leaves a row that comes in from below cut off by a pixel.
+void OutlineView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+  executeDelayedItemsLayout();
+  rows();
+  const QRectF row = index.isValid() ? rectOfRow(m_model.node(index).row) : QRectF();
+  if (row.isEmpty()) {
+    return;
+  }
+  const double below = row.bottom() - viewport()->height();
+  double distance = 0;
+  if (hint == PositionAtTop || (hint == EnsureVisible && (row.top() < 0 || below > row.top()))) {
+    distance = row.top();
+  } else if (hint == PositionAtBottom || (hint == EnsureVisible && below > 0)) {
+    distance = below;
+  } else if (hint == PositionAtCenter) {
+    distance = row.center().y() - viewport()->height() / 2.0;
+  }
+  verticalScrollBar()->setValue(verticalScrollBar()->value() + qRound(distance));
 }
 
 QRectF OutlineView::frameOfOutlineCellAtRow(int row) {

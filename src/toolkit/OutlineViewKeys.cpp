@@ -1,4 +1,3 @@
-#include <QApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QScrollBar>
@@ -55,11 +54,7 @@ bool OutlineView::moveByKey(const QKeyEvent& event) {
       collapseItem(itemAtRow(focusedRow()));
       return true;
     case Qt::Key_Space:
-      if (!m_searchText.isEmpty() &&
-          m_sinceSearchKey.elapsed() < QApplication::keyboardInputInterval()) {
-        return false;  // a title is being typed
-      }
-      actOnFocusedRow(modifiers);
+      pressSpace(modifiers);
       return true;
     case Qt::Key_Menu:
       showMenuOfFocusedRow();
@@ -165,11 +160,14 @@ void OutlineView::moveTowardsChildren() {
   }
 }
 
-void OutlineView::actOnFocusedRow(Qt::KeyboardModifiers modifiers) {
-  const int row = focusedRow();
-  if (!itemAtRow(row)) {
+void OutlineView::pressSpace(Qt::KeyboardModifiers modifiers) {
+  const QString typed = m_typeSelect.add(" ");
+  if (typed != " ") {
+    selectTyped(typed);  // it belongs to a title that is being typed
     return;
   }
+  m_typeSelect.end();
+  const int row = focusedRow();
   if (!mayProposeRow(row)) {
     toggleItem(itemAtRow(row));
   } else if (modifiers & Qt::ControlModifier) {
@@ -179,21 +177,21 @@ void OutlineView::actOnFocusedRow(Qt::KeyboardModifiers modifiers) {
   }
 }
 
-// Type-ahead: the next row that the user may select whose title begins with what was typed. The
-// same letter again and again goes from one such row to the next.
-void OutlineView::keyboardSearch(const QString& typed) {
-  const bool continues = m_sinceSearchKey.isValid() && !m_searchText.isEmpty() &&
-                         m_sinceSearchKey.elapsed() < QApplication::keyboardInputInterval();
-  const bool repeats = continues && typed == m_searchText;
-  m_searchText = continues && !repeats ? m_searchText + typed : typed;
-  m_sinceSearchKey.start();
+void OutlineView::keyboardSearch(const QString& text) {
+  selectTyped(m_typeSelect.add(text));
+}
 
+// The next row that the user may select whose title begins with what was typed. The same letter
+// again and again goes from one such row to the next.
+void OutlineView::selectTyped(const QString& typed) {
+  const bool sameLetter = typed.count(typed.front(), Qt::CaseInsensitive) == typed.size();
+  const QString beginning = sameLetter ? typed.left(1) : typed;
   const int count = numberOfRows();
-  const int start = std::max(focusedRow(), 0) + (!continues || repeats ? 1 : 0);
+  const int start = std::max(focusedRow() + (sameLetter ? 1 : 0), 0);
   for (int i = 0; i < count; ++i) {
     const int row = (start + i) % count;
     const QString title = objectValueForItem(itemAtRow(row)).toString();
-    if (title.startsWith(m_searchText, Qt::CaseInsensitive) && mayProposeRow(row)) {
+    if (title.startsWith(beginning, Qt::CaseInsensitive) && mayProposeRow(row)) {
       moveTo(row, Qt::NoModifier);
       return;
     }

@@ -127,17 +127,21 @@ TEST_F(KeysTest, deleteKeysAreTold) {
 TEST_F(KeysTest, typingFindsRowsNotGroups) {
   const int interval = QApplication::keyboardInputInterval();
   source.root.children[0].title = "b is a group too";
+  source.root.children[0].children[1].title = "a 2";
   list.reloadData();
-  QTest::keyClicks(&list, "b");
-  EXPECT_EQ(selected(), RowIndexes{4});
-  QApplication::setKeyboardInputInterval(0);  // each key stands alone
-  QTest::keyClicks(&list, "a");
-  EXPECT_EQ(selected(), RowIndexes{1});
-  QApplication::setKeyboardInputInterval(60'000);
-  QTest::keyClicks(&list, "a");
-  EXPECT_EQ(selected(), RowIndexes{2}) << "the same letter again goes on";
-  QTest::keyClicks(&list, "1");
-  EXPECT_EQ(selected(), RowIndexes{1});
+  const auto type = [&](const char* text) {
+    QApplication::setKeyboardInputInterval(0);  // its first key begins anew
+    QTest::keyClick(&list, text[0]);
+    QApplication::setKeyboardInputInterval(60'000);
+    QTest::keyClicks(&list, text + 1);
+    return selected();
+  };
+  EXPECT_EQ(type("b"), RowIndexes{4});
+  EXPECT_EQ(type("a"), RowIndexes{1});
+  EXPECT_EQ(type("aa"), RowIndexes{1}) << "to the second and on to the first";
+  EXPECT_EQ(type("A 2"), RowIndexes{2}) << "the space is typed";
+  EXPECT_EQ(type("a1"), RowIndexes{1});
+  EXPECT_EQ(type("c"), RowIndexes{1});
   QApplication::setKeyboardInputInterval(interval);
 }
 
