@@ -64,7 +64,10 @@ OutlineView::OutlineView(QWidget* parent)
 }
 
 OutlineView::~OutlineView() {
-  // The model, a field, ends before the base does; the base must not reach for it.
+  // The model, a field, ends before the base does; the base must not reach for it. Nor need data
+  // source and delegate be there any more.
+  setDelegate(nullptr);
+  setDataSource(nullptr);
   forgetRows();
   setModel(nullptr);
 }
@@ -123,6 +126,7 @@ bool OutlineView::autoresizesOutlineColumn() const {
 }
 
 void OutlineView::setAutoresizesOutlineColumn(bool autoresizes) {
+  header()->setStretchLastSection(!autoresizes);
   header()->setSectionResizeMode(autoresizes ? QHeaderView::ResizeToContents
                                              : QHeaderView::Stretch);
 }
