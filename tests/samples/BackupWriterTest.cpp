@@ -86,7 +86,8 @@ TEST(BackupWriter, nestsPropertyListsWhereTheGenerationDoes) {
 TEST(BackupWriter, leavesOutWhatIsAskedFor) {
   const TemporaryTree tree;
   SampleBackup backup = backupOf(Generation::Five);
-  backup.deviceName = backup.productVersion = std::nullopt;
+  backup.deviceName.reset();
+  backup.productVersion.reset();
   backup.lowerCaseNames = true;
   backup.files[1].contentMissing = true;
   writeBackup(tree.path("b"), backup);
