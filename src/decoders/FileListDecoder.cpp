@@ -1,8 +1,8 @@
 #include "decoders/FileListDecoder.h"
 
 #include <algorithm>
+#include <functional>
 #include <tuple>
-#include <unordered_set>
 #include <utility>
 
 #include "decoders/BackupPropertyList.h"
@@ -12,23 +12,42 @@
 namespace snaplift {
 namespace {
 
-// The entries of `domain`, in the listing's order. A base name that stands there twice counts once:
-// a small manifest could otherwise have one file read, and kept, a million times.
+// Leaves of the entries with one base name the first: a small manifest could otherwise have one
+// file read, and kept, a million times. The hashes spare most comparisons of names.
+void dropRepeated(std::vector<ListedFile>& files) {
+  std::vector<std::pair<std::size_t, ListedFile*>> order;
+  order.reserve(files.size());
+  for (ListedFile& file : files) {
+    order.emplace_back(std::hash<std::string_view>()(file.baseName), &file);
+  }
+  std::ranges::sort(order, [](const auto& a, const auto& b) {
+    return a.first != b.first
+               ? a.first < b.first
+               : std::tie(a.second->baseName, a.second) < std::tie(b.second->baseName, b.second);
+  });
+  std::string_view previous;
+  for (const auto& [hash, file] : order) {
+    if (file->baseName == previous) {
+      file->baseName = {};  // no file's name
+    } else {
+      previous = file->baseName;
+    }
+  }
+  std::erase_if(files, [](const ListedFile& file) { return file.baseName.empty(); });
+}
+
+// The entries of `domain`, in the listing's order, each base name once.
 std::vector<ListedFile> listedFiles(const PropertyList& listing, std::string_view domain) {
   const PropertyListEntries entries = listing.root().valueForKey("Files").entries();
   std::vector<ListedFile> files;
-  std::unordered_set<std::string_view> seen;
   files.reserve(entries.size());
-  seen.reserve(entries.size());
   for (const auto& [key, description] : entries) {
-    if (!description.valueForKey("Domain").equals(domain)) {
-      continue;
-    }
     const auto baseName = key.string();
-    if (baseName && isFileName(*baseName) && seen.insert(*baseName).second) {
+    if (baseName && isFileName(*baseName) && description.valueForKey("Domain").equals(domain)) {
       files.push_back({*baseName, description.valueForKey("ModificationTime").date()});
     }
   }
+  dropRepeated(files);
   return files;
 }
 
@@ -88,9 +107,11 @@ std::vector<BackupFileModel> FileListDecoder::readFileModels(
     return {};
   }
   const std::vector<ListedFile> files = listedFiles(*listing, photoDomain());
+  const OpenFolder folder(backupPath());
   std::vector<std::optional<BackupFileModel>> read(files.size());
   parallelForFiles(
-      files.size(), [&](std::size_t i) { read[i] = readFileModel(files[i], wanted); }, stop);
+      files.size(), [&](std::size_t i) { read[i] = readFileModel(folder, files[i], wanted); },
+      stop);
   return newestFirst(read);
 }
 
@@ -98,9 +119,10 @@ bool FileListDecoder::isWanted(std::string_view path, Wanted wanted) {
   return wanted == Wanted::Inventory || hasPhotoExtension(path);
 }
 
-std::optional<PropertyList> FileListDecoder::readDictionaryOf(const ListedFile& file,
-                                                              std::string_view extension) const {
-  std::optional<Bytes> bytes = readFile(joinPath(backupPath(), fileName(file, extension)));
+std::optional<PropertyList> FileListDecoder::readDictionaryOf(const OpenFolder& folder,
+                                                              const ListedFile& file,
+                                                              std::string_view extension) {
+  std::optional<Bytes> bytes = folder.readFile(fileName(file, extension));
   return bytes ? parseDictionary(std::move(*bytes)) : std::nullopt;
 }
 
@@ -111,11 +133,6 @@ BackupFileModel FileListDecoder::fileModel(const ListedFile& file, std::string_v
   model.backupFolder = backupPath();
   model.backupFileName = fileName(file, extension);
   return model;
-}
-
-std::optional<FileAttributes> FileListDecoder::contentAttributes(
-    const BackupFileModel& model) const {
-  return fileAttributes(joinPath(backupPath(), model.backupFileName));
 }
 
 std::string FileListDecoder::contentFileName(const BackupFileModel& photo) const {

@@ -45,19 +45,20 @@ protected:
   static bool isWanted(std::string_view path, Wanted wanted);
 
   // The record of one listed file; nothing where the entry's property list is missing or lacks
-  // something, or its path is not wanted. Called from several threads at once.
-  virtual std::optional<BackupFileModel> readFileModel(const ListedFile& file,
+  // something, or its path is not wanted. `folder` is the backup's. Called from several threads at
+  // once.
+  virtual std::optional<BackupFileModel> readFileModel(const OpenFolder& folder,
+                                                       const ListedFile& file,
                                                        Wanted wanted) const = 0;
 
   // The property list in the entry's file of that extension, which begins with its dot.
-  std::optional<PropertyList> readDictionaryOf(const ListedFile& file,
-                                               std::string_view extension) const;
+  static std::optional<PropertyList> readDictionaryOf(const OpenFolder& folder,
+                                                      const ListedFile& file,
+                                                      std::string_view extension);
 
   // A record of this backup whose content is the entry's file of that extension.
   BackupFileModel fileModel(const ListedFile& file, std::string_view extension,
                             std::string path) const;
-
-  std::optional<FileAttributes> contentAttributes(const BackupFileModel& model) const;
 
   std::string contentFileName(const BackupFileModel& photo) const override;
 

@@ -11,6 +11,7 @@
 
 #include "decoders/BackupDecoderDelegate.h"
 #include "foundation/File.h"
+#include "foundation/Parallel.h"
 #include "foundation/Path.h"
 
 namespace snaplift {
@@ -79,21 +80,19 @@ protected:
   void setContents(bool encrypted, std::vector<Record> photos) {
     m_encrypted = encrypted;
     m_photos = std::move(photos);
-    m_imageFilePaths.clear();
-    m_imageFilePaths.reserve(m_photos.size());
-    for (const Record& photo : m_photos) {
-      m_imageFilePaths.push_back(photo.uniquePath());
-    }
-    m_index.clear();
-    m_index.reserve(m_photos.size());
-    for (std::size_t i = 0; i < m_photos.size(); ++i) {
-      m_index.emplace_back(hashOf(m_imageFilePaths[i]), i);
-    }
+    m_imageFilePaths.assign(m_photos.size(), {});
+    m_index.assign(m_photos.size(), {});
+    parallelFor(m_photos.size(), threadsForPaths, [this](std::size_t i) {
+      m_imageFilePaths[i] = m_photos[i].uniquePath();
+      m_index[i] = {hashOf(m_imageFilePaths[i]), i};
+    });
     std::ranges::sort(m_index);
     m_loaded = true;
   }
 
 private:
+  static constexpr unsigned threadsForPaths = 2;
+
   static std::size_t hashOf(std::string_view text) { return std::hash<std::string_view>()(text); }
 
   const std::string m_backupPath;

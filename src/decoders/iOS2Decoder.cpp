@@ -13,12 +13,13 @@ constexpr std::string_view singleFormExtension = ".mdbackup";
 
 }  // namespace
 
-std::optional<BackupFileModel> iOS2Decoder::readFileModel(const ListedFile& file,
+std::optional<BackupFileModel> iOS2Decoder::readFileModel(const OpenFolder& folder,
+                                                          const ListedFile& file,
                                                           Wanted wanted) const {
-  auto list = readDictionaryOf(file, ".mdinfo");
+  auto list = readDictionaryOf(folder, file, ".mdinfo");
   const bool isPair = list.has_value();
   if (!isPair) {
-    list = readDictionaryOf(file, singleFormExtension);
+    list = readDictionaryOf(folder, file, singleFormExtension);
   }
   std::optional<std::string> path = list ? textUnderKey(*list, "Path") : std::nullopt;
   if (!path || !isWanted(*path, wanted)) {
@@ -26,7 +27,7 @@ std::optional<BackupFileModel> iOS2Decoder::readFileModel(const ListedFile& file
   }
   BackupFileModel model =
       fileModel(file, isPair ? pairFormExtension : singleFormExtension, std::move(*path));
-  if (const auto attributes = contentAttributes(model)) {
+  if (const auto attributes = folder.fileAttributes(model.backupFileName)) {
     model.modificationDate = attributes->modificationDate;
     model.filelength = attributes->size;
   }

@@ -31,7 +31,7 @@ public:
 protected:
   std::string_view photoDomain() const override { return "HomeDomain"; }
   bool knowsEncryption() const override { return false; }
-  std::optional<BackupFileModel> readFileModel(const ListedFile& file,
+  std::optional<BackupFileModel> readFileModel(const OpenFolder& folder, const ListedFile& file,
                                                Wanted wanted) const override;
   std::optional<Bytes> dataOf(const BackupFileModel& photo, Bytes reuse) const override;
   bool holdsFileOf(const BackupFileModel& photo) const override;

@@ -17,7 +17,7 @@ public:
 protected:
   std::string_view photoDomain() const override { return "MediaDomain"; }
   bool knowsEncryption() const override { return true; }
-  std::optional<BackupFileModel> readFileModel(const ListedFile& file,
+  std::optional<BackupFileModel> readFileModel(const OpenFolder& folder, const ListedFile& file,
                                                Wanted wanted) const override;
 };
 

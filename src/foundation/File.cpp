@@ -41,11 +41,6 @@ FileType typeOf(mode_t mode) {
                          : FileType::Other;
 }
 
-bool entryExists(const std::string& path) {
-  struct stat status;
-  return ::lstat(path.c_str(), &status) == 0;
-}
-
 bool holdsTooLittle(int descriptor, const struct stat& status) {
   const auto size = static_cast<std::uint64_t>(status.st_size);
   const std::uint64_t needed = size / maximumSparseness;
@@ -69,10 +64,25 @@ bool holdsTooLittle(int descriptor, const struct stat& status) {
 }
 
 // O_NONBLOCK: a FIFO without a writer answers at once and is then seen to be no regular file.
-FileDescriptor openToRead(const std::string& path) {
+FileDescriptor openToRead(const std::string& path, int folder = AT_FDCWD) {
   return FileDescriptor(
-      ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY));
+      ::openat(folder, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY));
 }
+
+std::optional<FileAttributes> attributesOf(const std::string& path, int folder = AT_FDCWD) {
+  struct stat status;
+  if (::fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    return std::nullopt;
+  }
+  return FileAttributes{typeOf(status.st_mode), static_cast<std::uint64_t>(status.st_size),
+                        modificationDateOf(status)};
+}
+
+#ifdef O_PATH
+constexpr int openForSearch = O_PATH;  // asks for no permission to list the folder
+#else
+constexpr int openForSearch = O_RDONLY;
+#endif
 
 // Reads `size` bytes, which must be all that there are. One byte more is asked for: the one call
 // that a small file takes then also tells that the file has not grown.
@@ -104,6 +114,11 @@ std::optional<DatedContent> readOpenFile(const FileDescriptor& file, Bytes reuse
     return std::nullopt;
   }
   return DatedContent{std::move(reuse), modificationDateOf(status)};
+}
+
+std::optional<Bytes> bytesOfOpenFile(const FileDescriptor& file, Bytes reuse) {
+  std::optional<DatedContent> content = readOpenFile(file, std::move(reuse));
+  return content ? std::optional(std::move(content->bytes)) : std::nullopt;
 }
 
 // Calls `visit` for each entry of a folder but "." and "..".
@@ -150,17 +165,22 @@ std::string entryIgnoringCase(const std::string& folder, std::string_view name) 
 }  // namespace
 
 std::optional<FileAttributes> fileAttributes(const std::string& path) {
-  struct stat status;
-  if (::lstat(path.c_str(), &status) != 0) {
-    return std::nullopt;
-  }
-  return FileAttributes{typeOf(status.st_mode), static_cast<std::uint64_t>(status.st_size),
-                        modificationDateOf(status)};
+  return attributesOf(path);
 }
 
 std::optional<Bytes> readFile(const std::string& path, Bytes reuse) {
-  std::optional<DatedContent> content = readOpenFile(openToRead(path), std::move(reuse));
-  return content ? std::optional(std::move(content->bytes)) : std::nullopt;
+  return bytesOfOpenFile(openToRead(path), std::move(reuse));
+}
+
+OpenFolder::OpenFolder(const std::string& path)
+    : m_descriptor(::open(path.c_str(), openForSearch | O_DIRECTORY | O_CLOEXEC)) {}
+
+std::optional<Bytes> OpenFolder::readFile(const std::string& name) const {
+  return m_descriptor ? bytesOfOpenFile(openToRead(name, m_descriptor.get()), {}) : std::nullopt;
+}
+
+std::optional<FileAttributes> OpenFolder::fileAttributes(const std::string& name) const {
+  return m_descriptor ? attributesOf(name, m_descriptor.get()) : std::nullopt;
 }
 
 bool isReadableFolder(const std::string& path) {
@@ -187,11 +207,11 @@ std::vector<std::string> subfolders(const std::string& folder) {
 
 std::string findFile(const std::string& folder, std::string_view name) {
   const std::string exact = joinPath(folder, name);
-  if (name.empty() || entryExists(exact)) {
+  if (name.empty() || attributesOf(exact)) {
     return exact;
   }
   const std::string usual = joinPath(folder, capitalised(name));
-  if (entryExists(usual)) {
+  if (attributesOf(usual)) {
     return usual;
   }
   const std::string entry = entryIgnoringCase(folder, name);
@@ -200,7 +220,7 @@ std::string findFile(const std::string& folder, std::string_view name) {
 
 std::optional<DatedContent> readFoundFile(const std::string& folder, std::string_view name) {
   std::string path = joinPath(folder, name);
-  if (!entryExists(path)) {
+  if (!attributesOf(path)) {
     path = joinPath(folder, capitalised(name));
   }
   const FileDescriptor file = openToRead(path);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "foundation/Bytes.h"
+#include "foundation/FileDescriptor.h"
 #include "foundation/Time.h"
 
 namespace snaplift {
@@ -33,6 +34,18 @@ std::optional<FileAttributes> fileAttributes(const std::string& path);
 // `reuse` is a buffer that is no longer needed: its storage is taken where it is large enough, so
 // that a caller with many files allocates once.
 std::optional<Bytes> readFile(const std::string& path, Bytes reuse = {});
+
+// A folder that is held open, for who reads thousands of its files: the way to it is gone once.
+// Where `path` is no folder, none of its files can be read. `name` is a plain file name.
+class OpenFolder {
+public:
+  explicit OpenFolder(const std::string& path);
+  std::optional<Bytes> readFile(const std::string& name) const;
+  std::optional<FileAttributes> fileAttributes(const std::string& name) const;
+
+private:
+  FileDescriptor m_descriptor;
+};
 
 // A file's content and the date of that same file.
 struct DatedContent {

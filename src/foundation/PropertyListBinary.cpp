@@ -30,7 +30,8 @@ BinaryPropertyList::BinaryPropertyList(Bytes bytes, std::size_t table, unsigned 
       m_referenceSize(referenceSize),
       m_objects(objects),
       m_root(root),
-      m_ranks(objects, 0),
+      m_memoryOfRanks(m_spaceForRanks.data(), m_spaceForRanks.size()),
+      m_ranks(objects, 0, &m_memoryOfRanks),
       m_textUnitsLeft(table / 2) {
   rankContainers();
 }
@@ -63,7 +64,9 @@ void BinaryPropertyList::rankContainers() {
     const std::uint8_t* next;
     const std::uint8_t* end;
   };
-  std::vector<Visit> visits;
+  std::array<std::byte, 512> space;
+  std::pmr::monotonic_buffer_resource memory(space.data(), space.size());
+  std::pmr::vector<Visit> visits(&memory);
   std::size_t bytesLeft = m_table;
   const auto enter = [&](std::uint64_t object) {
     const std::optional<std::uint32_t> offset = offsetOf(object);

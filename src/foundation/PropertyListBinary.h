@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <memory_resource>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -133,7 +135,10 @@ private:
   unsigned m_referenceSize;
   std::uint32_t m_objects;
   std::uint32_t m_root;
-  std::vector<std::uint32_t> m_ranks;
+  // Of a small list (backups have tens of thousands) the ranks lie here, without an allocation.
+  std::array<std::byte, 128> m_spaceForRanks;
+  std::pmr::monotonic_buffer_resource m_memoryOfRanks;
+  std::pmr::vector<std::uint32_t> m_ranks;
 
   // What is made on demand and kept, by offset, so that objects in the same place share it.
   mutable std::mutex m_mutex;
