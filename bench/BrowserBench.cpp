@@ -1,8 +1,7 @@
-#include <QApplication>
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QScrollBar>
-#include <QStyleFactory>
 #include <QTimer>
 #include <algorithm>
 #include <cstdio>
@@ -13,6 +12,7 @@
 
 #include "bench/CameraPhoto.h"
 #include "bench/Ratio.h"
+#include "bench/ViewMain.h"
 #include "support/pictures/TestPhotos.h"
 #include "support/pictures/TestPictures.h"
 #include "toolkit/ImageBrowserView.h"
@@ -165,7 +165,9 @@ Frames framesWhileLoading() {
   return frames;
 }
 
-int runBrowserBench(int argc, char** argv) {
+}  // namespace
+
+int runViewBench(int argc, char** argv) {
   Ratios ratios;
   Grid small(few);
   Grid large(many);
@@ -201,14 +203,4 @@ int runBrowserBench(int argc, char** argv) {
   return ratios.run(argc, argv);
 }
 
-}  // namespace
 }  // namespace snaplift::bench
-
-int main(int argc, char** argv) {
-  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  }
-  QApplication application(argc, argv);
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
-  return snaplift::bench::runBrowserBench(argc, argv);
-}

@@ -1,10 +1,10 @@
-#include <QApplication>
+#include <QCoreApplication>
 #include <QPixmap>
 #include <QScrollBar>
-#include <QStyleFactory>
 #include <deque>
 
 #include "bench/Ratio.h"
+#include "bench/ViewMain.h"
 #include "ui/sourcelist/ORBSourceList.h"
 
 // What a sidebar of 1,000 devices with ten backups each costs, against one of 10 devices.
@@ -118,7 +118,9 @@ private:
   ORBSourceList m_list;
 };
 
-int runSourceListBench(int argc, char** argv) {
+}  // namespace
+
+int runViewBench(int argc, char** argv) {
   Sidebar small(few);
   Sidebar large(many);
   Ratios ratios;
@@ -133,14 +135,4 @@ int runSourceListBench(int argc, char** argv) {
   return ratios.run(argc, argv);
 }
 
-}  // namespace
 }  // namespace snaplift::bench
-
-int main(int argc, char** argv) {
-  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  }
-  QApplication application(argc, argv);
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
-  return snaplift::bench::runSourceListBench(argc, argv);
-}

@@ -50,7 +50,8 @@ std::string formatted(const char* format, Instant instant) {
 }  // namespace
 
 Instant instantFromUnixTime(std::int64_t seconds, std::int64_t nanoseconds) {
-  constexpr std::int64_t limit = microseconds::max().count() / 1'000'000 - 1;
+  // A day less than the counter holds: rounding down to the day stays inside it.
+  constexpr std::int64_t limit = microseconds::max().count() / 1'000'000 - 86'400;
   const std::int64_t kept = std::clamp(seconds, -limit, limit);
   return Instant(std::chrono::seconds(kept) + microseconds(nanoseconds / 1000));
 }
