@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "ListedPhotos.h"
 #include "decoders/iOS4Decoder.h"
 #include "decoders/iOS5Decoder.h"
 #include "samples/ManifestWriter.h"
@@ -35,12 +36,7 @@ protected:
 
   template <class Decoder>
   std::vector<std::string> photos() {
-    Decoder decoder(m_tree.root());
-    std::vector<std::string> paths;
-    for (const std::string& uniquePath : decoder.imageFilePaths()) {
-      paths.push_back(uniquePath.substr(m_tree.root().size() + 1));
-    }
-    return paths;
+    return listedPhotos<Decoder>(m_tree.root());
   }
 
   TemporaryTree m_tree;

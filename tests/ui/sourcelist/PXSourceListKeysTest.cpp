@@ -11,17 +11,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class KeysTest : public testing::Test {
+class KeysTest : public TwoGroupsTest {
 protected:
-  KeysTest() {
-    source.root.children = twoGroups();
-    list.setAllowsMultipleSelection(true);
-    list.setDelegate(&delegate);
-    list.setDataSource(&source);
-    list.resize(250, 200);
-    list.show();
-  }
-
   // The selection after `key` was pressed with `rows` selected.
   RowIndexes after(const RowIndexes& rows, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     list.deselectAll();
@@ -32,11 +23,6 @@ protected:
   void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(&list, key, modifiers);
   }
-  RowIndexes selected() { return list.selectedRowIndexes(); }
-
-  PlainSource source;
-  Listener delegate;
-  PXSourceList list;
 };
 
 TEST_F(KeysTest, arrowsPassOverGroups) {

@@ -9,25 +9,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class SelectionTest : public testing::Test {
+class SelectionTest : public TwoGroupsTest {
 protected:
-  SelectionTest() {
-    source.root.children = twoGroups();
-    list.setAllowsMultipleSelection(true);
-    list.setDelegate(&delegate);
-    list.setDataSource(&source);
-    list.resize(250, 200);
-    list.show();
-  }
-
   void select(const RowIndexes& rows, bool extend = false) {
     list.selectRowIndexesByExtendingSelection(rows, extend);
   }
-  RowIndexes selected() { return list.selectedRowIndexes(); }
-
-  PlainSource source;
-  Listener delegate;
-  PXSourceList list;
 };
 
 TEST_F(SelectionTest, operationsLeaveGroupsOut) {

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "ui/sourcelist/ORBSourceList.h"
 
 // For messages of failed comparisons; found beside the types.
@@ -134,6 +136,25 @@ private:
   void hear(const Notification& notification) {
     heard.emplace_back(notification.name.substr(std::string_view("PXSourceList").size()));
   }
+};
+
+// A shown sidebar of those two groups, all expanded, in which several rows may be selected.
+class TwoGroupsTest : public testing::Test {
+protected:
+  TwoGroupsTest() {
+    source.root.children = twoGroups();
+    list.setAllowsMultipleSelection(true);
+    list.setDelegate(&delegate);
+    list.setDataSource(&source);
+    list.resize(250, 200);
+    list.show();
+  }
+
+  RowIndexes selected() { return list.selectedRowIndexes(); }
+
+  PlainSource source;
+  Listener delegate;
+  PXSourceList list;
 };
 
 inline QPoint centreOfRow(const OutlineView& view, int row) {
