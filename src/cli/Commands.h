@@ -16,10 +16,10 @@ namespace snaplift::cli {
 ExitStatus listBackups(const std::optional<std::string>& path, bool json);
 
 // The photos of one backup, in the decoder's order.
-ExitStatus listPhotos(const std::string& backup, bool json);
+ExitStatus listPhotos(const std::string& path, bool json);
 
 // Every file with content that one backup's manifest lists, by domain.
-ExitStatus listFiles(const std::string& backup, bool json);
+ExitStatus listFiles(const std::string& path, bool json);
 
 // How many photos each backup lists and how many of them have their file.
 ExitStatus checkBackups(const std::optional<std::string>& path, bool json);

@@ -206,11 +206,11 @@ std::vector<std::string> subfolders(const std::string& folder) {
 }
 
 std::string findFile(const std::string& folder, std::string_view name) {
-  const std::string exact = joinPath(folder, name);
+  std::string exact = joinPath(folder, name);
   if (name.empty() || attributesOf(exact)) {
     return exact;
   }
-  const std::string usual = joinPath(folder, capitalised(name));
+  std::string usual = joinPath(folder, capitalised(name));
   if (attributesOf(usual)) {
     return usual;
   }
