@@ -239,9 +239,14 @@ TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
     return all;
   };
   EXPECT_EQ(titles(contextMenu(1)), QStringList({"Export All...", "", "Reveal In Finder"}));
+  std::latch release(1);
+  const auto hold = NotificationCenter::defaultCenter().addObserver(
+      std::string(startedLoadingNotification), backupAtRow(2),
+      [&](const Notification&) { release.wait(); });
   QMenu* pending = contextMenu(2);
   EXPECT_EQ(titles(pending), QStringList({"Loading...", "", "Reveal In Finder"}));
   EXPECT_FALSE(pending->actions().front()->isEnabled());
+  release.count_down();
   EXPECT_TRUE(QTest::qWaitFor([&] { return pending->actions().front()->text() == "No Photos"; }));
   EXPECT_FALSE(pending->actions().front()->isEnabled());
   EXPECT_EQ(titles(contextMenu(2)), QStringList({"No Photos", "", "Reveal In Finder"}));

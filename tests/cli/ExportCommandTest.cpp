@@ -189,14 +189,20 @@ TEST_F(ExportCommandTest, writesNothingInADryRun) {
                         photo(layoutFive, "lost.jpg", "x"), photo(layoutFive, "good.jpg", "x")}});
   fs::remove(m_tree.path("n/" + samples::contentName("CameraRollDomain", "lost.jpg")));
   const ProgramCall text = exportCall({backup, m_tree.path("n"), "--dry-run"});
-  const auto before = treeState(m_tree.root());
+  // Of the temporary folder only the content: a sanitizer has a file of its own in it for a moment.
+  const auto state = [&] {
+    auto entries = treeState(m_tree.root());
+    entries.erase("tmp");
+    return entries;
+  };
+  const auto before = state();
   const ProgramResult result = Program::run(text);
   EXPECT_EQ(result.status, 3);
   EXPECT_THAT(result.output, HasSubstr(backup + "/Media/DCIM/100APPLE/IMG_0001.JPG\n"));
   EXPECT_THAT(result.errors, HasSubstr("dry run, nothing was written: 3 photos can be exported, "
                                        "2 cannot\n"));
   EXPECT_EQ(jsonLines(exportInto({"-n", "--json", backup})).back(), summary(0, 0, 0, 0));
-  EXPECT_EQ(treeState(m_tree.root()), before);
+  EXPECT_EQ(state(), before);
 }
 
 TEST_F(ExportCommandTest, exportsNothingOfAnEncryptedBackup) {
