@@ -4,27 +4,47 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QIcon>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QMouseEvent>
 
-#include "ui_MainWindow.h"
 #include "toolkit/Alert.h"
 #include "toolkit/MainThread.h"
+#include "ui_MainWindow.h"
+
+// The pictures lie in a static library, from which a linker takes only what somebody calls. The
+// call has to be made outside of every namespace.
+static void loadResources() {
+  Q_INIT_RESOURCE(snaplift);
+}
 
 namespace snaplift {
 namespace {
 
-// The application's resource image of that name.
+// The application's resource image of that name, in the resolution of the finest screen: an icon,
+// unlike a pixmap, knows the files "@2x" and "@3x" beside its own.
 QPixmap imageNamed(std::string_view name) {
-  return QPixmap(":/icons/" + QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  const QIcon icon(":/icons/" +
+                   QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  return icon.pixmap(icon.availableSizes().value(0), qApp->devicePixelRatio());
+}
+
+QIcon applicationIcon() {
+  QIcon icon;
+  for (const char* size : {"16", "32", "48", "128", "256"}) {
+    icon.addFile(QString(":/icons/app.snaplift.Snaplift-%1.png").arg(size));
+  }
+  return icon;
 }
 
 }  // namespace
 
 SLAppDelegate::SLAppDelegate()
     : m_ui(std::make_unique<Ui::MainWindow>()), m_window(std::make_unique<QMainWindow>()) {
+  loadResources();
   m_ui->setupUi(m_window.get());
+  m_window->setWindowIcon(applicationIcon());
   m_window->installEventFilter(this);
   awakeFromNib();
   connectCommands();
@@ -51,6 +71,8 @@ void SLAppDelegate::awakeFromNib() {
     updateCommands();
     emit hasSelectionChanged(hasSelection());
   });
+  m_ui->smallPictureMark->setPixmap(imageNamed("Small-Picture-Mark.png"));
+  m_ui->largePictureMark->setPixmap(imageNamed("Large-Picture-Mark.png"));
   m_ui->splitView->setSizes({240, 800});
   m_ui->splitView->setStretchFactor(1, 1);
 }

@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <QIcon>
 
 #include "app/SLAppDelegate.h"
 
@@ -8,7 +7,6 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("Snaplift");
   QApplication::setApplicationVersion(SNAPLIFT_VERSION);
   QGuiApplication::setDesktopFileName("app.snaplift.Snaplift");
-  QApplication::setWindowIcon(QIcon(":/icons/app.snaplift.Snaplift.svg"));
   snaplift::SLAppDelegate delegate;
   delegate.applicationDidFinishLaunching(snaplift::defaultBackupRoot());
   return QApplication::exec();
