@@ -6,16 +6,17 @@
 #include <QMainWindow>
 #include <QThread>
 
+#include "app/ExportBatch.h"
 #include "app/PhotoPasteboard.h"
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
-#include "ui_MainWindow.h"
 #include "foundation/Path.h"
 #include "library/ExportDestination.h"
 #include "toolkit/ActivityIndicator.h"
 #include "toolkit/Alert.h"
 #include "toolkit/FolderChooser.h"
 #include "toolkit/Workspace.h"
+#include "ui_MainWindow.h"
 
 namespace snaplift {
 
@@ -70,9 +71,10 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
     showAlert(m_window.get(), {"The Photos Cannot Be Exported", QString::fromStdString(*problem)});
     return names;
   }
+  const auto batch = std::make_shared<ExportBatch>(destination, photos.size());
   for (ImageItem* photo : photos) {
     names.emplace_back(lastPathComponent(photo->imageUID()));
-    m_exportOperationQueue->addOperation([photo, destination] { photo->extract(destination); });
+    m_exportOperationQueue->addOperation([photo, batch] { batch->extract(*photo); });
   }
   return names;
 }

@@ -12,6 +12,7 @@
 #include "cli/Output.h"
 #include "cli/ProgressBar.h"
 #include "cli/Selection.h"
+#include "foundation/FileWriting.h"
 #include "foundation/Parallel.h"
 #include "foundation/Path.h"
 #include "library/ExportDestination.h"
@@ -97,8 +98,7 @@ std::vector<ImageItem*> photosOf(const std::vector<BackupModel*>& backups, bool&
 }
 
 std::string failureText(const ImageItem& photo, const FileError& error) {
-  return "failed: " + (error.path == photo.path() ? "" : photo.path() + ": ") +
-         error.description();
+  return "failed: " + (error.path == photo.path() ? "" : photo.path() + ": ") + error.description();
 }
 
 // Reports photos one by one, from any thread, and counts them.
@@ -202,6 +202,15 @@ void printSummary(const Summary& summary, std::size_t total, const ExportOptions
                (left > 0 ? ", " + countText(left) + " not begun" : ""));
 }
 
+// Waits until the photos are on the disk; false, and a message to the user, where that is not sure.
+bool bringToDisk(const std::string& destination) {
+  const std::optional<FileError> error = flushFileSystem(destination);
+  if (error) {
+    printMessage("failed to bring the exported photos to the disk: " + error->description());
+  }
+  return !error;
+}
+
 }  // namespace
 
 ExitStatus exportPhotos(const ExportOptions& options) {
@@ -220,12 +229,16 @@ ExitStatus exportPhotos(const ExportOptions& options) {
   bool someEncrypted = false;
   const std::vector<ImageItem*> photos = photosOf(chosen->backups, someEncrypted);
   const Summary summary = exportAll(photos, options);
+  const bool isOnDisk = summary.exported == 0 || bringToDisk(options.destination);
   printSummary(summary, photos.size(), options);
   if (interrupted()) {
     return Interrupted;
   }
   if (someEncrypted && photos.empty()) {
     return Encrypted;
+  }
+  if (!isOnDisk) {
+    return Failed;
   }
   return summary.failed || someEncrypted ? SomePhotosFailed : Done;
 }

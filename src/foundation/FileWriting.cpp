@@ -167,6 +167,31 @@ bool mayLink(const std::string& source, const std::string& folder) {
          !givesPermissions(folder, folderStatus);
 }
 
+// Calls again what a signal interrupted.
+int errorOf(int (*call)(int), int descriptor) {
+  while (call(descriptor) != 0) {
+    if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+int flush(const FileDescriptor& folder) {
+#ifdef __linux__
+  if (const int error = errorOf(::syncfs, folder.get())) {
+    return error;
+  }
+#else
+  ::sync();
+#endif
+  // The system does not pass syncfs on to the program that serves a file system through FUSE; what
+  // that program still holds (tables of FAT and exFAT) it writes for a folder's fsync. Not every
+  // file system knows that for folders.
+  const int error = errorOf(::fsync, folder.get());
+  return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP ? 0 : error;
+}
+
 }  // namespace
 
 std::optional<FileError> writeFile(const std::string& path, ByteView bytes) {
@@ -200,6 +225,18 @@ LinkResult linkFile(const std::string& source, const std::string& path) {
     return LinkResult::Linked;
   }
   return errno == EEXIST ? LinkResult::NameTaken : LinkResult::Impossible;
+}
+
+std::optional<FileError> flushFileSystem(const std::string& folder) {
+  const FileDescriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!open && errno == EACCES) {  // a drop box: files may be made, but not listed
+    ::sync();
+    return std::nullopt;
+  }
+  if (const int error = open ? flush(open) : errno) {
+    return FileError::ofSystem(error, folder);
+  }
+  return std::nullopt;
 }
 
 }  // namespace snaplift

@@ -8,10 +8,11 @@
 
 namespace snaplift {
 
-// The three ways in which the program makes files. All of them work on any file system, also on
-// FAT and exFAT (no links, no permissions, letter case folded), check every write and close, give
-// the file the process's ordinary permissions (umask), and are safe to call from any number of
-// threads and processes at once, on one folder too. The result is the error, absent after success.
+// The three ways in which the program makes files, and the flush that ends an export. The ways work
+// on any file system, also on FAT and exFAT (no links, no permissions, letter case folded), check
+// every write and close, give the file the process's ordinary permissions (umask), and are safe to
+// call from any number of threads and processes at once, on one folder too. The result is the
+// error, absent after success.
 
 // Writes `bytes` into `path`, byte by byte where others can watch. A file that is there is unlinked
 // and never written over: its bytes may stand under other names, too. After an error there is no
@@ -40,5 +41,11 @@ enum class LinkResult { Linked, NameTaken, Impossible };
 // the source has (set-group-id, default access list); also for whatever else keeps a file from
 // being made in the folder, which createFile then reports.
 [[nodiscard]] LinkResult linkFile(const std::string& source, const std::string& path);
+
+// Returns when everything that was written so far on the file system of `folder`, by whomever, is
+// on its disk: once for a whole export, since waiting for the disk after each photo costs more than
+// writing it. The error is that of the disk, which may have come up in the background before, or
+// says that the folder is gone. Blocks as long as the disk takes, on a slow stick for a minute.
+[[nodiscard]] std::optional<FileError> flushFileSystem(const std::string& folder);
 
 }  // namespace snaplift

@@ -3,20 +3,21 @@
 #include <cstddef>
 #include <limits>
 
+#include "faults/SystemCalls.h"
+
 namespace snaplift {
 
-// What shall go wrong with the calls that change a file system. Calls are counted from 1.
+// What shall go wrong with the calls that change a file system, or open a file to do so: all kinds
+// but Read and Status. Calls are counted from 1.
 struct Faults {
   int faultyCall = 0;   // this call goes wrong; 0: none does
   int errorNumber = 0;  // how: it fails with this error; 0: the process is killed right before it
-  bool withoutLinks = false;  // as on FAT and exFAT through FUSE: no links, no rename that refuses
-  std::size_t maximumWrite = std::numeric_limits<std::size_t>::max();  // bytes that one call takes
+  bool withoutLinks = false;  // see CallFault
+  std::size_t maximumWrite = std::numeric_limits<std::size_t>::max();
 };
 
-// Stands between the program and the system: a test that links this library calls its versions of
-// openat, write, close, link, linkat, renameat, renameat2, unlink and unlinkat, which pass
-// everything on until such an object is made. They then go wrong as told, for the calls of the same
-// thread, as long as the object lives. One at a time on each thread.
+// As long as the object lives, the calls of its thread go wrong as told. One at a time on each
+// thread.
 class FaultyFileSystem {
 public:
   explicit FaultyFileSystem(Faults faults);
@@ -27,14 +28,15 @@ public:
   // Calls so far; at least Faults::faultyCall when it came to pass.
   int calls() const { return m_calls; }
 
-  // What the calls of this thread meet, used by the versions themselves: 0, or the error number of
-  // the fault that is due.
-  static int nextCall();
-  static const Faults* current();
+  // Those among them that were flushes.
+  int flushes() const { return m_flushes; }
 
 private:
+  static CallFault faultOf(SystemCall call);
+
   Faults m_faults;
   int m_calls = 0;
+  int m_flushes = 0;
 };
 
 }  // namespace snaplift

@@ -191,6 +191,23 @@ TEST(LinkFile, leavesPermissionsToTheFolderThatSetsThem) {
   EXPECT_EQ(status.st_gid, otherGroup);
 }
 
+TEST(FlushFileSystem, saysWhatTheDiskSays) {
+  const TemporaryTree tree;
+  const std::string folder = tree.makeFolder("out");
+  struct Case {
+    int faultyCall, errorNumber, reported;
+  };
+  // The open call, the flush of the file system, that of the folder.
+  for (const Case& c : {Case{0, 0, 0}, Case{1, EMFILE, EMFILE}, Case{2, EIO, EIO},
+                        Case{2, EINTR, 0}, Case{3, ENOSPC, ENOSPC}, Case{3, EINVAL, 0}}) {
+    const FaultyFileSystem fileSystem({.faultyCall = c.faultyCall, .errorNumber = c.errorNumber});
+    const auto error = flushFileSystem(folder);
+    EXPECT_EQ(error ? error->code : 0, c.reported) << c.faultyCall << " " << c.errorNumber;
+  }
+  const std::string gone = tree.path("gone");
+  EXPECT_EQ(flushFileSystem(gone), FileError::ofSystem(ENOENT, gone));
+}
+
 TEST(FileError, saysWhatHappened) {
   EXPECT_EQ(FileError::ofSystem(ENOSPC, "/out/b.jpg").description(),
             "/out/b.jpg: No space left on device (NSPOSIXErrorDomain 28)");

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <limits>
+#include <string_view>
+
+namespace snaplift {
+
+// The calls of the system that a test can make go wrong, by what they are for: Open stands for
+// open, openat and opendir, Unlink for rmdir too, Flush for fsync and syncfs, and so on.
+enum class SystemCall { Open, Read, Status, Write, Close, Link, Rename, Unlink, MakeFolder, Flush };
+
+inline constexpr std::array<std::string_view, 10> systemCallNames{
+    "open", "read", "status", "write", "close", "link", "rename", "unlink", "mkdir", "flush"};
+
+// What one call meets.
+struct CallFault {
+  int errorNumber = 0;        // it fails with this error; 0: it does not
+  bool withoutLinks = false;  // as on FAT and exFAT through FUSE: no links, no rename that refuses
+  std::size_t maximumWrite = std::numeric_limits<std::size_t>::max();  // bytes that one call takes
+};
+
+using FaultPolicy = CallFault (*)(SystemCall call);
+
+// A program that links this file, or is started with a library that does, calls our versions of the
+// system's functions. They pass everything on until a policy is set, and then ask it before every
+// call, on the calling thread. A policy makes no such calls itself.
+void setFaultPolicy(FaultPolicy policy);
+
+}  // namespace snaplift
