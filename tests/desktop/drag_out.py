@@ -1,66 +1,18 @@
 """Drags three photos with the pointer into a file manager's window, and onto the bare desktop.
 
 usage: drag_out.py DRAGWINDOW FILE-MANAGER   (on a session bus of its own)
-
-Everything waits for a condition: a line of the window's output, a window, a file. A condition that
-does not come ends the test with its name.
 """
 
 import contextlib
 import os
 import queue
-import signal
 import subprocess
 import sys
 import tempfile
 import threading
-import time
 
-PATIENCE = 60  # seconds for any one condition
-
-
-def wait_for(what, condition):
-    end = time.monotonic() + PATIENCE
-    while time.monotonic() < end:
-        value = condition()
-        if value:
-            return value
-        time.sleep(0.02)  # between two looks
-    sys.exit(f"drag_out: waited in vain for {what}")
-
-
-def xdotool(*arguments):
-    done = subprocess.run(["xdotool", *map(str, arguments)], capture_output=True, text=True)
-    return done.stdout.strip() if done.returncode == 0 else ""
-
-
-def started(stack, arguments, **options):
-    """A process that does not outlive the test, however it ends."""
-    process = subprocess.Popen(arguments, stderr=subprocess.DEVNULL, start_new_session=True,
-                               **options)
-    def end():
-        try:
-            os.killpg(process.pid, signal.SIGKILL)
-        except ProcessLookupError:
-            pass
-        process.wait()
-    stack.callback(end)
-    return process
-
-
-def start_display(stack):
-    """An X server and a window manager of our own."""
-    read, write = os.pipe()
-    started(stack, ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24",
-                    "-nolisten", "tcp", "-noreset"], pass_fds=[write])
-    os.close(write)
-    with os.fdopen(read) as pipe:
-        os.environ["DISPLAY"] = ":" + pipe.readline().strip()
-    wait_for("the display", lambda: subprocess.run(
-        ["xdpyinfo"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0)
-    started(stack, ["openbox"])
-    wait_for("the window manager", lambda: "window id" in subprocess.run(
-        ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], capture_output=True, text=True).stdout)
+from desktop import (PATIENCE, make_home, start_display, start_file_manager, started, wait_for,
+                     xdotool)
 
 
 class PhotoWindow:
@@ -125,7 +77,7 @@ def drag(window, start, target, wanted):
     """Presses at `start`, moves to `target` and goes on trembling there until the window tells the
     action that is wanted; the button stays down."""
     begin = len(window.hear())
-    xdotool("mousemove", "--sync", *start)
+    xdotool("mousemove", *start)
     xdotool("mousedown", 1)
     for step in range(1, 6):
         xdotool("mousemove", start[0] + 6 * step, start[1] + 4 * step)
@@ -140,32 +92,23 @@ def drag(window, start, target, wanted):
     if wanted:
         wait_for(f"the target to answer {wanted}", answered)
     else:
-        xdotool("mousemove", "--sync", *target)
+        xdotool("mousemove", *target)
     return begin
 
 
 def main(program, manager):
     with contextlib.ExitStack() as stack:
         folder = stack.enter_context(tempfile.TemporaryDirectory(prefix="snaplift-drag-"))
-        home = stack.enter_context(tempfile.TemporaryDirectory(prefix="snaplift-home-",
-                                                               ignore_cleanup_errors=True))
-        os.environ.update(HOME=home, XDG_RUNTIME_DIR=home, XDG_CONFIG_HOME=home + "/config",
-                          XDG_CACHE_HOME=home + "/cache", XDG_DATA_HOME=home + "/data")
+        make_home(stack)
         start_display(stack)
         window = PhotoWindow(stack, program)
-        started(stack, [manager, folder], stdout=subprocess.DEVNULL)
-        title = os.path.basename(folder)
-        target_window = wait_for("the file manager's window", lambda: xdotool(
-            "search", "--onlyvisible", "--name", title).split("\n")[0])
-        xdotool("windowsize", "--sync", target_window, 560, 500)
-        xdotool("windowmove", "--sync", target_window, 660, 120)
-        target = (660 + 400, 120 + 330)
+        _, target = start_file_manager(stack, manager, folder, 660, 120, 560, 500)
 
         photos = window.settled_places()
-        xdotool("mousemove", "--sync", *photos[1])
+        xdotool("mousemove", *photos[1])
         xdotool("click", 1)
         for index in (2, 4):
-            xdotool("mousemove", "--sync", *photos[index])
+            xdotool("mousemove", *photos[index])
             xdotool("keydown", "ctrl")
             xdotool("click", 1)
             xdotool("keyup", "ctrl")
