@@ -49,7 +49,7 @@ ExitStatus checkBackups(const std::optional<std::string>& path, bool json) {
     } else {
       printReport(*backup, listed, missing);
     }
-    if (!missing.empty()) {
+    if (!missing.empty() || !backup->isComplete()) {
       status = SomePhotosFailed;
     }
   }

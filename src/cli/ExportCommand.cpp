@@ -215,7 +215,7 @@ bool bringToDisk(const std::string& destination) {
 
 ExitStatus exportPhotos(const ExportOptions& options) {
   const std::optional<ChosenBackups> chosen = chooseBackups(options);
-  if (!chosen) {
+  if (!chosen || chosen->backups.empty()) {
     return NoSuchBackup;
   }
   std::vector<std::string> folders;
@@ -240,7 +240,8 @@ ExitStatus exportPhotos(const ExportOptions& options) {
   if (!isOnDisk) {
     return Failed;
   }
-  return summary.failed || someEncrypted ? SomePhotosFailed : Done;
+  const bool isComplete = std::ranges::all_of(chosen->backups, &BackupModel::isComplete);
+  return summary.failed || someEncrypted || !isComplete ? SomePhotosFailed : Done;
 }
 
 }  // namespace snaplift::cli

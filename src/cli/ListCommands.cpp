@@ -79,6 +79,10 @@ std::string fileLine(const BackedUpFile& file) {
          std::string(file.path);
 }
 
+ExitStatus statusOf(const BackupModel& backup) {
+  return backup.isComplete() ? Done : SomePhotosFailed;
+}
+
 }  // namespace
 
 ExitStatus listBackups(const std::optional<std::string>& path, bool json) {
@@ -97,9 +101,6 @@ ExitStatus listBackups(const std::optional<std::string>& path, bool json) {
                 backup->path());
     }
   }
-  if (selection->devices().empty()) {
-    printMessage("no backups in " + selection->path());
-  }
   return Done;
 }
 
@@ -110,14 +111,14 @@ ExitStatus listPhotos(const std::string& path, bool json) {
   }
   if (json) {
     printJson(photosJson(*backup));
-    return Done;
+    return statusOf(*backup);
   }
   for (const std::string& uniquePath : backup->imagePaths()) {
     printLine(pathOnDevice(*backup, uniquePath));
   }
   printMessage(countText(backup->imagePaths().size(), "photo") +
                (backup->encrypted() ? ", encrypted: they cannot be exported" : ""));
-  return Done;
+  return statusOf(*backup);
 }
 
 ExitStatus listFiles(const std::string& path, bool json) {
@@ -127,7 +128,7 @@ ExitStatus listFiles(const std::string& path, bool json) {
   }
   if (json) {
     printFilesJson(*backup);
-    return Done;
+    return statusOf(*backup);
   }
   std::uint64_t files = 0, bytes = 0;
   std::optional<std::string> domain;
@@ -141,7 +142,7 @@ ExitStatus listFiles(const std::string& path, bool json) {
     bytes += file.filelength;
   });
   printMessage(countText(files, "file") + ", " + sizeText(bytes));
-  return Done;
+  return statusOf(*backup);
 }
 
 }  // namespace snaplift::cli

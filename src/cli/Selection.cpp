@@ -45,6 +45,9 @@ std::optional<Selection> Selection::initWithPath(const std::optional<std::string
       printMessage("not a backup that can be read: " + selection.m_path);
       return std::nullopt;
     }
+    if (selection.m_devices.empty()) {
+      printMessage("no backups in " + selection.m_path);
+    }
   }
   return selection;
 }

@@ -30,8 +30,9 @@ struct BackedUpFile {
 // names one photo.
 //
 // loadContents() runs on one thread. After it has returned, nothing changes any more, and every
-// const operation may be called from several threads at once. No operation reports an error: what
-// cannot be read is absent.
+// const operation may be called from several threads at once. What cannot be read is
+// absent; a file that the list of photos is made from, and that is there all the same, is a line in
+// the system log and makes the load incomplete.
 class BackupDecoderDelegate {
 public:
   using FileVisitor = std::function<void(const BackedUpFile&)>;
@@ -51,6 +52,10 @@ public:
   // whose storage may serve again.
   virtual std::optional<Bytes> dataForFileAtPath(const std::string& uniquePath,
                                                  Bytes reuse = {}) const = 0;
+
+  // False where a file that loading or visiting needed is there and cannot be read (a disk that
+  // fails, a missing right, damage): photos may be missing from the list.
+  virtual bool isComplete() const = 0;
 
   // Whether the manifest says that the content is encrypted. False before loading.
   virtual bool encrypted() const = 0;

@@ -51,12 +51,6 @@ std::vector<ListedFile> listedFiles(const PropertyList& listing, std::string_vie
   return files;
 }
 
-std::string fileName(const ListedFile& file, std::string_view extension) {
-  std::string name;
-  name.reserve(file.baseName.size() + extension.size());
-  return name.append(file.baseName).append(extension);
-}
-
 // The records that were read: newest first, those without a date last, equal dates by path. Sorts
 // pointers, since a record is large.
 std::vector<BackupFileModel> newestFirst(std::vector<std::optional<BackupFileModel>>& read) {
@@ -104,6 +98,7 @@ std::vector<BackupFileModel> FileListDecoder::readFileModels(
   const auto bytes = manifest ? manifest->root().valueForKey("Data").data() : std::nullopt;
   const auto listing = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
   if (!listing) {
+    fileGaveNothing(findFile(backupPath(), "manifest.plist"));
     return {};
   }
   const std::vector<ListedFile> files = listedFiles(*listing, photoDomain());
@@ -117,6 +112,12 @@ std::vector<BackupFileModel> FileListDecoder::readFileModels(
 
 bool FileListDecoder::isWanted(std::string_view path, Wanted wanted) {
   return wanted == Wanted::Inventory || hasPhotoExtension(path);
+}
+
+std::string FileListDecoder::fileName(const ListedFile& file, std::string_view extension) {
+  std::string name;
+  name.reserve(file.baseName.size() + extension.size());
+  return name.append(file.baseName).append(extension);
 }
 
 std::optional<PropertyList> FileListDecoder::readDictionaryOf(const OpenFolder& folder,

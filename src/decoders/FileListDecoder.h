@@ -51,6 +51,8 @@ protected:
                                                        const ListedFile& file,
                                                        Wanted wanted) const = 0;
 
+  static std::string fileName(const ListedFile& file, std::string_view extension);
+
   // The property list in the entry's file of that extension, which begins with its dot.
   static std::optional<PropertyList> readDictionaryOf(const OpenFolder& folder,
                                                       const ListedFile& file,

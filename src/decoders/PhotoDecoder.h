@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -11,6 +12,7 @@
 
 #include "decoders/BackupDecoderDelegate.h"
 #include "foundation/File.h"
+#include "foundation/Log.h"
 #include "foundation/Parallel.h"
 #include "foundation/Path.h"
 
@@ -46,8 +48,18 @@ public:
   }
 
   bool encrypted() const override { return m_encrypted; }
+  bool isComplete() const override { return m_isComplete; }
 
 protected:
+  // To be called where a file of the backup gave nothing that could be used: that is damage when
+  // the file is there, and no more than its absence else. On any thread.
+  void fileGaveNothing(const std::string& path) const {
+    if (fileAttributes(path)) {
+      systemLog("cannot read, photos may be missing: " + path);
+      m_isComplete = false;
+    }
+  }
+
   const std::string& backupPath() const { return m_backupPath; }
 
   // The name of the record's content file inside the backup folder; empty where it can have none.
@@ -100,6 +112,7 @@ private:
   std::vector<std::string> m_imageFilePaths;
   using Place = std::pair<std::size_t, std::size_t>;
   std::vector<Place> m_index;  // sorted: the hash of a unique path, and its place in the lists
+  mutable std::atomic<bool> m_isComplete = true;
   bool m_encrypted = false;
   bool m_loaded = false;
 };

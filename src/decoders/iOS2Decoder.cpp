@@ -21,6 +21,10 @@ std::optional<BackupFileModel> iOS2Decoder::readFileModel(const OpenFolder& fold
   if (!isPair) {
     list = readDictionaryOf(folder, file, singleFormExtension);
   }
+  if (!list) {
+    fileGaveNothing(joinPath(backupPath(), fileName(file, ".mdinfo")));
+    fileGaveNothing(joinPath(backupPath(), fileName(file, singleFormExtension)));
+  }
   std::optional<std::string> path = list ? textUnderKey(*list, "Path") : std::nullopt;
   if (!path || !isWanted(*path, wanted)) {
     return std::nullopt;

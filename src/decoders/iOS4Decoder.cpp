@@ -12,12 +12,18 @@ namespace snaplift {
 const MBDBXReader& iOS4Decoder::reader(std::stop_token stop) {
   if (!m_reader) {
     m_reader = std::make_unique<MBDBXReader>(backupPath(), stop);
+    if (!m_reader->mbdb().hasData()) {
+      fileGaveNothing(joinPath(backupPath(), "Manifest.mbdb"));
+    }
   }
   return *m_reader;
 }
 
 void iOS4Decoder::loadContents(std::stop_token stop) {
-  const bool encrypted = isEncrypted(readDictionary(backupPath(), "manifest.plist"));
+  const auto manifest = readDictionary(backupPath(), "manifest.plist");
+  if (!manifest) {
+    fileGaveNothing(findFile(backupPath(), "manifest.plist"));
+  }
   const auto* media = reader(stop).records().entriesOf("MediaDomain");
   if (stop.stop_requested()) {
     m_reader.reset();  // it may hold nothing of what the manifest says
@@ -29,7 +35,7 @@ void iOS4Decoder::loadContents(std::stop_token stop) {
       return row.type() == MBDBXRow::RegularFile && endsLikePhoto(row.path());
     });
   }
-  setContents(encrypted, std::move(photos));
+  setContents(isEncrypted(manifest), std::move(photos));
 }
 
 void iOS4Decoder::visitFiles(const FileVisitor& visit) {

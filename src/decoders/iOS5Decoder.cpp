@@ -17,17 +17,23 @@ iOS5BackupReader& iOS5Decoder::reader() {
 }
 
 void iOS5Decoder::loadContents(std::stop_token stop) {
-  const bool encrypted = isEncrypted(readDictionary(backupPath(), "manifest.plist"));
+  const auto manifest = readDictionary(backupPath(), "manifest.plist");
+  if (!manifest) {
+    fileGaveNothing(findFile(backupPath(), "manifest.plist"));
+  }
   const auto* cameraRoll = reader().records(stop).entriesOf("CameraRollDomain");
   if (stop.stop_requested()) {
     return;
+  }
+  if (!reader().hasManifest()) {
+    fileGaveNothing(joinPath(backupPath(), "Manifest.mbdb"));
   }
   std::vector<ManifestRecord> photos;
   if (cameraRoll) {
     std::ranges::copy_if(*cameraRoll, std::back_inserter(photos), endsLikePhoto,
                          &ManifestRecord::path);
   }
-  setContents(encrypted, std::move(photos));
+  setContents(isEncrypted(manifest), std::move(photos));
 }
 
 void iOS5Decoder::visitFiles(const FileVisitor& visit) {

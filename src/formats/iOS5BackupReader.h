@@ -30,6 +30,9 @@ public:
   // not built: a part of a manifest is never passed off as the whole.
   const Records& records(std::stop_token stop = {});
 
+  // Whether records() found a manifest that can be read.
+  bool hasManifest() const { return m_reader.hasData(); }
+
   // Places `record` in this backup and appends it to the list of its domain. Its texts must live as
   // long as this index.
   void addBackupRowToRecords(ManifestRecord record);

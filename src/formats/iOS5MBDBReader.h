@@ -26,6 +26,9 @@ public:
   // A reader without data, which yields no entry.
   iOS5MBDBReader() = default;
 
+  // False where the file could not be read, or is empty.
+  bool hasData() const { return !m_data.empty(); }
+
   // The next entry in file order; nothing at the end, however often it is asked.
   std::optional<ManifestRecord> nextEntry();
 

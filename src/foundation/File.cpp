@@ -121,16 +121,24 @@ std::optional<Bytes> bytesOfOpenFile(const FileDescriptor& file, Bytes reuse) {
   return content ? std::optional(std::move(content->bytes)) : std::nullopt;
 }
 
-// Calls `visit` for each entry of a folder but "." and "..".
+// The next entry of a listing; null at its end, where `errno` is 0, and where it cannot be read.
+const dirent* nextEntry(DIR* listing) {
+  errno = 0;
+  return ::readdir(listing);
+}
+
+// Calls `visit` for each entry of a folder but "." and "..". The answer is the number of the error
+// that kept it from the end.
 template <class Visitor>
-void visitEntries(const std::string& folder, Visitor visit) {
+int visitEntries(const std::string& folder, Visitor visit) {
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(folder.c_str()), ::closedir);
-  while (const dirent* entry = listing ? ::readdir(listing.get()) : nullptr) {
+  while (const dirent* entry = listing ? nextEntry(listing.get()) : nullptr) {
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") {
       visit(*entry);
     }
   }
+  return errno;
 }
 
 bool isFolder(const std::string& folder, const dirent& entry) {
@@ -195,13 +203,14 @@ std::vector<std::string> folderEntries(const std::string& folder) {
   return names;
 }
 
-std::vector<std::string> subfolders(const std::string& folder) {
+std::vector<std::string> subfolders(const std::string& folder, std::error_code& error) {
   std::vector<std::string> names;
-  visitEntries(folder, [&](const dirent& entry) {
+  const int errorNumber = visitEntries(folder, [&](const dirent& entry) {
     if (isFolder(folder, entry)) {
       names.emplace_back(entry.d_name);
     }
   });
+  error.assign(errorNumber, std::generic_category());
   return names;
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "foundation/Bytes.h"
@@ -65,8 +66,9 @@ bool isReadableFolder(const std::string& path);
 // `folder` itself may be a link.
 std::vector<std::string> folderEntries(const std::string& folder);
 
-// Those of folderEntries() that are folders themselves; a link to one is none.
-std::vector<std::string> subfolders(const std::string& folder);
+// Those of folderEntries() that are folders themselves; a link to one is none. `error` is set where
+// the folder could not be read to its end; the answer is then what was read.
+std::vector<std::string> subfolders(const std::string& folder, std::error_code& error);
 
 // The path of the entry of `folder` that is called `name`, but for letter case: the exact name
 // where it exists, else the name with its first letter in upper case ("Info.plist" for

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "foundation/File.h"
+#include "foundation/Log.h"
 #include "foundation/Parallel.h"
 #include "foundation/Path.h"
 
@@ -18,10 +19,12 @@ std::string defaultBackupRoot() {
 }
 
 BackupController::BackupController(std::string path) : m_basePath(std::move(path)) {
-  if (!isReadableFolder(m_basePath)) {
-    return;
+  std::error_code error;
+  const std::vector<std::string> folders = subfolders(m_basePath, error);
+  if (error && error != std::errc::no_such_file_or_directory &&
+      error != std::errc::not_a_directory) {
+    systemLog("cannot read, backups may be missing: " + m_basePath + ": " + error.message());
   }
-  const std::vector<std::string> folders = subfolders(m_basePath);
   std::vector<std::unique_ptr<BackupModel>> backups(folders.size());
   parallelForFiles(folders.size(), [&](std::size_t i) {
     backups[i] = BackupModel::initWithBackupAtPath(joinPath(m_basePath, folders[i]));

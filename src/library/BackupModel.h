@@ -67,6 +67,9 @@ public:
   // Whether imageDataForPath() has a file to read, without reading it.
   bool holdsImageAtPath(const std::string& uniquePath) const;
   bool encrypted() const { return m_delegate->encrypted(); }
+  // False where photos may be missing, because a file that lists them cannot be read; the system
+  // log names it.
+  bool isComplete() const { return m_delegate->isComplete(); }
   // Whether there is a photo to show: never in an encrypted backup.
   bool hasImages() { return !encrypted() && !imageItems().empty(); }
   // Calls `visit` for each file of the backup's manifest; see BackupDecoderDelegate.

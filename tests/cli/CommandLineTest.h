@@ -22,6 +22,10 @@ struct Layout {
   const char* decoder;
 };
 
+inline void PrintTo(const Layout& layout, std::ostream* out) {
+  *out << layout.version;
+}
+
 inline constexpr Layout layouts[] = {
     {samples::Generation::TwoSingleForm, "1.1.4", "iOS2Decoder"},
     {samples::Generation::TwoPairForm, "2.2.1", "iOS2Decoder"},

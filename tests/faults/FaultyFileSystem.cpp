@@ -21,7 +21,8 @@ FaultyFileSystem::~FaultyFileSystem() {
 }
 
 CallFault FaultyFileSystem::faultOf(SystemCall call) {
-  if (activeFaults == nullptr || call == SystemCall::Read || call == SystemCall::Status) {
+  if (activeFaults == nullptr || call == SystemCall::Read || call == SystemCall::List ||
+      call == SystemCall::Status) {
     return {};
   }
   const Faults& faults = activeFaults->m_faults;

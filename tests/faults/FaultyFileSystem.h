@@ -8,7 +8,7 @@
 namespace snaplift {
 
 // What shall go wrong with the calls that change a file system, or open a file to do so: all kinds
-// but Read and Status. Calls are counted from 1.
+// but Read, List and Status. Calls are counted from 1.
 struct Faults {
   int faultyCall = 0;   // this call goes wrong; 0: none does
   int errorNumber = 0;  // how: it fails with this error; 0: the process is killed right before it

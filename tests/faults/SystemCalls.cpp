@@ -88,7 +88,7 @@ DIR* opendir(const char* path) {
 
 dirent* readdir(DIR* listing) {
   static const auto next = NEXT_VERSION(readdir);
-  if (const int error = snaplift::faultOf(SystemCall::Read).errorNumber) {
+  if (const int error = snaplift::faultOf(SystemCall::List).errorNumber) {
     errno = error;
     return nullptr;
   }

@@ -8,11 +8,25 @@
 namespace snaplift {
 
 // The calls of the system that a test can make go wrong, by what they are for: Open stands for
-// open, openat and opendir, Unlink for rmdir too, Flush for fsync and syncfs, and so on.
-enum class SystemCall { Open, Read, Status, Write, Close, Link, Rename, Unlink, MakeFolder, Flush };
+// open, openat and opendir, List for readdir, Unlink for rmdir too, Flush for fsync and syncfs, and
+// so on.
+enum class SystemCall {
+  Open,
+  Read,
+  List,
+  Status,
+  Write,
+  Close,
+  Link,
+  Rename,
+  Unlink,
+  MakeFolder,
+  Flush
+};
 
-inline constexpr std::array<std::string_view, 10> systemCallNames{
-    "open", "read", "status", "write", "close", "link", "rename", "unlink", "mkdir", "flush"};
+inline constexpr std::array<std::string_view, 11> systemCallNames{
+    "open", "read",   "list",   "status", "write", "close",
+    "link", "rename", "unlink", "mkdir",  "flush"};
 
 // What one call meets.
 struct CallFault {

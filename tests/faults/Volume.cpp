@@ -1,5 +1,6 @@
 #include "faults/Volume.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -10,7 +11,7 @@
 namespace snaplift {
 namespace {
 
-constexpr std::size_t exFatSize = std::size_t{64} << 20;
+constexpr std::size_t imageSize = std::size_t{64} << 20;
 
 bool run(const std::string& command) {
   return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
@@ -26,17 +27,30 @@ std::unique_ptr<Volume> Volume::inMemory(const std::string& folder, std::size_t 
   return std::unique_ptr<Volume>(new Volume(folder));
 }
 
-std::unique_ptr<Volume> Volume::exFat(const std::string& folder, const std::string& image) {
+// Mounts an empty file system by the first of the programs that can; each gets the image and the
+// folder as its last arguments.
+std::unique_ptr<Volume> Volume::fromImage(const std::string& folder, const std::string& image,
+                                          const std::string& makeProgram,
+                                          const std::vector<std::string>& mountPrograms) {
   if (::geteuid() != 0) {
     return nullptr;
   }
   std::ofstream(image).close();
-  std::filesystem::resize_file(image, exFatSize);
-  if (!run("mkfs.exfat '" + image + "'") ||
-      !run("mount -t exfat-fuse -o loop '" + image + "' '" + folder + "'")) {
-    return nullptr;
-  }
-  return std::unique_ptr<Volume>(new Volume(folder));
+  std::filesystem::resize_file(image, imageSize);
+  const std::string arguments = " '" + image + "' '" + folder + "'";
+  const bool isMounted = run(makeProgram + " '" + image + "'") &&
+                         std::ranges::any_of(mountPrograms, [&](const std::string& program) {
+                           return run(program + arguments);
+                         });
+  return isMounted ? std::unique_ptr<Volume>(new Volume(folder)) : nullptr;
+}
+
+std::unique_ptr<Volume> Volume::exFat(const std::string& folder, const std::string& image) {
+  return fromImage(folder, image, "mkfs.exfat", {"mount -t exfat-fuse -o loop"});
+}
+
+std::unique_ptr<Volume> Volume::fat(const std::string& folder, const std::string& image) {
+  return fromImage(folder, image, "mkfs.vfat -F 32", {"mount -t vfat -o loop", "fusefat -o rw+"});
 }
 
 Volume::~Volume() {

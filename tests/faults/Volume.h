@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace snaplift {
 
 // A file system of a test's own, mounted on an empty folder as long as the object lives. Mounting
-// needs root, and exFAT the programs that make and serve it (packages exfatprogs and exfat-fuse):
+// needs root, exFAT the programs that make and serve it (packages exfatprogs and exfat-fuse), and
+// FAT mkfs.vfat (dosfstools) and a kernel that knows it or the program that serves it (fusefat):
 // the makers answer nothing where it cannot be had, and the test is skipped.
 class Volume {
 public:
@@ -18,6 +20,9 @@ public:
   // a taken name. Its bytes are in the new file `image`.
   static std::unique_ptr<Volume> exFat(const std::string& folder, const std::string& image);
 
+  // FAT, as a stick has it: by the kernel, else through FUSE.
+  static std::unique_ptr<Volume> fat(const std::string& folder, const std::string& image);
+
   Volume(const Volume&) = delete;
   Volume& operator=(const Volume&) = delete;
   ~Volume();
@@ -25,6 +30,9 @@ public:
   bool makeReadOnly();
 
 private:
+  static std::unique_ptr<Volume> fromImage(const std::string& folder, const std::string& image,
+                                           const std::string& makeProgram,
+                                           const std::vector<std::string>& mountPrograms);
   explicit Volume(std::string folder) : m_folder(std::move(folder)) {}
 
   std::string m_folder;

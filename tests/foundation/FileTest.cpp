@@ -112,8 +112,11 @@ TEST(File, listsSubfoldersAndNoLinksToThem) {
   tree.makeFolder(".hidden");
   ASSERT_EQ(::symlink("sub", tree.path("link").c_str()), 0);
   ASSERT_EQ(::mkfifo(tree.path("fifo").c_str(), 0600), 0);
-  EXPECT_THAT(subfolders(tree.root()), UnorderedElementsAre("sub", ".hidden"));
-  EXPECT_TRUE(subfolders(tree.path("file")).empty());
+  std::error_code error;
+  EXPECT_THAT(subfolders(tree.root(), error), UnorderedElementsAre("sub", ".hidden"));
+  EXPECT_FALSE(error);
+  EXPECT_TRUE(subfolders(tree.path("file"), error).empty());
+  EXPECT_EQ(error, std::errc::not_a_directory);
 }
 
 TEST(File, findsNamesWithoutRegardToLetterCase) {

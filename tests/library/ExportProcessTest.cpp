@@ -141,7 +141,7 @@ protected:
 };
 
 // The ways in which a photo reaches its name.
-enum class Way { Link, Rename, Claim, ExFat };
+enum class Way { Link, Rename, Claim, ExFat, Fat };
 
 class ExportWayTest : public ExportTest, public testing::WithParamInterface<Way> {
 protected:
@@ -154,10 +154,14 @@ protected:
         GTEST_SKIP() << "needs a second file system";
       }
     }
-    if (GetParam() == Way::ExFat) {
-      m_volume = Volume::exFat(m_job.destination, m_tree.path("image"));
+    if (GetParam() == Way::ExFat || GetParam() == Way::Fat) {
+      if (GetParam() == Way::Fat && std::getenv("SNAPLIFT_KILLS") == nullptr) {
+        GTEST_SKIP() << "takes half a minute; SNAPLIFT_KILLS is not set";
+      }
+      const auto mount = GetParam() == Way::Fat ? Volume::fat : Volume::exFat;
+      m_volume = mount(m_job.destination, m_tree.path("image"));
       if (!m_volume) {
-        GTEST_SKIP() << "needs root, mkfs.exfat and mount.exfat-fuse";
+        GTEST_SKIP() << "needs root, and the programs that Volume names";
       }
     }
   }
@@ -170,7 +174,7 @@ protected:
   }
 
   // Whether a kill may leave an empty file under a photo's name.
-  bool claims() const { return GetParam() == Way::Claim || GetParam() == Way::ExFat; }
+  bool claims() const { return GetParam() >= Way::Claim; }
 
   void emptyDestination() const {
     for (const std::string& name : destinationNames()) {
@@ -182,12 +186,13 @@ protected:
 };
 
 std::string nameOf(const testing::TestParamInfo<Way>& way) {
-  constexpr const char* names[] = {"link", "rename", "claim", "exFat"};
+  constexpr const char* names[] = {"link", "rename", "claim", "exFat", "fat"};
   return names[static_cast<int>(way.param)];
 }
 
 INSTANTIATE_TEST_SUITE_P(, ExportWayTest,
-                         testing::Values(Way::Link, Way::Rename, Way::Claim, Way::ExFat), nameOf);
+                         testing::Values(Way::Link, Way::Rename, Way::Claim, Way::ExFat, Way::Fat),
+                         nameOf);
 
 // SNAPLIFT_KILLS sets how often.
 TEST_P(ExportWayTest, leavesWholePhotosOrNoneWhereverItIsKilled) {
