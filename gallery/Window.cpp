@@ -1,9 +1,17 @@
 #include <QApplication>
+#include <QLabel>
 #include <QMainWindow>
+#include <QMenu>
+#include <QMessageBox>
 #include <QTest>
+#include <atomic>
+#include <latch>
 
 #include "Gallery.h"
 #include "app/SLAppDelegate.h"
+#include "foundation/NotificationCenter.h"
+#include "foundation/TemporaryFolder.h"
+#include "library/BackupModel.h"
 #include "toolkit/MainThread.h"
 
 namespace snaplift::gallery {
@@ -12,26 +20,150 @@ namespace {
 // Long enough for a slow machine to decode the photos that are seen.
 constexpr int patienceInMilliseconds = 60000;
 
-void paintStart(const QString& folder, const QString& name, const QPalette& palette) {
-  QApplication::setPalette(palette);
-  mainThread::resume();
-  SLAppDelegate delegate;
-  delegate.applicationDidFinishLaunching(defaultBackupRoot());
-  const auto* browser = delegate.window()->findChild<ORBImageBrowserView*>();
-  const auto isComplete = [browser] {
-    return browser->itemCount() > 0 && !browser->isLoadingThumbnails();
-  };
-  if (!QTest::qWaitFor(isComplete, patienceInMilliseconds)) {
-    qWarning("the picture is taken before all photos are there");
+template <class Condition>
+void waitFor(const char* what, Condition condition) {
+  if (!QTest::qWaitFor(condition, patienceInMilliseconds)) {
+    qWarning("the picture is taken before %s", what);
   }
-  save(*delegate.window(), folder, name);
+}
+
+QMessageBox* visibleAlert() {
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    auto* alert = qobject_cast<QMessageBox*>(window);
+    if (alert && alert->isVisible()) {
+      return alert;
+    }
+  }
+  return nullptr;
+}
+
+// The window over a backup root, in one palette, and the pictures of its states.
+class WindowShots {
+public:
+  WindowShots(QString folder, QString palette) : m_folder(std::move(folder)), m_palette(palette) {
+    mainThread::resume();
+  }
+
+  void start(const std::string& root) { m_delegate.applicationDidFinishLaunching(root); }
+
+  void shoot(const QString& state) { shoot(*m_delegate.window(), state); }
+
+  void waitForPhotos() {
+    waitFor("all photos are there",
+            [this] { return browser().itemCount() > 0 && !browser().isLoadingThumbnails(); });
+  }
+
+  // The first backup while it loads: the end of the load is held until the picture is taken.
+  void shootLoading(const std::string& root) {
+    std::latch release(1);
+    const auto hold = NotificationCenter::defaultCenter().addObserver(
+        std::string(finishedLoadingNotification), nullptr,
+        [&](const Notification&) { release.wait(); });
+    start(root);
+    waitFor("the load has begun", [this] { return label("text").text() == "Loading..."; });
+    shoot("loading");
+    release.count_down();
+    waitForPhotos();
+  }
+
+  void shootPhotos() {
+    shoot("photos");
+    browser().setFocus();
+    QTest::keyClick(&browser(), Qt::Key_Home);
+    QTest::keyClick(&browser(), Qt::Key_Right);
+    QTest::keyClick(&browser(), Qt::Key_Right, Qt::ShiftModifier);
+    shoot("selection");
+    browser().setPreviewOpen(true);
+    waitForPhotos();
+    shoot("preview");
+    browser().setPreviewOpen(false);
+  }
+
+  void shootExport() {
+    std::vector<ImageBrowserItemPointer> items;
+    for (int i = 0; i < browser().itemCount(); ++i) {
+      items.push_back(browser().itemAtIndex(i));
+    }
+    m_delegate.imageBrowserExportItemsToDestination(browser(), items, temporaryFolder());
+    shoot("exporting");
+    waitFor("the export ends",
+            [this] { return !label("centreText").text().startsWith("Exporting"); });
+  }
+
+  // The first backup that has this to say in the message pane.
+  void shootPane(const QString& message, const QString& state) {
+    auto& list = *m_delegate.window()->findChild<ORBSourceList*>();
+    for (int row = 0; row < list.numberOfRows() && label("text").text() != message; ++row) {
+      if (list.levelForRow(row) > 0 && !list.isRowSelected(row)) {
+        selectAndLoad(list, row);
+      }
+    }
+    if (QMessageBox* alert = visibleAlert()) {
+      shoot(*alert, state + "-alert");
+      alert->accept();
+    }
+    shoot(state);
+  }
+
+  void shootAlert(const QString& state) {
+    waitFor("the alert is up", [] { return visibleAlert() != nullptr; });
+    if (QMessageBox* alert = visibleAlert()) {
+      shoot(*alert, state);
+    }
+  }
+
+  void shootMenu(const char* name) {
+    auto* menu = m_delegate.window()->findChild<QMenu*>(name);
+    menu->popup({});
+    shoot(*menu, name);
+    menu->close();
+  }
+
+private:
+  // Returns when the window shows what the load has found.
+  static void selectAndLoad(ORBSourceList& list, int row) {
+    std::atomic<bool> finished = false;
+    const auto watch = NotificationCenter::defaultCenter().addObserver(
+        std::string(finishedLoadingNotification), list.itemAtRow(row).as<BackupModel>(),
+        [&](const Notification&) { finished = true; });
+    list.selectRowIndexesByExtendingSelection({row}, false);
+    waitFor("a backup is loaded", [&] { return finished.load(); });
+  }
+  void shoot(QWidget& widget, const QString& state) {
+    save(widget, m_folder, "window-" + state + "-" + m_palette);
+  }
+  ORBImageBrowserView& browser() { return *m_delegate.window()->findChild<ORBImageBrowserView*>(); }
+  QLabel& label(const char* name) { return *m_delegate.window()->findChild<QLabel*>(name); }
+
+  QString m_folder;
+  QString m_palette;
+  SLAppDelegate m_delegate;
+};
+
+void paintStates(const QString& folder, const QString& palette) {
+  {
+    WindowShots shots(folder, palette);
+    shots.shootLoading(defaultBackupRoot());
+    shots.shootPhotos();
+    shots.shootExport();
+    for (const char* menu : {"menuFile", "menuEdit", "menuView"}) {
+      shots.shootMenu(menu);
+    }
+    shots.shootPane("Backup is Encrypted", "encrypted");
+    shots.shootPane("No Photos Found in This Backup", "no-photos");
+  }
+  WindowShots shots(folder, palette);
+  shots.start(temporaryFolder() + "/none");
+  shots.shootAlert("no-backups");
 }
 
 }  // namespace
 
 void paintWindow(const QString& folder) {
-  paintStart(folder, "window-light", lightPalette());
-  paintStart(folder, "window-dark", darkPalette());
+  QApplication::setPalette(lightPalette());
+  paintStates(folder, "light");
+  QApplication::setPalette(darkPalette());
+  paintStates(folder, "dark");
 }
 
 }  // namespace snaplift::gallery

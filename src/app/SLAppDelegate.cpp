@@ -22,6 +22,9 @@ static void loadResources() {
 namespace snaplift {
 namespace {
 
+// The message pane fills the window with few words.
+constexpr double messageScale = 1.5;
+
 // The application's resource image of that name, in the resolution of the finest screen: an icon,
 // unlike a pixmap, knows the files "@2x" and "@3x" beside its own.
 QPixmap imageNamed(std::string_view name) {
@@ -32,8 +35,9 @@ QPixmap imageNamed(std::string_view name) {
 
 QIcon applicationIcon() {
   QIcon icon;
-  for (const char* size : {"16", "32", "48", "128", "256"}) {
-    icon.addFile(QString(":/icons/app.snaplift.Snaplift-%1.png").arg(size));
+  for (const int size : {16, 32, 48, 128, 256}) {
+    // A file whose size is told is decoded only when it is asked for.
+    icon.addFile(QString(":/icons/app.snaplift.Snaplift-%1.png").arg(size), QSize(size, size));
   }
   return icon;
 }
@@ -71,6 +75,9 @@ void SLAppDelegate::awakeFromNib() {
     updateCommands();
     emit hasSelectionChanged(hasSelection());
   });
+  QFont message = m_ui->text->font();
+  message.setPointSizeF(message.pointSizeF() * messageScale);
+  m_ui->text->setFont(message);
   m_ui->smallPictureMark->setPixmap(imageNamed("Small-Picture-Mark.png"));
   m_ui->largePictureMark->setPixmap(imageNamed("Large-Picture-Mark.png"));
   m_ui->splitView->setSizes({240, 800});
