@@ -57,9 +57,15 @@ def find(top, role, name=None):
     return wait_for(f"the {role} {name or ''}", lambda: next(iter(matching(top, role, name)), None))
 
 
+def extents(one):
+    """Where an object is on the screen. A busy bus may leave the question open at first."""
+    return wait_for("the place of an object", lambda: safe(
+        lambda: one.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)))
+
+
 def middle(one):
     """The middle of an object on the screen."""
-    box = one.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    box = extents(one)
     return box.x + box.width // 2, box.y + box.height // 2
 
 

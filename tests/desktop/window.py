@@ -11,8 +11,8 @@ import subprocess
 import sys
 import tempfile
 
-from accessible import (FocusedMenu, application, find, has_state, matching, middle, names, objects,
-                        press, safe)
+from accessible import (FocusedMenu, application, extents, find, has_state, matching, middle,
+                        names, objects, press, safe)
 from desktop import (PATIENCE, make_home, start_display, start_file_manager, started, wait_for,
                      xdotool)
 
@@ -271,13 +271,14 @@ def zoom(test):
     window = test.window()
     window.text("5 Photos")
     slider = find(window.application, "slider", "Zoom")
-    value = lambda: slider.queryValue().currentValue
+    value = lambda: safe(lambda: slider.queryValue().currentValue, -1)
+    largest = wait_for("the slider's range", lambda: safe(lambda: slider.queryValue().maximumValue))
     start = value()
     def double_click():
         xdotool("mousemove", *window.photo(0))
         xdotool("click", "--repeat", 2, "--delay", 40, 1)
     double_click()
-    wait_for("the largest size", lambda: value() == slider.queryValue().maximumValue)
+    wait_for("the largest size", lambda: value() == largest)
     double_click()
     wait_for("the size at the start", lambda: value() == start)
     window.activate()
@@ -287,7 +288,7 @@ def zoom(test):
     wait_for("the size at the start", lambda: value() == start)
 
     tree = find(window.application, "tree", "Backups")
-    box = lambda: tree.queryComponent().getExtents(0)
+    box = lambda: extents(tree)
     for aim, wanted in ((900, 300), (20, 200)):
         edge = (box().x + box().width, box().y + box().height // 2)
         xdotool("mousemove", *edge)
