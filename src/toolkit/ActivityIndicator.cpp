@@ -20,7 +20,7 @@ void ActivitySpokes::draw(QPainter& painter, const QPointF& centre, int step,
       turn * 3 / 4;  // y grows downward: this angle points up, and grows clockwise
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
-  float angle = static_cast<float>(up + turn / count * (step % count));
+  auto angle = static_cast<float>(up + turn / count * (step % count));
   for (int i = 0; i < count; ++i) {
     QColor faded = color;
     faded.setAlphaF(static_cast<float>(1 - 0.25 * std::sqrt(i)));

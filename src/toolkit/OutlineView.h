@@ -91,7 +91,7 @@ public:
   bool isRowSelected(int row) const;
   // Selects `rows` as well as, or instead of, what is selected. Where only one row may be selected
   // it is the first of them.
-  virtual void selectRowIndexesByExtendingSelection(const RowIndexes& rows, bool extend);
+  virtual void selectRowIndexesByExtendingSelection(const RowIndexes& requested, bool extend);
   void deselectAll();
   void scrollRowToVisible(int row);
   // The row that is being edited, or -1.
@@ -135,7 +135,7 @@ public:
 
   // A user's wish to select `rows`, of which `lead` (or the first) shall have the keyboard. The
   // delegate decides; rows that may not be selected stay out.
-  void proposeSelection(const RowIndexes& rows, int lead = -1);
+  void proposeSelection(const RowIndexes& proposed, int lead = -1);
   bool mayProposeRow(int row);
   void focusRow(int row);
   // The menu of the focused row, as the Menu key brings it up.
@@ -189,9 +189,9 @@ private:
   OutlineColumn& column() const { return *m_columns.front(); }
   int heightOfItem(OutlineItem item);
   void restoreExpandedItems(Node& parent, const std::unordered_set<OutlineItem>& items);
-  void deselectInside(const Node& node);
+  void deselectInside(const Node& closing);
 
-  void applySelection(const RowIndexes& rows);
+  void applySelection(const RowIndexes& chosen);
   void selectOnly(int row);
   void selectFromAnchor(int row);
   void toggleSelectionOf(int row);
