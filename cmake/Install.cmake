@@ -19,7 +19,7 @@ if(SNAPLIFT_GUI)
     DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
   set(icons "${CMAKE_INSTALL_DATADIR}/icons/hicolor")
   install(FILES "${resources}/icons/${application_id}.svg" DESTINATION "${icons}/scalable/apps")
-  foreach(size 16 24 32 48 64 128 256 512)
+  foreach(size 16 22 24 32 48 64 128 256 512)
     install(FILES "${resources}/icons/${application_id}-${size}.png"
       DESTINATION "${icons}/${size}x${size}/apps" RENAME "${application_id}.png")
   endforeach()

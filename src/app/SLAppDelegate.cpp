@@ -35,7 +35,7 @@ QPixmap imageNamed(std::string_view name) {
 
 QIcon applicationIcon() {
   QIcon icon;
-  for (const int size : {16, 32, 48, 128, 256}) {
+  for (const int size : {16, 24, 32, 48, 128, 256}) {
     // A file whose size is told is decoded only when it is asked for.
     icon.addFile(QString(":/icons/app.snaplift.Snaplift-%1.png").arg(size), QSize(size, size));
   }

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QClipboard>
+#include <QIcon>
 #include <QImage>
 #include <QLabel>
 #include <QMainWindow>
@@ -145,6 +146,19 @@ TEST_F(SLAppDelegateTest, showsDevicesAndLoadsTheFirstBackup) {
   EXPECT_TRUE(waitForText("1 Photo"));
   select(1);
   EXPECT_TRUE(waitForText("3 Photos"));
+}
+
+TEST_F(SLAppDelegateTest, carriesItsPictures) {
+  addBackup("a", 1, 100);
+  launch();
+  const auto icon = m_delegate->sourceListIconForItem(sourceList(), backupAtRow(1));
+  EXPECT_EQ(icon.value_or(QPixmap()).deviceIndependentSize(), QSizeF(16, 16));
+  EXPECT_EQ(child<QLabel>("smallPictureMark").pixmap().deviceIndependentSize(), QSizeF(12, 12));
+  EXPECT_EQ(child<QLabel>("largePictureMark").pixmap().deviceIndependentSize(), QSizeF(18, 18));
+  const QIcon windowIcon = m_delegate->window()->windowIcon();
+  for (const QSize size : {QSize(16, 16), QSize(256, 256)}) {
+    EXPECT_EQ(windowIcon.pixmap(size).toImage().size(), size);
+  }
 }
 
 TEST_F(SLAppDelegateTest, followsTheSelectionOfPhotos) {

@@ -16,7 +16,7 @@ for program in snaplift snaplift-cli; do
 done
 check desktop-file-validate "$prefix/share/applications/$id.desktop"
 check appstreamcli validate --no-net "$prefix/share/metainfo/$id.metainfo.xml" >/dev/null
-for size in 16 24 32 48 64 128 256 512; do
+for size in 16 22 24 32 48 64 128 256 512; do
   icon=$prefix/share/icons/hicolor/${size}x$size/apps/$id.png
   # Width and height stand in the header of a PNG, in four bytes each.
   check test "$(od -An -tu4 --endian=big -j16 -N8 "$icon" | xargs)" = "$size $size"
