@@ -24,6 +24,14 @@ std::uint64_t statusInBytes(std::string_view name) {
 
 }  // namespace
 
+std::uint64_t peakResidentMemoryInBytes() {
+  return statusInBytes("VmHWM:");
+}
+
+void resetPeakResidentMemory() {
+  std::ofstream("/proc/self/clear_refs") << "5";
+}
+
 std::optional<std::uint64_t> peakMemoryInBytes(const std::function<bool()>& job) {
   int ends[2];
   if (::pipe(ends) != 0) {

@@ -11,4 +11,10 @@ namespace snaplift::bench {
 // allocated and freed, or the job finds that memory again. Nothing where the child failed.
 std::optional<std::uint64_t> peakMemoryInBytes(const std::function<bool()>& job);
 
+// The most memory that this process had resident since its start or the last reset: for jobs that
+// cannot move to a child, such as those of an application object. What was freed before a reset and
+// kept by the allocator still counts.
+std::uint64_t peakResidentMemoryInBytes();
+void resetPeakResidentMemory();
+
 }  // namespace snaplift::bench

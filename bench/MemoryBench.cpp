@@ -1,0 +1,165 @@
+#include <QCoreApplication>
+#include <QScrollBar>
+#include <QTimer>
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <malloc.h>
+
+#include "app/BackupPhotos.h"
+#include "bench/CameraPhoto.h"
+#include "bench/PeakMemory.h"
+#include "bench/Ratio.h"
+#include "bench/ViewMain.h"
+#include "foundation/Log.h"
+#include "foundation/Path.h"
+#include "foundation/TemporaryFolder.h"
+#include "library/BackupModel.h"
+#include "samples/BackupWriter.h"
+#include "toolkit/ImageBrowserView.h"
+
+// What the program holds in memory while the largest of backups is scrolled through, and whether it
+// gives everything back.
+namespace snaplift::bench {
+namespace {
+
+namespace fs = std::filesystem;
+using samples::Generation;
+
+constexpr double megabyte = 1e6;
+constexpr int rounds = 10;
+
+std::string photoPath(int i) {
+  return "Media/DCIM/" + std::to_string(100 + i / 1000) + "APPLE/IMG_" + std::to_string(i) + ".JPG";
+}
+
+// A backup whose manifest tells of `photos` photos, and of `others` other files, whose content is
+// not written. Without contents it has no photos' bytes either, which can then be put in place.
+void writeBackup(const std::string& folder, Generation generation, const char* version, int photos,
+                 bool hasContents = true, int others = 0) {
+  samples::SampleBackup backup{
+      .generation = generation, .deviceName = "Phone", .productVersion = version};
+  for (int i = 0; i < photos + others; ++i) {
+    const bool isPhoto = i < photos;
+    backup.files.push_back(
+        {.domain = isPhoto ? std::string(samples::photoDomain(generation)) : "AppDomain",
+         .path = isPhoto ? photoPath(i) : "Library/Caches/file " + std::to_string(i),
+         .content = "bytes",
+         .modificationDate = static_cast<std::uint32_t>(1'300'000'000 + i),
+         .contentMissing = !isPhoto || !hasContents});
+  }
+  samples::writeBackup(folder, backup);
+}
+
+// Photos of 12 megapixels each. A few of them stand for all: a reader cannot tell, and 20,000 would
+// take 60 GB.
+void putPhotosInPlace(const std::string& folder, int photos) {
+  constexpr int different = 4;
+  for (int i = 0; i < photos; ++i) {
+    const auto place = [&](int k) {
+      return joinPath(folder, samples::contentName("CameraRollDomain", photoPath(k)));
+    };
+    if (i < different) {
+      samples::writeFile(place(i), cameraPhoto(i).toStdString());
+    } else {
+      fs::create_hard_link(place(i % different), place(i));
+    }
+  }
+}
+
+// Shows a backup and scrolls from its first photo to its last, a row each frame. The answer is the
+// most memory that was resident meanwhile, of the whole process.
+double peakOfScrolling(const std::string& folder, int photos) {
+  resetPeakResidentMemory();
+  const auto model = BackupModel::initWithBackupAtPath(folder);
+  if (!model || model->imageItems().size() != static_cast<std::size_t>(photos)) {
+    throw std::runtime_error("the backup cannot be loaded");
+  }
+  BackupPhotos source;
+  source.setContent(model.get());
+  ImageBrowserView view;
+  view.resize(1'000, 800);
+  view.setDataSource(&source);
+  view.show();
+  QTimer scroll;
+  QObject::connect(&scroll, &QTimer::timeout, &view, [&] {
+    QScrollBar* bar = view.verticalScrollBar();
+    if (bar->value() == bar->maximum()) {
+      QCoreApplication::exit();
+    }
+    bar->setValue(bar->value() + view.viewport()->height() / 4);
+  });
+  scroll.start(16);
+  QCoreApplication::exec();
+  return static_cast<double>(peakResidentMemoryInBytes()) / megabyte;
+}
+
+double bytesInUse() {
+  const auto info = mallinfo2();
+  return static_cast<double>(info.uordblks + info.hblkhd);
+}
+
+void loadAndForget(const std::vector<std::string>& folders) {
+  for (const std::string& folder : folders) {
+    const auto model = BackupModel::initWithBackupAtPath(folder);
+    if (!model || model->imageItems().empty()) {
+      throw std::runtime_error("the backup cannot be loaded");
+    }
+  }
+}
+
+// What ten rounds leave allocated that one did not. The allocator's own caches grow by a few
+// thousand bytes and then no more; a photo's item lost in each of the 100 loads would be 20,000.
+double growthOfLoading(const std::vector<std::string>& folders) {
+  loadAndForget(folders);
+  const double before = bytesInUse();
+  for (int round = 0; round < rounds; ++round) {
+    loadAndForget(folders);
+  }
+  return bytesInUse() - before;
+}
+
+std::vector<std::string> writeTenBackups(const std::string& folder) {
+  constexpr std::array<std::pair<Generation, const char*>, 5> generations = {
+      {{Generation::TwoSingleForm, "1.1.4"},
+       {Generation::TwoPairForm, "2.2.1"},
+       {Generation::Three, "3.1.3"},
+       {Generation::Four, "4.2.1"},
+       {Generation::Five, "5.1.1"}}};
+  std::vector<std::string> folders;
+  for (const char* device : {"a", "b"}) {
+    for (const auto& [generation, version] : generations) {
+      folders.push_back(joinPath(folder, std::string(device) + version));
+      writeBackup(folders.back(), generation, version, 1'000);
+    }
+  }
+  return folders;
+}
+
+}  // namespace
+
+int runViewBench(int argc, char** argv) {
+  constexpr int photos = 20'000;
+  constexpr int otherFiles = 80'000;
+  ::mallopt(M_ARENA_MAX, 1);  // mallinfo2 counts one arena only
+  const LogCapture silent([](const std::string&) {});
+  const TemporaryFolder folder({"/var/tmp"});
+  const std::string large = joinPath(folder.path(), "large");
+  Ratios ratios;
+  ratios.figure("ten loads of ten backups: growth", "bytes", 10'000,
+                [&] { return growthOfLoading(writeTenBackups(folder.path())); });
+  ratios.figure("20,000 photos of 12 megapixels, scrolled through", "MB resident", 600, [&] {
+    writeBackup(large, Generation::Five, "5.1.1", photos, false, otherFiles);
+    putPhotosInPlace(large, photos);
+    return peakOfScrolling(large, photos);
+  });
+  return ratios.run(argc, argv);
+}
+
+}  // namespace snaplift::bench
