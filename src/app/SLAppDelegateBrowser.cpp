@@ -10,9 +10,9 @@
 
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
-#include "ui_MainWindow.h"
 #include "toolkit/Alert.h"
 #include "toolkit/MainThread.h"
+#include "ui_MainWindow.h"
 
 namespace snaplift {
 namespace {

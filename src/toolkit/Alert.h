@@ -13,9 +13,9 @@ struct AlertText {
   QString informativeText;  // what it means for the user
 };
 
-// Shows the alert with the one button "Ok" and returns at once; no nested event loop runs. It blocks
-// `window`, or the whole application where that is null. `dismissed` is called when the user is done
-// with it, on the user interface's thread; not when the application quits meanwhile.
+// Shows the alert with the one button "Ok" and returns at once; no nested event loop runs. It
+// blocks `window`, or the whole application where that is null. `dismissed` is called when the user
+// is done with it, on the user interface's thread; not when the application quits meanwhile.
 void showAlert(QWidget* window, const AlertText& text, std::function<void()> dismissed = {});
 
 // Asks a question the same way. `confirmed` is called only when the user chooses `confirmButton`;

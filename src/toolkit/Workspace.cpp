@@ -12,9 +12,9 @@ namespace snaplift {
 
 void openFolderInFileManager(const std::string& folder) {
   const QUrl url = QUrl::fromLocalFile(QFile::decodeName(folder.c_str()));
-  QDBusMessage call = QDBusMessage::createMethodCall(
-      "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
-      "org.freedesktop.FileManager1", "ShowFolders");
+  QDBusMessage call = QDBusMessage::createMethodCall("org.freedesktop.FileManager1",
+                                                     "/org/freedesktop/FileManager1",
+                                                     "org.freedesktop.FileManager1", "ShowFolders");
   call << QStringList{url.toString(QUrl::FullyEncoded)} << QString();
   // The watcher is called back at once, with an error, where there is no session bus.
   auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
