@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -138,6 +139,7 @@ int Ratios::run(int argc, char** argv) {
   for (const auto& group : m_groups) {
     registerVariants(*group);
   }
+  ::sync();  // or what was written to be measured, and deleted before, takes a processor meanwhile
   Collector collector;
   if (!m_groups.empty()) {  // the library takes none for a mistake
     benchmark::RunSpecifiedBenchmarks(&collector);

@@ -19,13 +19,22 @@ bool isFrameHeader(int marker) {
   return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
-// Only the sequential processes (C0, C1, C9) are decoded row by row; every other keeps two bytes
-// for each coefficient of the whole picture.
-bool keepsCoefficients(int marker) {
-  return marker != 0xC0 && marker != 0xC1 && marker != 0xC9;
+constexpr int startOfScan = 0xDA;
+
+// Of the processes, C0, C1 and C9 are sequential.
+bool isSequential(int marker) {
+  return marker == 0xC0 || marker == 0xC1 || marker == 0xC9;
 }
 
-std::optional<PictureHeader> jpegFrame(ByteView frame, int marker) {
+// What a frame header says.
+struct JpegFrame {
+  QSize size;
+  bool isSequential;
+  int components;
+  std::int64_t coefficientBytes;  // two for each coefficient of the whole picture
+};
+
+std::optional<JpegFrame> jpegFrame(ByteView frame, int marker) {
   constexpr std::size_t fixedPart = 6;  // precision, height, width, number of components
   if (frame.size() < fixedPart) {
     return std::nullopt;
@@ -44,12 +53,20 @@ std::optional<PictureHeader> jpegFrame(ByteView frame, int marker) {
     samples += area;
   }
   const std::int64_t pixels = std::int64_t{size.width()} * size.height();
-  const std::int64_t row = std::int64_t{size.width()} * 4;
-  return PictureHeader{"jpeg", size,
-                       keepsCoefficients(marker) ? 2 * pixels * samples / largest : 64 * row};
+  return JpegFrame{size, isSequential(marker), static_cast<int>(components),
+                   2 * pixels * samples / largest};
+}
+
+// A sequential picture whose first scan holds every component is decoded row by row; of any other,
+// all coefficients are kept until the last scan.
+PictureHeader headerOf(const JpegFrame& frame, int componentsOfFirstScan) {
+  const std::int64_t rows = std::int64_t{64} * frame.size.width() * 4;
+  const bool isOneScan = frame.isSequential && componentsOfFirstScan == frame.components;
+  return {"jpeg", frame.size, isOneScan ? rows : frame.coefficientBytes, isOneScan};
 }
 
 std::optional<PictureHeader> jpegHeader(ByteView bytes) {
+  std::optional<JpegFrame> frame;
   std::size_t at = 2;  // behind the start-of-image marker
   while (at + 4 <= bytes.size() && bytes[at] == 0xFF) {
     const int marker = bytes[at + 1];
@@ -59,14 +76,18 @@ std::optional<PictureHeader> jpegHeader(ByteView bytes) {
     }
     const auto length = static_cast<std::size_t>(bigEndian16(bytes, at + 2));
     if (length < 2 || length > bytes.size() - at - 2) {
-      return std::nullopt;
+      break;
     }
-    if (isFrameHeader(marker)) {
-      return jpegFrame(bytes.subspan(at + 4, length - 2), marker);
+    const ByteView content = bytes.subspan(at + 4, length - 2);
+    if (marker == startOfScan) {
+      return frame && !content.empty() ? std::optional(headerOf(*frame, content[0])) : std::nullopt;
+    }
+    if (isFrameHeader(marker) && !frame) {
+      frame = jpegFrame(content, marker);
     }
     at += 2 + length;
   }
-  return std::nullopt;
+  return frame ? std::optional(headerOf(*frame, 0)) : std::nullopt;
 }
 
 std::optional<PictureHeader> pngHeader(ByteView bytes) {

@@ -32,8 +32,8 @@ struct Thumbnail {
 // What one decode may cost. Beyond it the photo is Undecodable.
 struct DecodeLimits {
   std::int64_t pixels = 300'000'000;
-  std::int64_t bytes = 1'200'000'000;  // 300 million pixels of four bytes
-  std::chrono::milliseconds time{10'000};
+  std::int64_t bytes = 1'200'000'000;      // 300 million pixels of four bytes
+  std::chrono::milliseconds time{10'000};  // where the pixels do not bound it
 };
 
 // The length in pixels of the longer side that a thumbnail is decoded with, for a cell of `pixels`:

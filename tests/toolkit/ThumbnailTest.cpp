@@ -1,3 +1,6 @@
+#include <QBuffer>
+#include <QImageWriter>
+
 #include <gtest/gtest.h>
 
 #include "support/pictures/TestPictures.h"
@@ -19,6 +22,14 @@ const std::atomic<bool> goOn = false;
 
 Thumbnail decode(const QByteArray& data, int pixels = 96, const DecodeLimits& limits = {}) {
   return decodeThumbnail(viewOf(data), pixels, limits, goOn);
+}
+
+QByteArray progressiveOf(const QImage& picture) {
+  QByteArray data;
+  QBuffer buffer(&data);
+  QImageWriter writer(&buffer, "jpeg");
+  writer.setProgressiveScanWrite(true);
+  return writer.write(picture) ? data : QByteArray();
 }
 
 bool isNear(QRgb color, QColor expected) {
@@ -137,21 +148,30 @@ TEST(Thumbnail, staysWithinItsLimits) {
   EXPECT_EQ(decode(photo, 96, limits).state, State::Ready);  // decoded row by row
 
   limits = {};
+  const QByteArray progressive = progressiveOf(quadrants({800, 600}));
+  EXPECT_EQ(decode(progressive, 96, limits).state, State::Ready);
   limits.time = std::chrono::milliseconds(-1);
-  EXPECT_EQ(decode(photo, 96, limits).state, State::Undecodable);
+  EXPECT_EQ(decode(progressive, 96, limits).state, State::Undecodable);
   const std::atomic<bool> stop = true;
-  EXPECT_EQ(decodeThumbnail(viewOf(photo), 96, {}, stop).state, State::Undecodable);
+  EXPECT_EQ(decodeThumbnail(viewOf(progressive), 96, {}, stop).state, State::Undecodable);
 }
 
-TEST(PictureHeader, progressivePicturesKeepTheirCoefficients) {
-  QByteArray jpeg = encoded(quadrants({800, 600}));
-  const qsizetype frame = jpeg.indexOf(QByteArray("\xFF\xC0", 2));
-  ASSERT_GT(frame, 0);
+TEST(PictureHeader, picturesOfManyScansKeepTheirCoefficients) {
+  const QByteArray jpeg = encoded(quadrants({800, 600}));
   EXPECT_LT(pictureHeader(viewOf(jpeg))->decodedBytes, 800 * 600);
-  jpeg[frame + 1] = '\xC2';
-  const std::int64_t coefficients = pictureHeader(viewOf(jpeg))->decodedBytes;
-  EXPECT_GE(coefficients, 2 * 800 * 600);
-  EXPECT_LE(coefficients, 6 * 800 * 600);
+  EXPECT_TRUE(pictureHeader(viewOf(jpeg))->isOneScan);
+  // The first scan tells of one component fewer than the frame: others are to follow.
+  QByteArray apart = jpeg;
+  const qsizetype scan = jpeg.indexOf(QByteArray("\xFF\xDA", 2));
+  ASSERT_GT(scan, 0);
+  apart[scan + 4] = '\x01';
+  for (const QByteArray& other : {progressiveOf(quadrants({800, 600})), apart, jpeg.left(scan)}) {
+    const auto header = pictureHeader(viewOf(other));
+    ASSERT_TRUE(header);
+    EXPECT_FALSE(header->isOneScan);
+    EXPECT_GE(header->decodedBytes, 2 * 800 * 600);
+    EXPECT_LE(header->decodedBytes, 6 * 800 * 600);
+  }
 }
 
 TEST(ThumbnailStep, isTheNextOfAFewSizes) {
