@@ -1,6 +1,6 @@
 """Drives the real window from start to end: with pointer and keys, and read as a screen reader does.
 
-usage: window.py SCENARIO SNAPLIFT WRITEBACKUPS   (on a session bus of its own)
+usage: window.py SCENARIO SNAPLIFT WRITEBACKUPS [FILE MANAGER]   (on a session bus of its own)
 """
 
 import contextlib
@@ -238,7 +238,7 @@ def copy(test):
     window.text("5 Photos")
     xdotool("windowsize", "--sync", window.activate(), 640, 500)
     xdotool("windowmove", "--sync", window.activate(), 0, 30)
-    manager, place = start_file_manager(test.stack, "pcmanfm", test.folder, 660, 120, 560, 500)
+    manager, place = start_file_manager(test.stack, test.manager, test.folder, 660, 120, 560, 500)
     window.activate()
     window.click_photo(1)
     window.text("1 of 5 Photos Selected")
@@ -370,9 +370,10 @@ def quit(test):
 
 
 class Test:
-    def __init__(self, stack, program, writer):
+    def __init__(self, stack, program, writer, manager):
         self.stack = stack
         self.program = program
+        self.manager = manager
         self.folder = stack.enter_context(tempfile.TemporaryDirectory(prefix="snaplift-folder-"))
         self.root = os.path.join(make_home(stack), ROOT)
         self.errors = stack.enter_context(tempfile.TemporaryFile("w+"))
@@ -388,11 +389,11 @@ class Test:
         return said[said.find("Sanitizer"):] if "Sanitizer" in said else ""
 
 
-def main(scenario, program, writer):
+def main(scenario, program, writer, manager=None):
     with contextlib.ExitStack() as stack:
         os.environ["LC_ALL"] = "C.UTF-8"
         os.environ["LANG"] = "en_US.UTF-8"
-        test = Test(stack, program, writer)
+        test = Test(stack, program, writer, manager)
         start_display(stack)
         before = digests(test.root)
         globals()[scenario](test)
