@@ -53,8 +53,8 @@ public:
   virtual std::optional<Bytes> dataForFileAtPath(const std::string& uniquePath,
                                                  Bytes reuse = {}) const = 0;
 
-  // False where a file that loading or visiting needed is there and cannot be read (a disk that
-  // fails, a missing right, damage): photos may be missing from the list.
+  // False where a file that loading or visiting needed is there and cannot be read to its end
+  // (a disk that fails, a missing right, damage): photos may be missing from the list.
   virtual bool isComplete() const = 0;
 
   // Whether the manifest says that the content is encrypted. False before loading.

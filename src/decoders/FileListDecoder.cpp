@@ -98,7 +98,7 @@ std::vector<BackupFileModel> FileListDecoder::readFileModels(
   const auto bytes = manifest ? manifest->root().valueForKey("Data").data() : std::nullopt;
   const auto listing = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
   if (!listing) {
-    fileGaveNothing(findFile(backupPath(), "manifest.plist"));
+    noteDamageOf(findFile(backupPath(), "manifest.plist"));
     return {};
   }
   const std::vector<ListedFile> files = listedFiles(*listing, photoDomain());

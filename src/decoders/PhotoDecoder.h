@@ -51,9 +51,9 @@ public:
   bool isComplete() const override { return m_isComplete; }
 
 protected:
-  // To be called where a file of the backup gave nothing that could be used: that is damage when
-  // the file is there, and no more than its absence else. On any thread.
-  void fileGaveNothing(const std::string& path) const {
+  // To be called where a file of the backup gave nothing that could be used, or less than it had:
+  // that is damage when the file is there, and no more than its absence else. On any thread.
+  void noteDamageOf(const std::string& path) const {
     if (fileAttributes(path)) {
       systemLog("cannot read, photos may be missing: " + path);
       m_isComplete = false;

@@ -22,8 +22,8 @@ std::optional<BackupFileModel> iOS2Decoder::readFileModel(const OpenFolder& fold
     list = readDictionaryOf(folder, file, singleFormExtension);
   }
   if (!list) {
-    fileGaveNothing(joinPath(backupPath(), fileName(file, ".mdinfo")));
-    fileGaveNothing(joinPath(backupPath(), fileName(file, singleFormExtension)));
+    noteDamageOf(joinPath(backupPath(), fileName(file, ".mdinfo")));
+    noteDamageOf(joinPath(backupPath(), fileName(file, singleFormExtension)));
   }
   std::optional<std::string> path = list ? textUnderKey(*list, "Path") : std::nullopt;
   if (!path || !isWanted(*path, wanted)) {

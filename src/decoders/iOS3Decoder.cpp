@@ -13,7 +13,7 @@ std::optional<BackupFileModel> iOS3Decoder::readFileModel(const OpenFolder& fold
   const auto bytes = info ? info->root().valueForKey("Metadata").data() : std::nullopt;
   const auto metadata = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
   if (!metadata) {
-    fileGaveNothing(joinPath(backupPath(), fileName(file, ".mdinfo")));
+    noteDamageOf(joinPath(backupPath(), fileName(file, ".mdinfo")));
   }
   std::optional<std::string> path = metadata ? textUnderKey(*metadata, "Path") : std::nullopt;
   if (!path || !isWanted(*path, wanted)) {

@@ -12,8 +12,8 @@ namespace snaplift {
 const MBDBXReader& iOS4Decoder::reader(std::stop_token stop) {
   if (!m_reader) {
     m_reader = std::make_unique<MBDBXReader>(backupPath(), stop);
-    if (!m_reader->mbdb().hasData()) {
-      fileGaveNothing(joinPath(backupPath(), "Manifest.mbdb"));
+    if (!m_reader->mbdb().isWhole()) {
+      noteDamageOf(joinPath(backupPath(), "Manifest.mbdb"));
     }
   }
   return *m_reader;
@@ -22,7 +22,7 @@ const MBDBXReader& iOS4Decoder::reader(std::stop_token stop) {
 void iOS4Decoder::loadContents(std::stop_token stop) {
   const auto manifest = readDictionary(backupPath(), "manifest.plist");
   if (!manifest) {
-    fileGaveNothing(findFile(backupPath(), "manifest.plist"));
+    noteDamageOf(findFile(backupPath(), "manifest.plist"));
   }
   const auto* media = reader(stop).records().entriesOf("MediaDomain");
   if (stop.stop_requested()) {

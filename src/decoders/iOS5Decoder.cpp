@@ -19,14 +19,14 @@ iOS5BackupReader& iOS5Decoder::reader() {
 void iOS5Decoder::loadContents(std::stop_token stop) {
   const auto manifest = readDictionary(backupPath(), "manifest.plist");
   if (!manifest) {
-    fileGaveNothing(findFile(backupPath(), "manifest.plist"));
+    noteDamageOf(findFile(backupPath(), "manifest.plist"));
   }
   const auto* cameraRoll = reader().records(stop).entriesOf("CameraRollDomain");
   if (stop.stop_requested()) {
     return;
   }
-  if (!reader().hasManifest()) {
-    fileGaveNothing(joinPath(backupPath(), "Manifest.mbdb"));
+  if (!reader().hasWholeManifest()) {
+    noteDamageOf(joinPath(backupPath(), "Manifest.mbdb"));
   }
   std::vector<ManifestRecord> photos;
   if (cameraRoll) {

@@ -30,8 +30,8 @@ public:
   // not built: a part of a manifest is never passed off as the whole.
   const Records& records(std::stop_token stop = {});
 
-  // Whether records() found a manifest that can be read.
-  bool hasManifest() const { return m_reader.hasData(); }
+  // Whether records() found a manifest, and read it to its end.
+  bool hasWholeManifest() const { return m_reader.isWhole(); }
 
   // Places `record` in this backup and appends it to the list of its domain. Its texts must live as
   // long as this index.

@@ -24,6 +24,7 @@ std::optional<ManifestRecord> iOS5MBDBReader::nextEntry() {
 
 std::optional<ManifestRecord> iOS5MBDBReader::dictionaryFromOffset(std::uint64_t offset) {
   const std::optional<ManifestRecord> record = ManifestRecord::fromOffset(m_data, offset);
+  m_isCutOff = m_isCutOff || !record;
   m_position = record ? offset : m_data.size();
   return record;
 }

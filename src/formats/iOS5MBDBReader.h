@@ -16,7 +16,8 @@ namespace snaplift {
 // The whole file is loaded when the reader is made. Records are views into the reader's buffer: who
 // keeps records keeps the reader. A file that is missing, unreadable or too short yields no entry,
 // and nothing is reported. An entry that the end of the file cuts off is dropped, and with it the
-// walk ends. One thread at a time, until the walk is done; records are then safe from all.
+// walk ends; isWhole() then tells. One thread at a time, until the walk is done; records are then
+// safe from all.
 class iOS5MBDBReader {
 public:
   // A reader over the file's content; without data where it cannot be read.
@@ -26,8 +27,8 @@ public:
   // A reader without data, which yields no entry.
   iOS5MBDBReader() = default;
 
-  // False where the file could not be read, or is empty.
-  bool hasData() const { return !m_data.empty(); }
+  // After a walk: whether the file could be read, and its last entry ends where the file ends.
+  bool isWhole() const { return m_data.size() >= headerLength && !m_isCutOff; }
 
   // The next entry in file order; nothing at the end, however often it is asked.
   std::optional<ManifestRecord> nextEntry();
@@ -53,6 +54,7 @@ private:
 
   Bytes m_data;
   std::uint64_t m_position = headerLength;
+  bool m_isCutOff = false;
 };
 
 }  // namespace snaplift

@@ -1,6 +1,7 @@
 // The contract that the rest of the system knows a decoder by, proved over every generation.
 
 #include <atomic>
+#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -16,6 +17,8 @@
 #include "decoders/iOS3Decoder.h"
 #include "decoders/iOS4Decoder.h"
 #include "decoders/iOS5Decoder.h"
+#include "foundation/Log.h"
+#include "foundation/Path.h"
 #include "samples/BackupWriter.h"
 #include "support/TemporaryTree.h"
 #include "support/TreeState.h"
@@ -23,6 +26,7 @@
 namespace snaplift {
 namespace {
 
+namespace fs = std::filesystem;
 using samples::Generation;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -140,6 +144,34 @@ TEST_P(DecoderContract, aBackupWithoutAnythingHasNoPhotos) {
   int files = 0;
   decoder->visitFiles([&](const BackedUpFile&) { ++files; });
   EXPECT_EQ(files, 0);
+}
+
+TEST_P(DecoderContract, tellsWhetherItCouldReadWhatListsThePhotos) {
+  const LogCapture quietly([](const std::string&) {});
+  samples::writeBackup(folder(), backup());
+  const auto isComplete = [&] {
+    const auto decoder = this->decoder();
+    decoder->loadContents();
+    return decoder->isComplete();
+  };
+  EXPECT_TRUE(isComplete());
+  int listing = 0;
+  for (const std::string& name : m_tree.list("backup")) {
+    const std::string file = "backup/" + name;
+    const std::string whole = m_tree.read(file);
+    const bool holdsAPhoto = whole.starts_with("photo");
+    if (equalsIgnoringCase(name, "info.plist") || holdsAPhoto) {
+      continue;
+    }
+    m_tree.write(file, whole.substr(0, whole.size() / 2));
+    listing += isComplete() ? 0 : 1;
+    fs::remove(m_tree.path(file));
+    EXPECT_TRUE(isComplete()) << name;  // what is not there is not damaged
+    m_tree.write(file, whole);
+  }
+  // The manifest lists itself, and either a database or a small file for each photo.
+  const bool hasDatabase = GetParam().generation >= Generation::Four;
+  EXPECT_EQ(listing, hasDatabase ? 2 : 1 + static_cast<int>(photoCount) + 3);
 }
 
 TEST_P(DecoderContract, aPhotoWithoutItsFileIsListedAndHasNoBytes) {
