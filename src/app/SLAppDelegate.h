@@ -5,10 +5,12 @@
 #include <QPointer>
 #include <atomic>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "app/BackupPhotos.h"
+#include "app/ExportBatch.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/OperationQueue.h"
 #include "library/BackupController.h"
@@ -117,6 +119,7 @@ private:
   void finishedLoading(BackupModel* backup);
   void showContentOf(BackupModel* backup);
   void didShowContentOf(BackupModel* backup);
+  void tellOfDamage(const BackupModel& backup);
   void showMessage(const QString& message);
   void updateCentreText();
   void updateMenuItem();
@@ -125,12 +128,13 @@ private:
 
   // Export.
   using PhotosToExport = std::vector<ImageItem*>;
-  void chooseFolderAndExport(std::function<PhotosToExport(BackupModel& backup)> photos);
+  void chooseFolderAndExport(const std::function<PhotosToExport(BackupModel& backup)>& photos);
   PhotosToExport photosAtIndexes(BackupModel& backup, const std::vector<int>& indexes) const;
   std::vector<std::string> exportPhotos(const PhotosToExport& photos,
                                         const std::string& destination);
   void exportOperationsDidChange();
   void updateExportProgress();
+  void tellOfFailures(const ExportFailures& failures);
   void askWhetherToStopExporting();
 
   std::unique_ptr<BackupController> m_bc;
@@ -141,7 +145,8 @@ private:
   float m_zoomLevel = startZoom;
   std::unique_ptr<ORBAdjustingValueAnimation> m_zoomAnimation;
   std::unique_ptr<QMenu> m_contextMenu;
-  QPointer<QAction> m_pendingMenuItem;  // "Loading...", waiting for its backup; of m_contextMenu
+  std::set<std::string> m_toldOfDamage;  // paths of backups
+  QPointer<QAction> m_pendingMenuItem;   // "Loading...", waiting for its backup; of m_contextMenu
 
   std::atomic<bool> m_exportUpdateIsPosted = false;
   std::unique_ptr<OperationQueue> m_exportOperationQueue;

@@ -93,6 +93,17 @@ void SLAppDelegate::didShowContentOf(BackupModel* backup) {
   updateMenuItem();
   updateCommands();
   m_ui->sourceList->reloadItem(backup);
+  tellOfDamage(*backup);
+}
+
+// Once for each backup, however often it is selected.
+void SLAppDelegate::tellOfDamage(const BackupModel& backup) {
+  if (!backup.isComplete() && m_toldOfDamage.insert(backup.path()).second) {
+    showAlert(m_window.get(),
+              {"This Backup is Damaged",
+               "Snaplift shows every photo that it could find, but some of the "
+               "files that list the photos cannot be read. Photos may be missing."});
+  }
 }
 
 void SLAppDelegate::showMessage(const QString& message) {

@@ -10,6 +10,7 @@
 #include "app/PhotoPasteboard.h"
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
+#include "foundation/Log.h"
 #include "foundation/Path.h"
 #include "library/ExportDestination.h"
 #include "toolkit/ActivityIndicator.h"
@@ -19,6 +20,31 @@
 #include "ui_MainWindow.h"
 
 namespace snaplift {
+namespace {
+
+AlertText failedExportText(const ExportFailures& failures) {
+  if (failures.failedCount == 0) {
+    return {"The Photos May Not Be Safe Yet",
+            QStringLiteral("All photos were exported, but their disk does not confirm that it has "
+                           "them (%1). Look at them before you give the backup away.")
+                .arg(QString::fromStdString(failures.onFlush->reason()))};
+  }
+  QString text("They are still in the backup.\n");
+  for (const ExportFailures::Photo& photo : failures.first) {
+    text += QStringLiteral("\n%1: %2")
+                .arg(QString::fromStdString(escapedForLog(photo.name)),
+                     QString::fromStdString(photo.error.reason()));
+  }
+  if (failures.failedCount > failures.first.size()) {
+    text += QStringLiteral("\nand %1 more").arg(failures.failedCount - failures.first.size());
+  }
+  return {QStringLiteral("%1 of %2 Photos Were Not Exported")
+              .arg(failures.failedCount)
+              .arg(failures.photoCount),
+          text};
+}
+
+}  // namespace
 
 void SLAppDelegate::exportSelectedPhotosFromSelectedBackup() {
   chooseFolderAndExport([this](BackupModel& backup) {
@@ -37,7 +63,7 @@ void SLAppDelegate::exportAllPhotosFromSelectedBackup() {
 }
 
 void SLAppDelegate::chooseFolderAndExport(
-    std::function<PhotosToExport(BackupModel& backup)> photos) {
+    const std::function<PhotosToExport(BackupModel& backup)>& photos) {
   BackupModel* backup = selectedBackup();
   chooseFolder(m_window.get(), "Export", [this, backup, photos](const std::string& folder) {
     if (backup) {
@@ -71,7 +97,11 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
     showAlert(m_window.get(), {"The Photos Cannot Be Exported", QString::fromStdString(*problem)});
     return names;
   }
-  const auto batch = std::make_shared<ExportBatch>(destination, photos.size());
+  const auto report = [this](const ExportFailures& failures) {
+    QMetaObject::invokeMethod(
+        this, [this, failures] { tellOfFailures(failures); }, Qt::QueuedConnection);
+  };
+  const auto batch = std::make_shared<ExportBatch>(destination, photos.size(), report);
   for (ImageItem* photo : photos) {
     names.emplace_back(lastPathComponent(photo->imageUID()));
     m_exportOperationQueue->addOperation([photo, batch] { batch->extract(*photo); });
@@ -113,6 +143,10 @@ void SLAppDelegate::updateExportProgress() {
     m_ui->exportSpinner->stopAnimation();
     updateCentreText();
   }
+}
+
+void SLAppDelegate::tellOfFailures(const ExportFailures& failures) {
+  showAlert(m_window.get(), failedExportText(failures));
 }
 
 void SLAppDelegate::askWhetherToStopExporting() {

@@ -5,23 +5,6 @@
 #include <utility>
 
 namespace snaplift {
-namespace {
-
-std::string reasonOf(const FileError& error) {
-  if (error.domain == posixErrorDomain) {
-    return std::generic_category().message(error.code);
-  }
-  switch (error.code) {
-    case fileWriteFileExistsError:
-      return "a file of this name exists";
-    case fileWriteInvalidFileNameError:
-      return "this is not the name of a file";
-    default:
-      return "the file cannot be read";
-  }
-}
-
-}  // namespace
 
 FileError FileError::ofSystem(int errorNumber, std::string path) {
   return errorNumber == EEXIST ? fileExists(std::move(path))
@@ -44,9 +27,22 @@ bool FileError::isFileExists() const {
   return domain == cocoaErrorDomain && code == fileWriteFileExistsError;
 }
 
+std::string FileError::reason() const {
+  if (domain == posixErrorDomain) {
+    return std::generic_category().message(code);
+  }
+  switch (code) {
+    case fileWriteFileExistsError:
+      return "a file of this name exists";
+    case fileWriteInvalidFileNameError:
+      return "this is not the name of a file";
+    default:
+      return "the file cannot be read";
+  }
+}
+
 std::string FileError::description() const {
-  return path + ": " + reasonOf(*this) + " (" + std::string(domain) + " " + std::to_string(code) +
-         ")";
+  return path + ": " + reason() + " (" + std::string(domain) + " " + std::to_string(code) + ")";
 }
 
 }  // namespace snaplift

@@ -30,6 +30,9 @@ struct FileError {
 
   bool isFileExists() const;
 
+  // "No space left on device": why, in words for the user.
+  std::string reason() const;
+
   // "/out/IMG_0001.JPG: No space left on device (NSPOSIXErrorDomain 28)". The path stands as it is,
   // control characters included: systemLog and every other medium escape what they print.
   std::string description() const;

@@ -53,8 +53,8 @@ std::optional<Bytes> ImageItem::imageRepresentation() const {
   return m_delegate.imageDataForPath(m_path);
 }
 
-bool ImageItem::extract(const std::string& destination) {
-  return !extractAndLog(destination).error;
+std::optional<FileError> ImageItem::extract(const std::string& destination) {
+  return extractAndLog(destination).error;
 }
 
 ExtractOutcome ImageItem::extractAndLog(const std::string& destination) {

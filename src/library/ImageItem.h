@@ -63,9 +63,9 @@ public:
   std::string_view imageRepresentationType() const { return imageBrowserNSDataRepresentationType; }
   std::optional<Bytes> imageRepresentation() const;
 
-  // Copies the photo into the folder `destination` and says whether it arrived. A failure is one
-  // line in the system log: "failed (%d) to extract the file: %@".
-  bool extract(const std::string& destination);
+  // Copies the photo into the folder `destination`. The answer is why it did not arrive; that is
+  // one line in the system log, too: "failed (%d) to extract the file: %@".
+  std::optional<FileError> extract(const std::string& destination);
 
   // The same without a log line, for callers that report by themselves. `buffer` is working space:
   // handed from photo to photo, it saves a new allocation for each.

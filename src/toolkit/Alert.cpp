@@ -1,5 +1,6 @@
 #include "toolkit/Alert.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <utility>
@@ -15,6 +16,10 @@ QMessageBox* makeAlert(QWidget* window, QMessageBox::Icon icon, const AlertText&
   alert->setTextFormat(Qt::PlainText);
   alert->setText(text.messageText);
   alert->setInformativeText(text.informativeText);
+  // The format that is set counts for the message alone; a file's name may look like markup.
+  for (QLabel* label : alert->findChildren<QLabel*>()) {
+    label->setTextFormat(Qt::PlainText);
+  }
   return alert;
 }
 

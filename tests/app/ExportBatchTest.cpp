@@ -35,12 +35,14 @@ protected:
   ImageItem m_photo{"a.jpg", m_photos};
   ImageItem m_lost{"lost.jpg", m_photos};
   std::vector<std::string> m_log;
+  std::vector<ExportFailures> m_reports;
+  ExportBatch::Report m_report{[this](const auto& failures) { m_reports.push_back(failures); }};
   LogCapture m_capture{[this](std::string line) { m_log.push_back(std::move(line)); }};
 };
 
 TEST_F(ExportBatchTest, flushesOnceAfterTheLastPhoto) {
   const FaultyFileSystem fileSystem({});
-  ExportBatch batch(m_tree.root(), 3);
+  ExportBatch batch(m_tree.root(), 3, m_report);
   batch.extract(m_photo);
   batch.extract(m_photo);
   EXPECT_EQ(fileSystem.flushes(), 0);
@@ -48,16 +50,20 @@ TEST_F(ExportBatchTest, flushesOnceAfterTheLastPhoto) {
   const int once = fileSystem.flushes();
   EXPECT_GT(once, 0);
   {
-    ExportBatch stopped(m_tree.root(), 3);
+    ExportBatch stopped(m_tree.root(), 3, m_report);
     stopped.extract(m_photo);
     EXPECT_EQ(fileSystem.flushes(), once);
   }
   EXPECT_EQ(fileSystem.flushes(), 2 * once);
+  ASSERT_EQ(m_reports.size(), 1U);
+  EXPECT_EQ(m_reports[0].photoCount, 3U);
+  EXPECT_EQ(m_reports[0].failedCount, 1U);
+  EXPECT_EQ(m_reports[0].first[0].name, "lost.jpg");
 }
 
 TEST_F(ExportBatchTest, flushesNothingWhereNothingArrived) {
   const FaultyFileSystem fileSystem({});
-  ExportBatch batch(m_tree.root(), 1);
+  ExportBatch batch(m_tree.root(), 1, m_report);
   batch.extract(m_lost);
   EXPECT_EQ(fileSystem.flushes(), 0);
   EXPECT_THAT(m_log, ElementsAre(HasSubstr("lost.jpg")));
@@ -67,17 +73,20 @@ TEST_F(ExportBatchTest, saysWhenPhotosMayNotBeOnTheDisk) {
   int calls = 0;
   {
     const FaultyFileSystem fileSystem({});
-    ExportBatch(m_tree.makeFolder("counted"), 1).extract(m_photo);
+    ExportBatch(m_tree.makeFolder("counted"), 1, m_report).extract(m_photo);
     calls = fileSystem.calls();
   }
   ASSERT_THAT(m_log, IsEmpty());
   // The last of the calls: with the close before it, the flush of the folder.
   const FaultyFileSystem fileSystem({.faultyCall = calls - 1, .errorNumber = EIO});
-  ExportBatch(m_tree.makeFolder("out"), 1).extract(m_photo);
+  ExportBatch(m_tree.makeFolder("out"), 1, m_report).extract(m_photo);
   EXPECT_THAT(m_log,
               ElementsAre("failed to bring the exported photos to the disk: " + m_tree.path("out") +
                           ": Input/output error (NSPOSIXErrorDomain 5)"));
   EXPECT_EQ(m_tree.read("out/a.jpg"), "a.jpg");
+  ASSERT_EQ(m_reports.size(), 1U);
+  EXPECT_EQ(m_reports[0].failedCount, 0U);
+  EXPECT_EQ(m_reports[0].onFlush, FileError::ofSystem(EIO, m_tree.path("out")));
 }
 
 }  // namespace

@@ -1,121 +1,15 @@
-#include <QAction>
 #include <QApplication>
-#include <QBuffer>
-#include <QClipboard>
 #include <QIcon>
-#include <QImage>
-#include <QLabel>
-#include <QMainWindow>
-#include <QMessageBox>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QSlider>
-#include <QStackedWidget>
-#include <QTest>
 #include <latch>
-#include <string>
-#include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "app/SLAppDelegate.h"
+#include "SLAppDelegateFixture.h"
 #include "app/StatusText.h"
-#include "foundation/Log.h"
-#include "samples/BackupWriter.h"
-#include "support/TemporaryTree.h"
-#include "toolkit/ActivityIndicator.h"
-#include "toolkit/MainThread.h"
 
 namespace snaplift {
 namespace {
-
-using testing::IsEmpty;
-
-std::string picture() {
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  QImage image(32, 24, QImage::Format_RGB32);
-  image.fill(Qt::darkGreen);
-  image.save(&buffer, "PNG");
-  return bytes.toStdString();
-}
-
-class SLAppDelegateTest : public testing::Test {
-protected:
-  SLAppDelegateTest() { mainThread::resume(); }
-
-  // A backup with photos IMG_0001.PNG and so on; a later date is a newer backup.
-  std::string addBackup(const std::string& name, int photos, std::int64_t date,
-                        bool encrypted = false) {
-    samples::SampleBackup backup{.generation = samples::Generation::Five,
-                                 .deviceName = "Anna's Phone",
-                                 .productVersion = "5.0",
-                                 .encrypted = encrypted,
-                                 .date = instantFromUnixTime(date)};
-    for (int i = 1; i <= photos; ++i) {
-      const std::string number = std::to_string(10000 + i).substr(1);
-      backup.files.push_back({.domain = "CameraRollDomain",
-                              .path = "Media/DCIM/100APPLE/IMG_" + number + ".PNG",
-                              .content = m_picture});
-    }
-    const std::string folder = m_tree.path("root/" + name);
-    samples::writeBackup(folder, backup);
-    return folder;
-  }
-
-  void launch() {
-    m_delegate = std::make_unique<SLAppDelegate>();
-    m_delegate->applicationDidFinishLaunching(m_tree.path("root"));
-  }
-
-  template <class Child>
-  Child& child(const char* name) {
-    return *m_delegate->window()->findChild<Child*>(name);
-  }
-  QString text() { return child<QLabel>("text").text(); }
-  QString centreText() { return child<QLabel>("centreText").text(); }
-  QAction& action(const char* name) { return child<QAction>(name); }
-  ORBSourceList& sourceList() { return child<ORBSourceList>("sourceList"); }
-  ORBImageBrowserView& browser() { return child<ORBImageBrowserView>("browser"); }
-  bool showsBrowser() { return child<QStackedWidget>("contentArea").currentWidget() == &browser(); }
-  bool waitForText(const QString& expected) {
-    return QTest::qWaitFor([&] { return centreText() == expected; });
-  }
-  void select(int row) { sourceList().selectRowIndexesByExtendingSelection({row}, false); }
-  BackupModel* backupAtRow(int row) { return sourceList().itemAtRow(row).as<BackupModel>(); }
-
-  // The alert that is up, once there is one.
-  QMessageBox* alert() {
-    QMessageBox* found = nullptr;
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-      found = m_delegate->window()->findChild<QMessageBox*>();
-      return found && found->isVisible();
-    }));
-    return found;
-  }
-
-  QMenu* contextMenu(int row, Qt::MouseButton button = Qt::RightButton) {
-    QMouseEvent press(QEvent::MouseButtonPress, QPointF(), QPointF(), button, button,
-                      Qt::NoModifier);
-    return m_delegate->sourceListMenuForEventItem(sourceList(), press, sourceList().itemAtRow(row))
-        .value_or(nullptr);
-  }
-
-  std::optional<std::vector<std::string>> dropAllPhotosInto(const std::string& folder) {
-    std::vector<ImageBrowserItemPointer> items;
-    for (int i = 0; i < browser().itemCount(); ++i) {
-      items.push_back(browser().itemAtIndex(i));
-    }
-    return m_delegate->imageBrowserExportItemsToDestination(browser(), items, folder);
-  }
-
-  const std::string m_picture = picture();
-  TemporaryTree m_tree;
-  LogCapture m_quietLog{[](const std::string&) {}};
-  std::unique_ptr<SLAppDelegate> m_delegate;
-};
 
 TEST(StatusText, countsPhotosAndSelections) {
   struct Case {
@@ -204,6 +98,23 @@ TEST_F(SLAppDelegateTest, saysThatABackupIsEncrypted) {
   EXPECT_FALSE(action("actionExportAll").isEnabled());
 }
 
+TEST_F(SLAppDelegateTest, saysOnceThatABackupIsDamaged) {
+  const std::string folder = addBackup("a", 2, 100);
+  addBackup("b", 3, 50);
+  m_tree.write("root/a/Manifest.mbdb", "no manifest");
+  launch();
+  QMessageBox* box = alert();
+  ASSERT_TRUE(box);
+  EXPECT_EQ(box->text(), "This Backup is Damaged");
+  EXPECT_EQ(text(), "No Photos Found in This Backup");
+  box->buttons().front()->click();
+  select(2);
+  ASSERT_TRUE(waitForText("3 Photos"));
+  select(1);
+  ASSERT_TRUE(waitForText("No Photos"));
+  EXPECT_FALSE(m_delegate->window()->findChild<QMessageBox*>());
+}
+
 TEST_F(SLAppDelegateTest, withoutBackupsSaysSoAndQuits) {
   launch();
   QMessageBox* box = alert();
@@ -266,54 +177,6 @@ TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
   EXPECT_EQ(titles(contextMenu(2)), QStringList({"No Photos", "", "Reveal In Finder"}));
 }
 
-TEST_F(SLAppDelegateTest, exportsIntoAFolderAndCountsDown) {
-  addBackup("a", 40, 100);
-  const std::string out = m_tree.makeFolder("out");
-  launch();
-  ASSERT_TRUE(waitForText("40 Photos"));
-  const auto names = dropAllPhotosInto(out);
-  ASSERT_TRUE(names);
-  EXPECT_EQ(names->size(), 40U);
-  EXPECT_EQ(names->front(), "IMG_0001.PNG");
-  EXPECT_TRUE(centreText().startsWith("Exporting: ")) << centreText().toStdString();
-  EXPECT_TRUE(child<ActivityIndicator>("exportSpinner").isAnimating());
-  EXPECT_TRUE(waitForText("40 Photos"));
-  EXPECT_FALSE(child<ActivityIndicator>("exportSpinner").isAnimating());
-  EXPECT_EQ(m_tree.list("out").size(), 40U);
-  EXPECT_EQ(m_tree.read("out/IMG_0040.PNG"), m_picture);
-}
-
-TEST_F(SLAppDelegateTest, exportsNothingIntoABackup) {
-  const std::string folder = addBackup("a", 2, 100);
-  launch();
-  ASSERT_TRUE(waitForText("2 Photos"));
-  const auto before = m_tree.list("root");
-  EXPECT_THAT(*dropAllPhotosInto(folder), IsEmpty());
-  EXPECT_TRUE(alert());
-  EXPECT_EQ(m_tree.list("root"), before);
-}
-
-TEST_F(SLAppDelegateTest, promisesPhotosOnThePasteboard) {
-  addBackup("a", 3, 100);
-  launch();
-  ASSERT_TRUE(waitForText("3 Photos"));
-  action("actionSelectAll").trigger();
-  action("actionCopy").trigger();
-  const QMimeData* several = QApplication::clipboard()->mimeData();
-  EXPECT_EQ(several->formats(), QStringList({"text/uri-list", "x-special/gnome-copied-files"}));
-  const QByteArray urls = several->data("text/uri-list");
-  EXPECT_EQ(urls.count("\r\n"), 3);
-  QFile copied(QUrl(QString::fromUtf8(urls.split('\r').front())).toLocalFile());
-  ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
-  EXPECT_EQ(copied.readAll().toStdString(), m_picture);
-  EXPECT_TRUE(several->data("x-special/gnome-copied-files").startsWith("copy\nfile:///"));
-
-  browser().stepTo(1);
-  action("actionCopy").trigger();
-  EXPECT_EQ(QApplication::clipboard()->mimeData()->data("image/png").toStdString(), m_picture);
-  QApplication::clipboard()->clear();
-}
-
 TEST_F(SLAppDelegateTest, zoomsBackAndForthWithADoubleClick) {
   addBackup("a", 3, 100);
   launch();
@@ -342,27 +205,6 @@ TEST_F(SLAppDelegateTest, canQuitWhileABackupLoads) {
   launch();
   begun.wait();
   m_delegate.reset();  // while the load waits for this thread, or is about to
-}
-
-TEST_F(SLAppDelegateTest, asksBeforeItStopsExporting) {
-  addBackup("a", 500, 100);
-  m_tree.makeFolder("out");
-  launch();
-  ASSERT_TRUE(waitForText("500 Photos"));
-  dropAllPhotosInto(m_tree.path("out"));
-  m_delegate->window()->close();
-  EXPECT_TRUE(m_delegate->window()->isVisible());
-  QMessageBox* box = alert();
-  ASSERT_TRUE(box);
-  for (QAbstractButton* button : box->buttons()) {
-    if (button->text() == "Stop and Quit") {
-      button->click();
-    }
-  }
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !m_delegate->window()->isVisible(); }));
-  for (const std::string& name : m_tree.list("out")) {
-    EXPECT_EQ(m_tree.read("out/" + name), m_picture) << name;
-  }
 }
 
 }  // namespace
