@@ -73,7 +73,7 @@ std::string exifTime(Instant instant) {
 
 class ExifWriter {
 public:
-  ExifWriter() : m_data(exif_data_new(), exif_data_unref), m_order(EXIF_BYTE_ORDER_MOTOROLA) {
+  ExifWriter() : m_data(exif_data_new(), exif_data_unref) {
     exif_data_set_byte_order(m_data.get(), m_order);
   }
 
@@ -115,7 +115,7 @@ private:
   }
 
   std::unique_ptr<ExifData, void (*)(ExifData*)> m_data;
-  const ExifByteOrder m_order;
+  const ExifByteOrder m_order = EXIF_BYTE_ORDER_MOTOROLA;
 };
 
 std::string previewOf(const Image& stored) {

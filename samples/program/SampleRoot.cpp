@@ -109,12 +109,12 @@ std::vector<Shot> shotsOf(const PlannedBackup& backup, bool small) {
     const int width = backup.roll.camera.width / divisor;
     const int height = backup.roll.camera.height / divisor;
     shots.push_back({Subject::Landscape, seed, portrait ? height : width, portrait ? width : height,
-                     orientation, noonOf(backup.roll.firstDay + 23 * i)});
+                     orientation, noonOf(backup.roll.firstDay + 23L * i)});
   }
   for (int i = 0; i < backup.charts; ++i) {
     const std::uint32_t seed = backup.roll.firstSeed + 100 + static_cast<std::uint32_t>(i);
     shots.push_back({Subject::Charts, seed, 640 / divisor, 960 / divisor, 1,
-                     noonOf(backup.roll.firstDay + 11 * i)});
+                     noonOf(backup.roll.firstDay + 11L * i)});
   }
   return shots;
 }

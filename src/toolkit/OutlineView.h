@@ -147,7 +147,7 @@ public:
   QRect visualRect(const QModelIndex& index) const override;
   QModelIndex indexAt(const QPoint& point) const override;
   void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
-  void keyboardSearch(const QString& search) override;
+  void keyboardSearch(const QString& text) override;
   void selectAll() override;
   void doItemsLayout() override;
 

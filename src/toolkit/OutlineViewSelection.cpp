@@ -195,7 +195,6 @@ void OutlineView::setSelection(const QRect&, QItemSelectionModel::SelectionFlags
 // has and ours has not.
 void OutlineView::selectionChanged(const QItemSelection& selected,
                                    const QItemSelection& deselected) {
-  // NOLINTNEXTLINE(bugprone-parent-virtual-call)
   QAbstractItemView::selectionChanged(selected, deselected);
   if (m_selectingQuietly) {
     return;
@@ -208,7 +207,6 @@ void OutlineView::selectionChanged(const QItemSelection& selected,
 }
 
 void OutlineView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-  // NOLINTNEXTLINE(bugprone-parent-virtual-call)
   QAbstractItemView::currentChanged(current, previous);
   viewport()->update(visualRect(previous));
   m_accessibleRows.announceFocus();

@@ -71,7 +71,7 @@ QPixmap dragPicture(const QImage& photo, int count, int side, qreal devicePixelR
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
 
   const int room = side - 8;  // for the badge that overlaps the corner
-  const QSizeF size = photo.isNull() ? QSizeF(room, room * 3 / 4)
+  const QSizeF size = photo.isNull() ? QSizeF(room, 0.75 * room)
                                      : QSizeF(photo.size()).scaled(room, room, Qt::KeepAspectRatio);
   const QRectF frame((side - 8 - size.width()) / 2, 8 + (side - 8 - size.height()) / 2,
                      size.width(), size.height());

@@ -60,7 +60,7 @@ const QString& TypeSelect::add(const QString& text) {
 
 bool TypeSelect::isTyping() const {
   return m_sinceLastKey.isValid() &&
-         m_sinceLastKey.elapsed() < 2 * QApplication::keyboardInputInterval();
+         m_sinceLastKey.elapsed() < qint64{2} * QApplication::keyboardInputInterval();
 }
 
 int indexOfTyped(const QString& typed, int count, int focus,

@@ -1,6 +1,7 @@
 #include "ui/browser/ORBAdjustingValueAnimation.h"
 
 #include <QVariant>
+#include <utility>
 
 #include "toolkit/Motion.h"
 
@@ -18,10 +19,10 @@ ORBAdjustingValueAnimation::initWithObjectKeyPathFinalValue(QObject* object,
                   : nullptr;
 }
 
-ORBAdjustingValueAnimation::ORBAdjustingValueAnimation(QObject* object, const QByteArray& keyPath,
+ORBAdjustingValueAnimation::ORBAdjustingValueAnimation(QObject* object, QByteArray keyPath,
                                                        double startValue, double targetValue)
     : m_targetObject(object),
-      m_targetKeyPath(keyPath),
+      m_targetKeyPath(std::move(keyPath)),
       m_startValue(startValue),
       m_targetValue(targetValue) {}
 

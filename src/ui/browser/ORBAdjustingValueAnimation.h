@@ -36,7 +36,7 @@ protected:
   void updateCurrentTime(int milliseconds) override;
 
 private:
-  ORBAdjustingValueAnimation(QObject* object, const QByteArray& keyPath, double startValue,
+  ORBAdjustingValueAnimation(QObject* object, QByteArray keyPath, double startValue,
                              double targetValue);
 
   QPointer<QObject> m_targetObject;
