@@ -176,87 +176,61 @@ TEST_F(ListCommandsTest, saysThatABackupIsEncrypted) {
 }
 
 TEST_F(ListCommandsTest, listsEveryFileWithContentByDomain) {
-  for (const Layout& layout : layouts) {
-    SCOPED_TRACE(layout.version);
-    samples::SampleBackup sample{.generation = layout.generation, .productVersion = layout.version};
-    const std::string domain(samples::photoDomain(layout.generation));
-    sample.files = {{"ADomain", "Library/a.db", "12345", 1318420800},
-                    {"ADomain", "empty", "", 1318420800},
-                    {domain, "Media/DCIM/IMG_0001.JPG", "1234", 0xFFFFFFFF},
-                    {domain, "Media/clip.mov", "123", 0}};
-    const std::string backup = write(std::string("b") + layout.version, sample);
-    const bool hasDatabase = layout.generation >= Generation::Four;
-    const auto file = [&](const char* path, int size, const char* date) {
-      const std::string fileDomain = path[0] == 'L' ? "ADomain" : domain;
-      Json json{{"path", path},
-                {"filename", samples::contentName(fileDomain, path) +
-                                 (hasDatabase                                      ? ""
-                                  : layout.generation == Generation::TwoSingleForm ? ".mdbackup"
-                                                                                   : ".mddata")},
+  samples::SampleBackup sample{.generation = Generation::Four, .productVersion = "4.2.1"};
+  sample.files = {{"ADomain", "Library/a.db", "12345", 1318420800},
+                  {"ADomain", "empty", "", 1318420800},
+                  {"MediaDomain", "Media/DCIM/IMG_0001.JPG", "1234", 0xFFFFFFFF},
+                  {"MediaDomain", "Media/clip.mov", "123", 0}};
+  const std::string backup = write("b", sample);
+  const auto file = [](const char* domain, const char* path, int size, const char* date) {
+    return Json{{"path", path},
+                {"filename", samples::contentName(domain, path)},
                 {"filelength", size},
-                {"modificationDate", date}};
-      if (layout.generation == Generation::Four) {
-        json["type"] = 1;
-      }
-      return json;
-    };
-    const ProgramResult result = run({"files", "--json", backup});
-    EXPECT_EQ(result.status, 0);
-    ASSERT_THAT(jsonLines(result), testing::SizeIs(1)) << result.output;
-    const Json json = jsonLines(result)[0];
-    EXPECT_EQ(json["path"], backup);
-    std::vector<Json> domains = json["domains"];
-    if (hasDatabase) {
-      EXPECT_THAT(domains, testing::Contains(
-                               Json{{"domain", "ADomain"},
-                                    {"files", {file("Library/a.db", 5, "2011-10-12T12:00:00Z")}}}));
-    }
-    ASSERT_THAT(domains, testing::SizeIs(hasDatabase ? 2 : 1)) << json;
-    const Json& media = domains.back()["domain"] == domain ? domains.back() : domains.front();
-    EXPECT_EQ(media["domain"], domain);
-    const char* farDate =
-        layout.generation <= Generation::Three ? "2106-02-07T06:28:15Z" : "1969-12-31T23:59:59Z";
-    EXPECT_THAT(std::vector<Json>(media["files"]),
-                testing::UnorderedElementsAre(file("Media/DCIM/IMG_0001.JPG", 4, farDate),
-                                              file("Media/clip.mov", 3, "1970-01-01T00:00:00Z")));
-    const ProgramResult text = run({"files", backup});
-    EXPECT_THAT(text.output, HasSubstr(domain + "\n  "));
-    EXPECT_THAT(text.output, HasSubstr("Media/clip.mov\n"));
-    EXPECT_THAT(text.errors, HasSubstr(hasDatabase ? "3 files, 12 bytes" : "2 files, 7 bytes"));
-  }
+                {"modificationDate", date},
+                {"type", 1}};
+  };
+  const ProgramResult result = run({"files", "--json", backup});
+  EXPECT_EQ(result.status, 0);
+  ASSERT_THAT(jsonLines(result), testing::SizeIs(1)) << result.output;
+  const Json json = jsonLines(result)[0];
+  EXPECT_EQ(json["path"], backup);
+  const Json photo = file("MediaDomain", "Media/DCIM/IMG_0001.JPG", 4, "1969-12-31T23:59:59Z");
+  const Json film = file("MediaDomain", "Media/clip.mov", 3, "1970-01-01T00:00:00Z");
+  EXPECT_THAT(std::vector<Json>(json["domains"]),
+              testing::UnorderedElementsAre(
+                  Json{{"domain", "ADomain"},
+                       {"files", {file("ADomain", "Library/a.db", 5, "2011-10-12T12:00:00Z")}}},
+                  Json{{"domain", "MediaDomain"}, {"files", {photo, film}}}));
+  const ProgramResult text = run({"files", backup});
+  EXPECT_THAT(text.output, HasSubstr("MediaDomain\n  "));
+  EXPECT_THAT(text.output, HasSubstr("Media/clip.mov\n"));
+  EXPECT_THAT(text.errors, HasSubstr("3 files, 12 bytes"));
+  const std::string five = writeBackup("five", layoutFive, "Phone");
+  EXPECT_THAT(run({"files", "--json", five}).output, testing::Not(HasSubstr("\"type\"")));
 }
 
 TEST_F(ListCommandsTest, checksForMissingPhotos) {
-  for (const Layout& layout : layouts) {
-    const std::string backup =
-        writeBackup(std::string("b") + layout.decoder + layout.version, layout, "Phone");
-    const std::string lost = "Media/DCIM/100APPLE/IMG_0002.PNG";
-    const std::string content =
-        backup + "/" + samples::contentName(samples::photoDomain(layout.generation), lost);
-    SCOPED_TRACE(backup);
-    const bool single = layout.generation == Generation::TwoSingleForm;
-    std::filesystem::remove(layout.generation >= Generation::Four ? content
-                            : single                              ? content + ".mdbackup"
-                                                                  : content + ".mddata");
-    // In the single form the file that is lost also held the photo's name.
-    const std::vector<std::string> missing =
-        single ? std::vector<std::string>{} : std::vector{backup + "/" + lost};
-    const ProgramResult json = run({"check", backup, "--json"});
-    EXPECT_EQ(json.status, single ? 0 : 3);
-    EXPECT_THAT(jsonLines(json), ElementsAre(Json{{"path", backup},
-                                                  {"encrypted", false},
-                                                  {"listed", single ? 1 : 2},
-                                                  {"present", 1},
-                                                  {"missing", missing}}));
-    const ProgramResult text = run({"check", backup});
-    EXPECT_EQ(text.status, json.status);
-    EXPECT_EQ(text.output, single ? backup + "\n  1 photo listed, 1 present, 0 missing\n"
-                                  : backup + "\n  2 photos listed, 1 present, 1 missing\n" +
-                                        "  missing: " + lost + "\n");
-  }
-  const ProgramResult all = run({"check", m_tree.root(), "--json"});
-  EXPECT_EQ(all.status, 3);
-  EXPECT_THAT(jsonLines(all), testing::SizeIs(std::size(layouts)));
+  const std::string whole = writeBackup("root/a", layoutFive, "Phone");
+  const std::string backup = writeBackup("root/b", layoutFive, "Phone");
+  const std::string lost = "Media/DCIM/100APPLE/IMG_0002.PNG";
+  std::filesystem::remove(backup + "/" + samples::contentName("CameraRollDomain", lost));
+  const ProgramResult json = run({"check", m_tree.path("root"), "--json"});
+  EXPECT_EQ(json.status, 3);
+  const auto state = [](const std::string& path, int present, const Json& missing) {
+    return Json{{"path", path},
+                {"encrypted", false},
+                {"listed", 2},
+                {"present", present},
+                {"missing", missing}};
+  };
+  EXPECT_THAT(jsonLines(json),
+              testing::UnorderedElementsAre(state(whole, 2, Json::array()),
+                                            state(backup, 1, Json::array({backup + "/" + lost}))));
+  const ProgramResult text = run({"check", backup});
+  EXPECT_EQ(text.status, 3);
+  EXPECT_EQ(text.output,
+            backup + "\n  2 photos listed, 1 present, 1 missing\n  missing: " + lost + "\n");
+  EXPECT_EQ(run({"check", whole}).output, whole + "\n  2 photos listed, 2 present, 0 missing\n");
 }
 
 TEST_F(ListCommandsTest, replacesBytesThatAreNoUtf8) {

@@ -77,6 +77,16 @@ protected:
     return GetParam().makeDecoder(folder());
   }
 
+  bool hasDatabase() const { return GetParam().generation >= Generation::Four; }
+
+  // The name of the file that holds the bytes of that one.
+  std::string contentFile(const samples::SampleFile& file) const {
+    const bool isSingle = GetParam().generation == Generation::TwoSingleForm;
+    return samples::contentName(file.domain, file.path) + (hasDatabase() ? ""
+                                                           : isSingle    ? ".mdbackup"
+                                                                         : ".mddata");
+  }
+
   // The unique paths of the photos, in the order of backup().
   std::vector<std::string> photoPaths() const {
     std::vector<std::string> paths;
@@ -170,46 +180,28 @@ TEST_P(DecoderContract, tellsWhetherItCouldReadWhatListsThePhotos) {
     m_tree.write(file, whole);
   }
   // The manifest lists itself, and either a database or a small file for each photo.
-  const bool hasDatabase = GetParam().generation >= Generation::Four;
-  EXPECT_EQ(listing, hasDatabase ? 2 : 1 + static_cast<int>(photoCount) + 3);
+  EXPECT_EQ(listing, hasDatabase() ? 2 : 1 + static_cast<int>(photoCount) + 3);
 }
 
-TEST_P(DecoderContract, aPhotoWithoutItsFileIsListedAndHasNoBytes) {
+TEST_P(DecoderContract, aPhotoWithoutARegularFileIsListedAndHasNoBytes) {
   if (GetParam().generation == Generation::TwoSingleForm) {
     GTEST_SKIP() << "the file that holds the bytes is the one that names the photo";
   }
+  constexpr int missing = 3;
+  constexpr int replaced = 5;  // when the decoder has loaded
   samples::SampleBackup sample = backup();
-  sample.files[3].contentMissing = true;
+  sample.files[missing].contentMissing = true;
   samples::writeBackup(folder(), sample);
   const auto decoder = this->decoder();
   EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
-  EXPECT_FALSE(decoder->dataForFileAtPath(photoPaths()[3]));
-  EXPECT_FALSE(decoder->holdsFileAtPath(photoPaths()[3]));
-  EXPECT_TRUE(decoder->dataForFileAtPath(photoPaths()[4]));
-}
-
-TEST_P(DecoderContract, aPhotoWhoseFileIsNoneHasNoBytes) {
-  samples::writeBackup(folder(), backup());
-  const auto decoder = this->decoder();
-  decoder->loadContents();
-  std::string content =
-      samples::contentName(samples::photoDomain(GetParam().generation), backup().files[3].path);
-  switch (GetParam().generation) {
-    case Generation::TwoSingleForm:
-      GTEST_SKIP() << "the bytes are in memory";
-    case Generation::TwoPairForm:
-    case Generation::Three:
-      content += ".mddata";
-      break;
-    case Generation::Four:
-    case Generation::Five:
-      break;
-  }
-  const std::string path = folder() + "/" + content;
+  const std::string path = folder() + "/" + contentFile(sample.files[replaced]);
   ASSERT_EQ(::unlink(path.c_str()), 0);
   ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-  EXPECT_FALSE(decoder->dataForFileAtPath(photoPaths()[3]));
-  EXPECT_FALSE(decoder->holdsFileAtPath(photoPaths()[3]));
+  for (const int photo : {missing, replaced}) {
+    EXPECT_FALSE(decoder->dataForFileAtPath(photoPaths()[photo]));
+    EXPECT_FALSE(decoder->holdsFileAtPath(photoPaths()[photo]));
+    EXPECT_TRUE(decoder->dataForFileAtPath(photoPaths()[photo + 1]));
+  }
 }
 
 TEST_P(DecoderContract, handsOutBytesToManyThreadsWhileAnotherBackupLoads) {
@@ -245,26 +237,29 @@ TEST_P(DecoderContract, aStoppedLoadCountsAsNone) {
   EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
 }
 
-TEST_P(DecoderContract, visitsEveryFileOfThePhotosDomain) {
+TEST_P(DecoderContract, visitsEveryFileWithAllThatIsKnownOfIt) {
   samples::writeBackup(folder(), backup());
-  const auto decoder = this->decoder();
-  const std::string_view domain = samples::photoDomain(GetParam().generation);
-  std::vector<std::string> paths;
-  decoder->visitFiles([&](const BackedUpFile& file) {
-    if (file.domain == domain) {
-      paths.emplace_back(file.path);
-      EXPECT_GE(file.filelength, 5u) << file.path;
-      EXPECT_TRUE(file.modificationDate) << file.path;
-      EXPECT_EQ(file.type.has_value(), GetParam().generation == Generation::Four);
-    }
+  const auto lineOf = [](std::string_view path, std::string_view filename, std::uint64_t length,
+                         Instant date) {
+    std::string text(path);
+    text.append(" in ").append(filename).append(", ").append(std::to_string(length));
+    return text + " bytes of " + rfc3339Text(date);
+  };
+  std::vector<std::string> visited;
+  this->decoder()->visitFiles([&](const BackedUpFile& file) {
+    EXPECT_EQ(file.domain == "OtherDomain", file.path == "x.jpg");
+    ASSERT_TRUE(file.modificationDate) << file.path;
+    visited.push_back(lineOf(file.path, file.filename, file.filelength, *file.modificationDate));
+    EXPECT_EQ(file.type.has_value(), GetParam().generation == Generation::Four);
   });
   std::vector<std::string> expected;
   for (const samples::SampleFile& file : backup().files) {
-    if (file.domain == domain) {
-      expected.push_back(file.path);
+    if (hasDatabase() || file.domain != "OtherDomain") {
+      expected.push_back(lineOf(file.path, contentFile(file), file.content.size(),
+                                instantFromUnixTime(file.modificationDate)));
     }
   }
-  EXPECT_THAT(paths, UnorderedElementsAreArray(expected));
+  EXPECT_THAT(visited, UnorderedElementsAreArray(expected));
 }
 
 TEST_P(DecoderContract, neverWrites) {

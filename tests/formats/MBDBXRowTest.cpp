@@ -41,17 +41,6 @@ TEST(MBDBXRow, readsAnEntryOfTheIndexFile) {
   }
 }
 
-TEST(MBDBXRow, withoutDataKnowsNothing) {
-  const MBDBXRow row;
-  EXPECT_EQ(row.hash(), std::nullopt);
-  EXPECT_EQ(row.index(), 0u);
-  EXPECT_EQ(row.typeHex(), std::nullopt);
-  EXPECT_EQ(row.type(), MBDBXRow::Other);
-  EXPECT_EQ(row.description(),
-            "MBDBXRow: {hash: (null), date: (null), type (null), type: 3, domain: (null), path: "
-            "(null), uniquePath: (null)}");
-}
-
 TEST(MBDBXRow, describesAnEntryOfEitherFile) {
   const std::string folder = "/root/backup";
   iOS5MBDBReader reader(

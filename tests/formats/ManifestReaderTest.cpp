@@ -65,29 +65,23 @@ TEST(ManifestReader, readsTheWorkedExample) {
   EXPECT_EQ(record->something2(), 4);
   EXPECT_THAT(record->valueForKey("com.apple.assetsd.UUID"),
               Optional(VariantWith<std::string>("01FF")));
-  EXPECT_FALSE(reader.nextEntry());
-  EXPECT_FALSE(reader.nextEntry());
-}
 
-TEST(ManifestReader, answersByKey) {
-  iOS5MBDBReader reader = readerOver(std::vector{
-      ManifestEntry{.domain = "D", .path = "p", .mode = 0xA1ED, .filelength = 0x100000000}});
-  const auto record = reader.nextEntry();
-  ASSERT_TRUE(record);
   EXPECT_THAT(record->keys(),
               UnorderedElementsAre("domain", "path", "linkTarget", "dataHash", "something", "mode",
                                    "mode2", "something2", "filelength", "creationDate",
-                                   "modificationDate", "addedDate"));
+                                   "modificationDate", "addedDate", "com.apple.assetsd.UUID"));
   for (const std::string_view key : record->keys()) {
     EXPECT_TRUE(record->valueForKey(key)) << key;
   }
-  EXPECT_THAT(record->valueForKey("mode"), Optional(VariantWith<std::uint64_t>(161)));
-  EXPECT_THAT(record->valueForKey("mode2"), Optional(VariantWith<std::uint64_t>(237)));
-  EXPECT_THAT(record->valueForKey("filelength"), Optional(VariantWith<std::uint64_t>(4294967296)));
-  EXPECT_THAT(record->valueForKey("creationDate"), Optional(VariantWith<Instant>(Instant())));
+  EXPECT_THAT(record->valueForKey("mode2"), Optional(VariantWith<std::uint64_t>(164)));
+  EXPECT_THAT(record->valueForKey("filelength"), Optional(VariantWith<std::uint64_t>(4096)));
+  EXPECT_THAT(record->valueForKey("creationDate"),
+              Optional(VariantWith<Instant>(instantFromUnixTime(1))));
   EXPECT_FALSE(record->valueForKey("filename"));
   EXPECT_FALSE(record->valueForKey("uniquePath"));
   EXPECT_FALSE(record->valueForKey("other"));
+  EXPECT_FALSE(reader.nextEntry());
+  EXPECT_FALSE(reader.nextEntry());
 }
 
 TEST(ManifestReader, readsPropertiesOfEveryKind) {
@@ -125,14 +119,6 @@ TEST(ManifestReader, readsPropertiesOfEveryKind) {
   EXPECT_THAT(record->valueForKey("mode"), Optional(VariantWith<std::uint64_t>(0x81)));
   EXPECT_EQ(record->properties().size(), 9u);
   EXPECT_EQ(record->properties()[3].second, "first");
-}
-
-TEST(ManifestReader, keepsBytesThatAreNoAscii) {
-  const std::string path("Media/\xC3\x84\0\xFE.jpg", 14);
-  iOS5MBDBReader reader = readerOver(std::vector{ManifestEntry{.domain = "D", .path = path},
-                                                 ManifestEntry{.domain = "D", .path = "next"}});
-  EXPECT_EQ(reader.nextEntry()->path(), path);
-  EXPECT_EQ(reader.nextEntry()->path(), "next");
 }
 
 TEST(ManifestReader, timesAreSigned) {
