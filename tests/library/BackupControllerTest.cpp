@@ -97,10 +97,5 @@ TEST_F(BackupControllerTest, aRootMayBeALink) {
   EXPECT_EQ(controller.devices()[0]->backups()[0]->path(), m_tree.path("way/b"));
 }
 
-TEST_F(BackupControllerTest, aDeviceWithoutBackupsHasADate) {
-  DeviceModel device("Anna");
-  EXPECT_EQ(device.mostRecentBackupDate(), Instant());
-}
-
 }  // namespace
 }  // namespace snaplift
