@@ -83,38 +83,21 @@ TEST(File, believesNoSizeThatHolesClaim) {
   EXPECT_EQ(half->data()[0], 'x');
 }
 
-TEST(File, tellsAttributes) {
+TEST(File, listsHiddenAndOddNamesAndTellsSubfoldersFromLinksToThem) {
   TemporaryTree tree;
-  tree.write("file", "12345");
-  const timespec times[2] = {{1, 0}, {1234567890, 987654321}};
-  ASSERT_EQ(::utimensat(AT_FDCWD, tree.path("file").c_str(), times, 0), 0);
-  const auto attributes = fileAttributes(tree.path("file"));
-  ASSERT_TRUE(attributes);
-  EXPECT_EQ(attributes->type, FileType::Regular);
-  EXPECT_EQ(attributes->size, 5u);
-  EXPECT_EQ(attributes->modificationDate, instantFromUnixTime(1234567890, 987654000));
-}
-
-TEST(File, listsHiddenAndOddNames) {
-  TemporaryTree tree;
-  for (const char* name : {".hidden", "\xff\xfe", "line\nbreak"}) {
-    tree.write(std::string("folder/") + name, "");
-  }
-  EXPECT_THAT(folderEntries(tree.path("folder")),
-              UnorderedElementsAre(".hidden", "\xff\xfe", "line\nbreak"));
-  EXPECT_TRUE(folderEntries(tree.path("missing")).empty());
-}
-
-TEST(File, listsSubfoldersAndNoLinksToThem) {
-  TemporaryTree tree;
-  tree.write("sub/file", "");
   tree.write("file", "");
-  tree.makeFolder(".hidden");
-  ASSERT_EQ(::symlink("sub", tree.path("link").c_str()), 0);
+  for (const char* name : {".hidden", "\xff\xfe", "line\nbreak"}) {
+    tree.makeFolder(name);
+  }
+  ASSERT_EQ(::symlink(".hidden", tree.path("link").c_str()), 0);
   ASSERT_EQ(::mkfifo(tree.path("fifo").c_str(), 0600), 0);
   std::error_code error;
-  EXPECT_THAT(subfolders(tree.root(), error), UnorderedElementsAre("sub", ".hidden"));
+  EXPECT_THAT(subfolders(tree.root(), error),
+              UnorderedElementsAre(".hidden", "\xff\xfe", "line\nbreak"));
   EXPECT_FALSE(error);
+  EXPECT_THAT(folderEntries(tree.root()),
+              UnorderedElementsAre("file", ".hidden", "\xff\xfe", "line\nbreak", "link", "fifo"));
+  EXPECT_TRUE(folderEntries(tree.path("missing")).empty());
   EXPECT_TRUE(subfolders(tree.path("file"), error).empty());
   EXPECT_EQ(error, std::errc::not_a_directory);
 }
@@ -140,7 +123,7 @@ TEST(File, findsNamesWithoutRegardToLetterCase) {
   }
 }
 
-TEST(File, readsWhatItFindsWithItsDate) {
+TEST(File, readsWhatItFindsWithItsAttributes) {
   TemporaryTree tree;
   tree.write("Info.plist", "content");
   const timespec times[2] = {{1, 0}, {1234567890, 987654321}};
@@ -148,6 +131,11 @@ TEST(File, readsWhatItFindsWithItsDate) {
   const auto content = readFoundFile(tree.root(), "info.plist");
   ASSERT_TRUE(content);
   EXPECT_EQ(content->modificationDate, instantFromUnixTime(1234567890, 987654000));
+  const auto attributes = fileAttributes(tree.path("Info.plist"));
+  ASSERT_TRUE(attributes);
+  EXPECT_EQ(attributes->type, FileType::Regular);
+  EXPECT_EQ(attributes->size, 7u);
+  EXPECT_EQ(attributes->modificationDate, content->modificationDate);
 
   // What bears the exact name counts, though nothing can be read there.
   ASSERT_EQ(::mkfifo(tree.path("info.plist").c_str(), 0600), 0);

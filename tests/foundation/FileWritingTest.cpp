@@ -208,12 +208,5 @@ TEST(FlushFileSystem, saysWhatTheDiskSays) {
   EXPECT_EQ(flushFileSystem(gone), FileError::ofSystem(ENOENT, gone));
 }
 
-TEST(FileError, saysWhatHappened) {
-  EXPECT_EQ(FileError::ofSystem(ENOSPC, "/out/b.jpg").description(),
-            "/out/b.jpg: No space left on device (NSPOSIXErrorDomain 28)");
-  EXPECT_EQ(FileError::ofSystem(EEXIST, "/out/b.jpg").description(),
-            "/out/b.jpg: a file of this name exists (NSCocoaErrorDomain 516)");
-}
-
 }  // namespace
 }  // namespace snaplift

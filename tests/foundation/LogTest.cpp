@@ -29,18 +29,5 @@ TEST(Log, escapesTheLatterControlCharactersAndKeepsAllOtherText) {
   EXPECT_EQ(escapedForLog("\xe2\x80"), "\xe2\\x80");
 }
 
-TEST(Log, capturesNest) {
-  std::vector<std::string> outer;
-  std::vector<std::string> inner;
-  const LogCapture outerCapture([&](std::string line) { outer.push_back(std::move(line)); });
-  {
-    const LogCapture innerCapture([&](std::string line) { inner.push_back(std::move(line)); });
-    systemLog("one");
-  }
-  systemLog("two");
-  EXPECT_THAT(inner, testing::ElementsAre("one"));
-  EXPECT_THAT(outer, testing::ElementsAre("two"));
-}
-
 }  // namespace
 }  // namespace snaplift

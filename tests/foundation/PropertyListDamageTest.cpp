@@ -258,15 +258,5 @@ TEST(PropertyListDamage, comparesEveryNumberOfTheTrailerWithTheFile) {
   EXPECT_FALSE(listWith([](Raw& raw) { raw.offsets = {40, 9, 9}; }));
 }
 
-TEST(PropertyListDamage, readsNumbersOfTheWidestTable) {
-  Raw raw;
-  raw.offsetSize = 8;
-  raw.referenceSize = 8;
-  raw.objects = {raw.dictionary({1}, {2}), Raw::ascii("key"), Raw::ascii("value")};
-  const auto list = parsed(raw);
-  ASSERT_TRUE(list);
-  EXPECT_EQ(list->root().valueForKey("key").string(), "value");
-}
-
 }  // namespace
 }  // namespace snaplift

@@ -36,11 +36,5 @@ TEST(Time, cutsWhatNoCalendarHolds) {
   }
 }
 
-TEST(Time, saysTheDateInWords) {
-  const std::string text = longDateText(instantFromUnixTime(1318420800));  // noon, UTC
-  EXPECT_NE(text.find("2011"), std::string::npos) << text;
-  EXPECT_EQ(text.find(':'), std::string::npos) << text;
-}
-
 }  // namespace
 }  // namespace snaplift
