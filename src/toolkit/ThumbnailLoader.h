@@ -38,8 +38,8 @@ struct ThumbnailResult {
 // view. Results wait here until they are taken, so that a hundred of them cost one hand-over.
 //
 // A photo that cannot be read or decoded is a result like any other. Decodes that would hold a lot
-// of memory run one at a time, behind all others. The destructor stops the decodes that run and
-// joins the workers; a photo that is just being read is read to its end.
+// of memory run one at a time, behind all others. The destructor stops the decodes that may
+// take long and joins the workers; a photo that is just being read is read to its end.
 class ThumbnailLoader {
 public:
   // `resultsWait` is called on a worker, once, when results begin to wait; again only after they
