@@ -1,7 +1,6 @@
 #include "bench/CameraPhoto.h"
 
 #include <QBuffer>
-#include <QColor>
 #include <QImage>
 #include <cmath>
 #include <random>

@@ -1,11 +1,8 @@
 #include <QCoreApplication>
 #include <QScrollBar>
 #include <QTimer>
-#include <algorithm>
 #include <array>
 #include <filesystem>
-#include <memory>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>

@@ -2,10 +2,8 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPainter>
-#include <QPainterPath>
 #include <QTest>
 #include <functional>
-#include <memory>
 #include <vector>
 
 #include "Gallery.h"

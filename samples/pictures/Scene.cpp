@@ -1,7 +1,6 @@
 #include "pictures/Scene.h"
 
 #include <array>
-#include <cmath>
 #include <optional>
 
 #include "pictures/Landscape.h"

@@ -1,7 +1,6 @@
 #include "program/SampleRoot.h"
 
 #include <filesystem>
-#include <utility>
 #include <vector>
 
 #include "foundation/Path.h"

@@ -3,7 +3,6 @@
 #include "cli/Commands.h"
 #include "cli/Output.h"
 #include "cli/Selection.h"
-#include "foundation/Path.h"
 
 namespace snaplift::cli {
 namespace {

@@ -4,7 +4,6 @@
 
 #include "cli/Output.h"
 #include "foundation/File.h"
-#include "foundation/Path.h"
 
 namespace snaplift::cli {
 namespace {

@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include "foundation/PropertyListBinary.h"

@@ -1,7 +1,6 @@
 #include "foundation/PropertyListBinary.h"
 
 #include <algorithm>
-#include <bit>
 #include <limits>
 
 #include "foundation/Digest.h"

@@ -4,7 +4,6 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
-#include <cmath>
 
 namespace snaplift {
 namespace {

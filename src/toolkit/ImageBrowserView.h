@@ -3,9 +3,7 @@
 #include <QAbstractItemView>
 #include <QTimer>
 #include <functional>
-#include <memory>
 #include <optional>
-#include <string>
 
 #include "toolkit/GridCellPainter.h"
 #include "toolkit/GridLayout.h"

@@ -2,7 +2,6 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <algorithm>
 #include <cmath>
 
 namespace snaplift {

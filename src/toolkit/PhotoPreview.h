@@ -2,7 +2,6 @@
 
 #include <QWidget>
 #include <memory>
-#include <string>
 
 #include "toolkit/ThumbnailLoader.h"
 

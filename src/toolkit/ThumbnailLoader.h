@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QImage>
 #include <functional>
 #include <memory>
 #include <string>

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QPointer>
 #include <QTimer>
 #include <map>
-#include <memory>
 #include <optional>
 #include <vector>
 

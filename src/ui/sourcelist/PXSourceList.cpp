@@ -1,6 +1,5 @@
 #include "ui/sourcelist/PXSourceList.h"
 
-#include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
