@@ -18,10 +18,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ExportProcess.h"
 #include "faults/Volume.h"
 #include "foundation/File.h"
 #include "foundation/Path.h"
+#include "support/Program.h"
 #include "support/TemporaryTree.h"
 #include "support/TreeState.h"
 
@@ -47,6 +47,11 @@ dev_t deviceOf(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 ? status.st_dev : 0;
 }
 
+struct Report {
+  std::string photo;    // below the source
+  std::string written;  // the path of the file; empty after a failure
+};
+
 // A source of photos, the same names in several folders, and processes that export them.
 class ExportTest : public testing::Test {
 protected:
@@ -63,20 +68,35 @@ protected:
         m_photos.emplace(path, std::move(content));
       }
     }
-    m_job = {m_tree.path("source"), m_tree.makeFolder("out"), m_tree.makeFolder("tmp"),
-             m_tree.path("log"), false};
-    m_before = treeState(m_job.source);
+    m_before = treeState(m_source);
   }
 
-  // Reads reports until there are no more, or until there are `most` of them.
-  std::vector<ExportProcess::Report> reports(ExportProcess& process, int most = photoCount) const {
-    std::vector<ExportProcess::Report> all;
-    while (static_cast<int>(all.size()) < most) {
-      std::optional<ExportProcess::Report> report = process.next();
-      if (!report) {
-        break;
-      }
-      all.push_back(*std::move(report));
+  // The call of an ExportProbe with two threads.
+  ProgramCall exporting(bool withoutLinks = false) const {
+    ProgramCall call{.arguments = {EXPORT_PROBE, m_source, m_destination, "2"},
+                     .environment = {{"TMPDIR", m_temporaryParent}}};
+    if (withoutLinks) {
+      call.arguments.emplace_back("without-links");
+    }
+    return call;
+  }
+
+  static std::vector<std::string> linesOf(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) {
+      lines.push_back(line);
+    }
+    return lines;
+  }
+
+  static std::vector<Report> reports(const ProgramResult& result) {
+    std::vector<Report> all;
+    // A line that a kill has cut off counts for nothing.
+    for (const std::string& line :
+         linesOf(result.output.substr(0, result.output.rfind('\n') + 1))) {
+      const std::size_t tab = line.find('\t');
+      all.push_back({line.substr(0, tab), line.substr(tab + 1)});
     }
     return all;
   }
@@ -85,7 +105,7 @@ protected:
   // a photo with that stem.
   std::vector<std::string> damage(bool claimsMayBeLeft) const {
     std::vector<std::string> lines;
-    for (const fs::directory_entry& entry : fs::directory_iterator(m_job.destination)) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(m_destination)) {
       const std::string name = entry.path().filename().string();
       const std::string content = readFrom(entry.path().string());
       const bool isPhoto = std::ranges::any_of(m_photos, [&](const auto& photo) {
@@ -99,9 +119,9 @@ protected:
   }
 
   // The photos that were reported as written and are not there.
-  std::vector<std::string> lost(const std::vector<ExportProcess::Report>& all) const {
+  std::vector<std::string> lost(const std::vector<Report>& all) const {
     std::vector<std::string> photos;
-    for (const ExportProcess::Report& report : all) {
+    for (const Report& report : all) {
       if (!report.written.empty() && readFrom(report.written) != m_photos.at(report.photo)) {
         photos.push_back(report.photo);
       }
@@ -115,29 +135,22 @@ protected:
   }
 
   std::vector<std::string> destinationNames() const {
-    return m_tree.list(m_job.destination.substr(m_tree.root().size()));
-  }
-
-  std::vector<std::string> logLines() const {
-    std::istringstream log(m_tree.read("log"));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(log, line);) {
-      lines.push_back(line);
-    }
-    return lines;
+    return m_tree.list(m_destination.substr(m_tree.root().size()));
   }
 
   void TearDown() override {
-    EXPECT_EQ(treeState(m_job.source), m_before);
-    if (fs::exists(m_job.temporaryParent)) {
-      EXPECT_TRUE(fs::is_empty(m_job.temporaryParent));
+    EXPECT_EQ(treeState(m_source), m_before);
+    if (fs::exists(m_temporaryParent)) {
+      EXPECT_TRUE(fs::is_empty(m_temporaryParent));
     }
   }
 
   TemporaryTree m_tree;
   std::map<std::string, std::string> m_photos;  // contents by path
   std::map<std::string, EntryState> m_before;
-  ExportJob m_job;
+  const std::string m_source = m_tree.path("source");
+  const std::string m_destination = m_tree.makeFolder("out");
+  std::string m_temporaryParent = m_tree.makeFolder("tmp");
 };
 
 // The ways in which a photo reaches its name.
@@ -146,11 +159,10 @@ enum class Way { Link, Rename, Claim, ExFat, Fat };
 class ExportWayTest : public ExportTest, public testing::WithParamInterface<Way> {
 protected:
   void SetUp() override {
-    m_job.withoutLinks = GetParam() == Way::Claim;
     if (GetParam() == Way::Rename) {
-      m_job.temporaryParent = "/dev/shm/" + std::string(lastPathComponent(m_tree.root()));
-      if (deviceOf("/dev/shm") == deviceOf(m_job.destination) ||
-          !fs::create_directory(m_job.temporaryParent)) {
+      m_temporaryParent = "/dev/shm/" + std::string(lastPathComponent(m_tree.root()));
+      if (deviceOf("/dev/shm") == deviceOf(m_destination) ||
+          !fs::create_directory(m_temporaryParent)) {
         GTEST_SKIP() << "needs a second file system";
       }
     }
@@ -159,7 +171,7 @@ protected:
         GTEST_SKIP() << "takes half a minute; SNAPLIFT_KILLS is not set";
       }
       const auto mount = GetParam() == Way::Fat ? Volume::fat : Volume::exFat;
-      m_volume = mount(m_job.destination, m_tree.path("image"));
+      m_volume = mount(m_destination, m_tree.path("image"));
       if (!m_volume) {
         GTEST_SKIP() << "needs root, and the programs that Volume names";
       }
@@ -169,7 +181,20 @@ protected:
   void TearDown() override {
     ExportTest::TearDown();
     if (GetParam() == Way::Rename) {
-      fs::remove_all(m_job.temporaryParent);
+      fs::remove_all(m_temporaryParent);
+    }
+  }
+
+  ProgramCall exporting() const { return ExportTest::exporting(GetParam() == Way::Claim); }
+
+  // Waits until there is so much in the destination.
+  void awaitEntries(int count) const {
+    const auto entryCount = [this] {
+      return std::distance(fs::directory_iterator(m_destination), fs::directory_iterator());
+    };
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (entryCount() < count && std::chrono::steady_clock::now() < deadline) {
+      std::this_thread::yield();
     }
   }
 
@@ -178,7 +203,7 @@ protected:
 
   void emptyDestination() const {
     for (const std::string& name : destinationNames()) {
-      fs::remove(joinPath(m_job.destination, name));
+      fs::remove(joinPath(m_destination, name));
     }
   }
 
@@ -201,44 +226,45 @@ TEST_P(ExportWayTest, leavesWholePhotosOrNoneWhereverItIsKilled) {
   const unsigned seed = std::random_device()();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
-  const std::string taken = joinPath(m_job.destination, "IMG_0010.PNG");
+  const std::string taken = joinPath(m_destination, "IMG_0010.PNG");
   int killed = 0;
   for (int i = 0; i < kills; ++i) {
     emptyDestination();
     m_tree.write("out/IMG_0010.PNG", "old");
-    ExportProcess process(m_job);
-    auto reported = reports(process, std::uniform_int_distribution(0, photoCount - 1)(random));
+    Program process(exporting());
+    awaitEntries(std::uniform_int_distribution(1, photoCount)(random));
     std::this_thread::sleep_for(
         std::chrono::microseconds(std::uniform_int_distribution(0, 1000)(random)));
-    process.kill();
-    std::ranges::move(reports(process), std::back_inserter(reported));
-    killed += process.wait() == -SIGKILL ? 1 : 0;
+    process.signal(SIGKILL);
+    const ProgramResult result = process.finish();
+    killed += result.status == -SIGKILL ? 1 : 0;
     EXPECT_THAT(damage(claims()), IsEmpty());
-    EXPECT_THAT(lost(reported), IsEmpty());
+    EXPECT_THAT(lost(reports(result)), IsEmpty());
     EXPECT_EQ(readFrom(taken), "old");
   }
   EXPECT_GT(killed, kills / 2);
   emptyDestination();
-  ExportProcess process(m_job);
-  EXPECT_THAT(lost(reports(process)), IsEmpty());
-  EXPECT_EQ(process.wait(), 0) << m_tree.read("log");
+  const ProgramResult result = Program::run(exporting());
+  EXPECT_THAT(lost(reports(result)), IsEmpty());
+  EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_THAT(destinationNames(), SizeIs(photoCount));
 }
 
 TEST_P(ExportWayTest, arrivesWholeFromFourProcessesAtOnce) {
   constexpr int processCount = 4;
   m_tree.write("out/img_0010.png", "old");  // the same name, where letter case is folded
-  std::vector<std::unique_ptr<ExportProcess>> processes;
+  std::vector<std::unique_ptr<Program>> processes;
   for (int i = 0; i < processCount; ++i) {
-    processes.push_back(std::make_unique<ExportProcess>(m_job));
+    processes.push_back(std::make_unique<Program>(exporting()));
   }
   std::set<std::string> written;
   for (const auto& process : processes) {
-    const auto reported = reports(*process);
-    EXPECT_EQ(process->wait(), 0) << m_tree.read("log");
+    const ProgramResult result = process->finish();
+    const std::vector<Report> reported = reports(result);
+    EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(reported, SizeIs(photoCount));
     EXPECT_THAT(lost(reported), IsEmpty());
-    for (const ExportProcess::Report& report : reported) {
+    for (const Report& report : reported) {
       EXPECT_TRUE(written.insert(report.written).second) << report.written;
     }
   }
@@ -247,48 +273,47 @@ TEST_P(ExportWayTest, arrivesWholeFromFourProcessesAtOnce) {
 }
 
 TEST_F(ExportTest, needsNoRoomInTheTemporaryFolder) {
-  const auto volume = Volume::inMemory(m_job.temporaryParent, photoSize / 2);
+  const auto volume = Volume::inMemory(m_temporaryParent, photoSize / 2);
   if (!volume) {
     GTEST_SKIP() << "needs root";
   }
-  ExportProcess process(m_job);
-  EXPECT_THAT(lost(reports(process)), IsEmpty());
-  EXPECT_EQ(process.wait(), 0) << m_tree.read("log");
+  const ProgramResult result = Program::run(exporting());
+  EXPECT_THAT(lost(reports(result)), IsEmpty());
+  EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_THAT(destinationNames(), SizeIs(photoCount));
-  EXPECT_TRUE(fs::is_empty(m_job.temporaryParent));
+  EXPECT_TRUE(fs::is_empty(m_temporaryParent));
 }
 
 TEST_F(ExportTest, fillsADestinationWithWholePhotos) {
-  const auto volume = Volume::inMemory(m_job.destination, photoSize * photoCount / 3);
+  const auto volume = Volume::inMemory(m_destination, photoSize * photoCount / 3);
   if (!volume) {
     GTEST_SKIP() << "needs root";
   }
-  ExportProcess process(m_job);
-  const auto reported = reports(process);
-  EXPECT_EQ(process.wait(), 3);
+  const ProgramResult result = Program::run(exporting());
+  const std::vector<Report> reported = reports(result);
+  EXPECT_EQ(result.status, 3);
   EXPECT_THAT(reported, SizeIs(photoCount));
   EXPECT_THAT(lost(reported), IsEmpty());
   EXPECT_THAT(damage(false), IsEmpty());
-  const auto failed = std::ranges::count(reported, "", &ExportProcess::Report::written);
+  const auto failed = std::ranges::count(reported, "", &Report::written);
   EXPECT_THAT(destinationNames(), SizeIs(photoCount - failed));
   EXPECT_THAT(destinationNames(), SizeIs(testing::Ge(photoCount / 4)));
-  EXPECT_THAT(logLines(), SizeIs(failed));
-  EXPECT_THAT(logLines(), Each(testing::HasSubstr("No space left on device")));
+  EXPECT_THAT(linesOf(result.errors), SizeIs(failed));
+  EXPECT_THAT(linesOf(result.errors), Each(testing::HasSubstr("No space left on device")));
 }
 
 TEST_F(ExportTest, writesALineForEachPhotoThatCannotBeWritten) {
-  auto volume = Volume::inMemory(m_job.destination, photoSize);
+  auto volume = Volume::inMemory(m_destination, photoSize);
   if (volume) {
     ASSERT_TRUE(volume->makeReadOnly());
   } else {
-    fs::permissions(m_job.destination, fs::perms::owner_read | fs::perms::owner_exec);
+    fs::permissions(m_destination, fs::perms::owner_read | fs::perms::owner_exec);
   }
-  ExportProcess process(m_job);
-  EXPECT_THAT(reports(process),
-              Each(testing::Field(&ExportProcess::Report::written, std::string())));
-  EXPECT_EQ(process.wait(), 3);
+  const ProgramResult result = Program::run(exporting());
+  EXPECT_THAT(reports(result), Each(testing::Field(&Report::written, std::string())));
+  EXPECT_EQ(result.status, 3);
   EXPECT_THAT(destinationNames(), IsEmpty());
-  EXPECT_THAT(logLines(), SizeIs(photoCount));
+  EXPECT_THAT(linesOf(result.errors), SizeIs(photoCount));
 }
 
 }  // namespace
