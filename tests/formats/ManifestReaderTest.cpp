@@ -121,22 +121,16 @@ TEST(ManifestReader, readsPropertiesOfEveryKind) {
   EXPECT_EQ(record->properties()[3].second, "first");
 }
 
-TEST(ManifestReader, timesAreSigned) {
-  iOS5MBDBReader reader = readerOver(std::vector{ManifestEntry{
-      .creationDate = 0x80000000, .modificationDate = 0xFFFFFFFF, .addedDate = 0x7FFFFFFF}});
-  const auto record = reader.nextEntry();
-  EXPECT_EQ(rfc3339Text(record->creationDate()), "1901-12-13T20:45:52Z");
-  EXPECT_EQ(rfc3339Text(record->modificationDate()), "1969-12-31T23:59:59Z");
-  EXPECT_EQ(rfc3339Text(record->addedDate()), "2038-01-19T03:14:07Z");
-}
-
-TEST(ManifestReader, readsFieldsOfTheGreatestLength) {
+TEST(ManifestReader, readsFieldsOfTheGreatestLengthAndSignedTimes) {
   const auto longest = [](char c) { return std::string(65533, c) + '\0'; };
   ManifestEntry entry{.domain = longest('d'),
                       .path = longest('p'),
                       .linkTarget = longest('l'),
                       .dataHash = longest('\xAB'),
-                      .something = longest('s')};
+                      .something = longest('s'),
+                      .creationDate = 0x80000000,
+                      .modificationDate = 0xFFFFFFFF,
+                      .addedDate = 0x7FFFFFFF};
   for (int i = 0; i < 255; ++i) {
     entry.properties.emplace_back("name" + std::to_string(i), std::to_string(i) + '\0');
   }
@@ -149,6 +143,9 @@ TEST(ManifestReader, readsFieldsOfTheGreatestLength) {
   EXPECT_EQ(record->linkTarget(), entry.linkTarget);
   EXPECT_EQ(record->dataHash().size(), 2 * entry.dataHash->size());
   EXPECT_EQ(record->something(), entry.something);
+  EXPECT_EQ(rfc3339Text(record->creationDate()), "1901-12-13T20:45:52Z");
+  EXPECT_EQ(rfc3339Text(record->modificationDate()), "1969-12-31T23:59:59Z");
+  EXPECT_EQ(rfc3339Text(record->addedDate()), "2038-01-19T03:14:07Z");
   EXPECT_EQ(record->properties().size(), 255u);
   for (const auto& [name, value] : entry.properties) {
     EXPECT_THAT(record->valueForKey(name), Optional(VariantWith<std::string>(value))) << name;
