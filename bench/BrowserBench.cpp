@@ -13,8 +13,8 @@
 #include "bench/CameraPhoto.h"
 #include "bench/Ratio.h"
 #include "bench/ViewMain.h"
-#include "support/pictures/TestPhotos.h"
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPhotos.h"
+#include "samples/browser/TestPictures.h"
 #include "toolkit/ImageBrowserView.h"
 
 // What a grid of 100,000 photos costs the user interface's thread, against one of 1,000; and how

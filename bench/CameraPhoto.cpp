@@ -5,7 +5,7 @@
 #include <cmath>
 #include <random>
 
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPictures.h"
 
 namespace snaplift::bench {
 namespace {

@@ -9,8 +9,8 @@
 
 #include "bench/CameraPhoto.h"
 #include "bench/Ratio.h"
-#include "support/pictures/TestPhotos.h"
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPhotos.h"
+#include "samples/browser/TestPictures.h"
 #include "toolkit/ThumbnailLoader.h"
 
 // Thumbnails of camera photos against libjpeg-turbo's own decode of the same photos, scaled to an

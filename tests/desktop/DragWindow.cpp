@@ -9,8 +9,8 @@
 
 #include "foundation/FileWriting.h"
 #include "foundation/Path.h"
-#include "support/pictures/TestPhotos.h"
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPhotos.h"
+#include "samples/browser/TestPictures.h"
 #include "toolkit/MainThread.h"
 #include "ui/browser/ORBImageBrowserView.h"
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "samples/BackupWriter.h"
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPictures.h"
 
 // usage: writebackups ROOT
 // Writes backups in every state that the window knows, newest first:

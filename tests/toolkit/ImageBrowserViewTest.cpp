@@ -11,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/pictures/TestPhotos.h"
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPhotos.h"
+#include "samples/browser/TestPictures.h"
 #include "toolkit/ImageBrowserView.h"
 #include "toolkit/PhotoPreview.h"
 

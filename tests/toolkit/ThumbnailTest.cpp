@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPictures.h"
 #include "toolkit/PictureHeader.h"
 #include "toolkit/Thumbnail.h"
 #include "toolkit/ThumbnailCache.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/pictures/TestPhotos.h"
+#include "samples/browser/TestPhotos.h"
 #include "ui/browser/ORBImageBrowserView.h"
 
 namespace snaplift {

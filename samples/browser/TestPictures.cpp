@@ -1,4 +1,4 @@
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPictures.h"
 
 #include <QBuffer>
 #include <QPainter>

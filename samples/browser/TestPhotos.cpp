@@ -1,6 +1,6 @@
-#include "support/pictures/TestPhotos.h"
+#include "samples/browser/TestPhotos.h"
 
-#include "support/pictures/TestPictures.h"
+#include "samples/browser/TestPictures.h"
 
 namespace snaplift::test {
 namespace {
