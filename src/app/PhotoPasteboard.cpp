@@ -2,10 +2,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <cerrno>
 #include <map>
 #include <string>
 
 #include "foundation/FileURL.h"
+#include "foundation/FileWriting.h"
+#include "foundation/Log.h"
 #include "foundation/Path.h"
 #include "foundation/TemporaryFolder.h"
 
@@ -25,15 +28,30 @@ QByteArray bytesFor(const std::optional<Bytes>& bytes) {
                : QByteArray();
 }
 
+// Not by an extraction, which would put the bytes under the photo's name into the temporary folder
+// first, where its namesake waits for its receiver.
+std::optional<FileError> writePhoto(const ImageItem& photo, const std::string& path) {
+  if (temporaryFolder().empty()) {
+    return FileError::ofSystem(ENOENT, path);
+  }
+  if (!isFileName(photo.fileName())) {
+    return FileError::invalidFileName(photo.path());
+  }
+  QDir().mkpath(QFile::decodeName(std::string(parentPath(path)).c_str()));
+  const std::optional<Bytes> contents = photo.imageRepresentation();
+  return contents ? writeFile(path, *contents) : FileError::unreadable(photo.path());
+}
+
 // The temporary folder holds one photo of a name; another of the same name, from another folder of
 // the device, gets a folder of its own below it.
-QByteArray urlOfNamesake(ImageItem& photo, int number) {
+QByteArray urlOfNamesake(const ImageItem& photo, int number) {
   const std::string folder = joinPath(temporaryFolder(), std::to_string(number));
-  QDir().mkpath(QFile::decodeName(folder.c_str()));
-  Bytes buffer;
-  const ExtractOutcome outcome = photo.extractPhoto(folder, buffer);
-  return outcome.error ? QByteArray()
-                       : QByteArray::fromStdString(fileURL(outcome.written) + "\r\n");
+  const std::string path = joinPath(folder, photo.fileName());
+  if (const auto error = writePhoto(photo, path)) {
+    systemLog("failed (0) to extract the file: " + error->description());
+    return {};
+  }
+  return QByteArray::fromStdString(fileURL(path) + "\r\n");
 }
 
 }  // namespace

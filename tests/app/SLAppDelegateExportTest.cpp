@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "SLAppDelegateFixture.h"
+#include "app/PhotoPasteboard.h"
 #include "foundation/Path.h"
 #include "toolkit/ActivityIndicator.h"
 
@@ -96,6 +97,28 @@ TEST_F(SLAppDelegateTest, promisesPhotosOnThePasteboard) {
   action("actionCopy").trigger();
   EXPECT_EQ(QApplication::clipboard()->mimeData()->data("image/png").toStdString(), m_picture);
   QApplication::clipboard()->clear();
+}
+
+// The temporary folder has room for one photo of a name.
+TEST_F(SLAppDelegateTest, promisesPhotosOfOneNameFromTwoFolders) {
+  class Contents : public ImageDataSource {
+  public:
+    std::optional<Bytes> imageDataForPath(const std::string& path, Bytes) const override {
+      return Bytes::copyOf(bytesOf(path));
+    }
+  } contents;
+  ImageItem first("/a/100APPLE/IMG_0001.JPG", contents);
+  ImageItem second("/a/101APPLE/IMG_0001.JPG", contents);
+  const PhotoPasteboard pasteboard({&first, &second});
+  const QList<QUrl> urls = pasteboard.urls();
+  ASSERT_EQ(urls.size(), 2);
+  EXPECT_EQ(pasteboard.urls(), urls);  // each receiver asks anew
+  for (const auto& [url, photo] : {std::pair{urls[0], &first}, {urls[1], &second}}) {
+    QFile copied(url.toLocalFile());
+    ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
+    EXPECT_EQ(copied.readAll().toStdString(), photo->path());
+    EXPECT_EQ(url.fileName(), "IMG_0001.JPG");
+  }
 }
 
 TEST_F(SLAppDelegateTest, asksBeforeItStopsExporting) {
