@@ -266,6 +266,18 @@ def copy(test):
     wait_for("whole photos", lambda: all(digest in source for digest in contents(test.folder)))
 
 
+def reveal(test):
+    """The backup's folder in the file manager that answers on the session bus."""
+    window = test.window()
+    window.text("5 Photos")
+    start_file_manager(test.stack, test.manager, test.folder, 660, 120, 560, 500)
+    window.activate()
+    window.select("April 11, 2012", "3 Photos")
+    xdotool("key", "ctrl+r")
+    wait_for("the backup's folder", lambda: xdotool(
+        "search", "--onlyvisible", "--name", "Anna-4.3"))
+
+
 def zoom(test):
     """A double-click zooms in and back; the divider keeps its limits."""
     window = test.window()
