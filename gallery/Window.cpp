@@ -80,14 +80,27 @@ public:
   }
 
   void shootExport() {
-    std::vector<ImageBrowserItemPointer> items;
-    for (int i = 0; i < browser().itemCount(); ++i) {
-      items.push_back(browser().itemAtIndex(i));
-    }
-    m_delegate.imageBrowserExportItemsToDestination(browser(), items, temporaryFolder());
+    exportAll();
     shoot("exporting");
     waitFor("the export ends",
             [this] { return !label("centreText").text().startsWith("Exporting"); });
+  }
+
+  // The backup below the group of that title, whose manifest is cut off and a photo gone.
+  void shootFailures(const QString& group) {
+    auto& list = *m_delegate.window()->findChild<ORBSourceList*>();
+    int row = 0;
+    while (row < list.numberOfRows() - 1 && list.objectValueForItem(list.itemAtRow(row)) != group) {
+      ++row;
+    }
+    selectAndLoad(list, row + 1);
+    shootAlert("damaged-alert");
+    dismissAlert();
+    waitForPhotos();
+    shoot("damaged");
+    exportAll();
+    shootAlert("not-exported");
+    dismissAlert();
   }
 
   // The first backup that has this to say in the message pane.
@@ -95,13 +108,14 @@ public:
     auto& list = *m_delegate.window()->findChild<ORBSourceList*>();
     for (int row = 0; row < list.numberOfRows() && label("text").text() != message; ++row) {
       if (list.levelForRow(row) > 0 && !list.isRowSelected(row)) {
+        dismissAlert();  // of the row before
         selectAndLoad(list, row);
       }
     }
     if (QMessageBox* alert = visibleAlert()) {
       shoot(*alert, state + "-alert");
-      alert->accept();
     }
+    dismissAlert();
     shoot(state);
   }
 
@@ -120,6 +134,18 @@ public:
   }
 
 private:
+  void exportAll() {
+    std::vector<ImageBrowserItemPointer> items;
+    for (int i = 0; i < browser().itemCount(); ++i) {
+      items.push_back(browser().itemAtIndex(i));
+    }
+    m_delegate.imageBrowserExportItemsToDestination(browser(), items, temporaryFolder());
+  }
+  static void dismissAlert() {
+    if (QMessageBox* alert = visibleAlert()) {
+      alert->accept();
+    }
+  }
   // Returns when the window shows what the load has found.
   static void selectAndLoad(ORBSourceList& list, int row) {
     std::atomic<bool> finished = false;
@@ -149,6 +175,7 @@ void paintStates(const QString& folder, const QString& palette) {
     for (const char* menu : {"menuFile", "menuEdit", "menuView"}) {
       shots.shootMenu(menu);
     }
+    shots.shootFailures("CLARA'S PHONE (DROPPED)");
     shots.shootPane("Backup is Encrypted", "encrypted");
     shots.shootPane("No Photos Found in This Backup", "no-photos");
   }

@@ -29,7 +29,7 @@ AlertText failedExportText(const ExportFailures& failures) {
                            "them (%1). Look at them before you give the backup away.")
                 .arg(QString::fromStdString(failures.onFlush->reason()))};
   }
-  QString text("They are still in the backup.\n");
+  QString text("The backup is unchanged.\n");
   for (const ExportFailures::Photo& photo : failures.first) {
     text += QStringLiteral("\n%1: %2")
                 .arg(QString::fromStdString(escapedForLog(photo.name)),
@@ -38,7 +38,7 @@ AlertText failedExportText(const ExportFailures& failures) {
   if (failures.failedCount > failures.first.size()) {
     text += QStringLiteral("\nand %1 more").arg(failures.failedCount - failures.first.size());
   }
-  return {QStringLiteral("%1 of %2 Photos Were Not Exported")
+  return {QStringLiteral("%1 of %2 Photos Could Not Be Exported")
               .arg(failures.failedCount)
               .arg(failures.photoCount),
           text};

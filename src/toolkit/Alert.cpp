@@ -8,6 +8,12 @@
 namespace snaplift {
 namespace {
 
+// As wide as some 50 letters.
+int comfortableLine(const QWidget& widget) {
+  constexpr int letters = 50;
+  return letters * widget.fontMetrics().averageCharWidth();
+}
+
 QMessageBox* makeAlert(QWidget* window, QMessageBox::Icon icon, const AlertText& text) {
   auto* alert = new QMessageBox(window);
   alert->setAttribute(Qt::WA_DeleteOnClose);
@@ -16,9 +22,11 @@ QMessageBox* makeAlert(QWidget* window, QMessageBox::Icon icon, const AlertText&
   alert->setTextFormat(Qt::PlainText);
   alert->setText(text.messageText);
   alert->setInformativeText(text.informativeText);
-  // The format that is set counts for the message alone; a file's name may look like markup.
   for (QLabel* label : alert->findChildren<QLabel*>()) {
+    // The format that is set counts for the message alone; a file's name may look like markup.
     label->setTextFormat(Qt::PlainText);
+    // Else the box is as narrow as its message, and the rest a tall column.
+    label->setMinimumWidth(label->pixmap().isNull() ? comfortableLine(*label) : 0);
   }
   return alert;
 }

@@ -49,9 +49,9 @@ TEST_F(SLAppDelegateTest, saysWhichPhotosWereNotExported) {
   dropAllPhotosInto(out);
   QMessageBox* box = alert();
   ASSERT_TRUE(box);
-  EXPECT_EQ(box->text(), "1 of 9 Photos Were Not Exported");
+  EXPECT_EQ(box->text(), "1 of 9 Photos Could Not Be Exported");
   EXPECT_EQ(box->informativeText(),
-            "They are still in the backup.\n\nIMG_0002.PNG: the file cannot be read");
+            "The backup is unchanged.\n\nIMG_0002.PNG: the file cannot be read");
   EXPECT_EQ(m_tree.list("out").size(), 8U);
   box->buttons().front()->click();
   ASSERT_TRUE(QTest::qWaitFor([&] { return !m_delegate->window()->findChild<QMessageBox*>(); }));
@@ -62,7 +62,7 @@ TEST_F(SLAppDelegateTest, saysWhichPhotosWereNotExported) {
   dropAllPhotosInto(out);
   box = alert();
   ASSERT_TRUE(box);
-  EXPECT_EQ(box->text(), "7 of 9 Photos Were Not Exported");
+  EXPECT_EQ(box->text(), "7 of 9 Photos Could Not Be Exported");
   EXPECT_EQ(box->informativeText().count(": the file cannot be read\n"), 5);
   EXPECT_TRUE(box->informativeText().endsWith("\nand 2 more"));
   EXPECT_TRUE(waitForText("9 Photos"));
