@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -13,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/BackupAround.h"
 #include "foundation/File.h"
 #include "foundation/Path.h"
 #include "foundation/RandomName.h"
@@ -116,10 +118,17 @@ void removeAbandonedFolders(const std::string& parent) {
   }
 }
 
+// Whether `folder` may hold the temporary folder: an absolute path, and no part of a backup.
+bool isFitParent(const char* folder) {
+  std::error_code error;
+  const auto resolved = std::filesystem::canonical(folder, error);
+  return folder[0] == '/' && !error && backupAround(resolved).empty();
+}
+
 std::vector<std::string> standardParents() {
   std::vector<std::string> parents;
   const char* chosen = std::getenv("TMPDIR");
-  if (chosen != nullptr && chosen[0] == '/') {
+  if (chosen != nullptr && isFitParent(chosen)) {
     parents.emplace_back(chosen);
   }
   parents.emplace_back("/var/tmp");

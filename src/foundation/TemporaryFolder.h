@@ -44,9 +44,10 @@ private:
   std::mutex m_removal;
 };
 
-// The temporary folder of the process, made when it is asked for first: in $TMPDIR, else in
-// /var/tmp, which is on a disk and has room for photos. Empty where neither takes one. Removed at a
-// normal exit. Whoever keeps the path finds it gone after removeTemporaryFolder().
+// The temporary folder of the process, made when it is asked for first: in $TMPDIR, unless
+// that lies in a backup, else in /var/tmp, which is on a disk and has room for photos. Empty where
+// neither takes one. Removed at a normal exit. Whoever keeps the path finds it gone after
+// removeTemporaryFolder().
 const std::string& temporaryFolder();
 
 // Removes the folder of the process now, where it was made at all. For an end that skips the normal

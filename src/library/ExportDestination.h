@@ -11,9 +11,7 @@ namespace snaplift {
 // the mistake that would make every photo fail (no folder, no right to write), and the one that
 // would do harm: a destination inside a backup, into which nothing is ever written.
 //
-// A backup is one of `backupFolders`, or any folder that holds an info.plist beside a manifest. The
-// destination and all folders above it are compared by device and inode, after links are resolved,
-// so that no other spelling of a path gets around it.
+// See backupAround() for what a backup is; links in the destination's path are resolved first.
 std::optional<std::string> exportDestinationProblem(const std::string& destination,
                                                     const std::vector<std::string>& backupFolders);
 

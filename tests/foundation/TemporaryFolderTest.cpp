@@ -210,5 +210,22 @@ TEST_F(TemporaryFolderTest, ofTheProcessGoesAtEveryEndButAKill) {
   EXPECT_THAT(m_tree.list(), IsEmpty());
 }
 
+TEST_F(TemporaryFolderTest, ofTheProcessIsNeverInABackup) {
+  m_tree.write("backup/Info.plist", "");
+  m_tree.write("backup/Manifest.mbdb", "");
+  m_tree.makeFolder("backup/inside");
+  std::filesystem::create_symlink(m_tree.path("backup/inside"), m_tree.path("link"));
+  const auto before = m_tree.list();
+  for (const char* chosen : {"backup", "backup/inside", "link"}) {
+    inAnotherProcess([&] {
+      ::setenv("TMPDIR", m_tree.path(chosen).c_str(), 1);
+      const std::string folder = temporaryFolder();
+      const bool isElsewhere = parentPath(folder) == "/var/tmp" && m_tree.list() == before;
+      removeTemporaryFolder();
+      ::_exit(isElsewhere ? 0 : 1);
+    });
+  }
+}
+
 }  // namespace
 }  // namespace snaplift
