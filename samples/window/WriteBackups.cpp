@@ -31,7 +31,7 @@ public:
                         .deviceName = device,
                         .productVersion = version,
                         .encrypted = encrypted,
-                        .date = instantFromUnixTime(m_date -= 30 * 86'400)};
+                        .date = instantFromUnixTime(m_date -= 30L * 86'400)};
     for (const std::string& photo : photos) {
       backup.files.push_back({.domain = std::string(photoDomain(generation)),
                               .path = "Media/DCIM/" + photo,
