@@ -8,6 +8,9 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPixmapCache>
+#include <algorithm>
+#include <cmath>
 
 #include "toolkit/Alert.h"
 #include "toolkit/MainThread.h"
@@ -25,19 +28,29 @@ namespace {
 // The message pane fills the window with few words.
 constexpr double messageScale = 1.5;
 
-// The application's resource image of that name, in the resolution of the finest screen: an icon,
-// unlike a pixmap, knows the files "@2x" and "@3x" beside its own.
+// The application's resource image of that name, a PNG file, in the resolution of the finest
+// screen: from the files "@2x" and "@3x" beside its own. Every row of the sidebar asks at every
+// painting; and a reader that is not told the format loads the decoders of all others at the start.
 QPixmap imageNamed(std::string_view name) {
-  const QIcon icon(":/icons/" +
-                   QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
-  return icon.pixmap(icon.availableSizes().value(0), qApp->devicePixelRatio());
+  const int scale = std::clamp(static_cast<int>(std::ceil(qApp->devicePixelRatio())), 1, 3);
+  QString file = ":/icons/" + QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  if (scale > 1) {
+    file.insert(file.lastIndexOf('.'), QString("@%1x").arg(scale));
+  }
+  QPixmap image;
+  if (!QPixmapCache::find(file, &image)) {
+    image = QPixmap(file, "png");
+    image.setDevicePixelRatio(scale);
+    QPixmapCache::insert(file, image);
+  }
+  return image;
 }
 
 QIcon applicationIcon() {
   QIcon icon;
-  for (const int size : {16, 24, 32, 48, 128, 256}) {
-    // A file whose size is told is decoded only when it is asked for.
-    icon.addFile(QString(":/icons/app.snaplift.Snaplift-%1.png").arg(size), QSize(size, size));
+  for (const int size : {16, 24, 32, 48, 128}) {
+    // Not addFile(), which loads every decoder that there is to learn the file's format.
+    icon.addPixmap(QPixmap(QString(":/icons/app.snaplift.Snaplift-%1.png").arg(size), "png"));
   }
   return icon;
 }

@@ -50,7 +50,7 @@ TEST_F(SLAppDelegateTest, carriesItsPictures) {
   EXPECT_EQ(child<QLabel>("smallPictureMark").pixmap().deviceIndependentSize(), QSizeF(12, 12));
   EXPECT_EQ(child<QLabel>("largePictureMark").pixmap().deviceIndependentSize(), QSizeF(18, 18));
   const QIcon windowIcon = m_delegate->window()->windowIcon();
-  for (const QSize size : {QSize(16, 16), QSize(256, 256)}) {
+  for (const QSize size : {QSize(16, 16), QSize(128, 128)}) {
     EXPECT_EQ(windowIcon.pixmap(size).toImage().size(), size);
   }
 }
