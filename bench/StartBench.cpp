@@ -7,12 +7,14 @@
 #include <ctime>
 #include <string>
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "app/SLAppDelegate.h"
 #include "bench/Ratio.h"
+#include "foundation/Log.h"
 #include "foundation/TemporaryFolder.h"
 #include "samples/BackupWriter.h"
 
@@ -70,18 +72,25 @@ int paintSnaplift(const std::string& root) {
   return QApplication::exec();
 }
 
-// This program again, as a process of its own that does one of the two.
+// This program again, as a process of its own that does one of the two. What it logs is written,
+// but not shown: a line for each backup.
 bool runs(const char* program, const char* what, const std::string& root) {
   const char* arguments[] = {program, what, root.c_str(), nullptr};
+  posix_spawn_file_actions_t actions;
+  ::posix_spawn_file_actions_init(&actions);
+  ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   pid_t process = 0;
   int status = -1;
-  return ::posix_spawn(&process, "/proc/self/exe", nullptr, nullptr,
-                       const_cast<char* const*>(arguments), environ) == 0 &&
-         ::waitpid(process, &status, 0) == process && status == 0;
+  const bool isDone = ::posix_spawn(&process, "/proc/self/exe", &actions, nullptr,
+                                    const_cast<char* const*>(arguments), environ) == 0 &&
+                      ::waitpid(process, &status, 0) == process && status == 0;
+  ::posix_spawn_file_actions_destroy(&actions);
+  return isDone;
 }
 
 // Milliseconds of processor time, of all threads, in ten seconds in which nothing happens.
 double idleMilliseconds(const std::string& root) {
+  const LogCapture silent([](const std::string&) {});
   SLAppDelegate delegate;
   delegate.applicationDidFinishLaunching(root);
   std::clock_t start = 0;
