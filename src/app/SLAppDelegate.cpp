@@ -166,11 +166,12 @@ void SLAppDelegate::updateCommands() {
   BackupModel* backup = selectedBackup();
   const bool showsPhotos = backup && backup == m_arrayController.content() &&
                            m_ui->contentArea->currentWidget() == m_ui->browser;
-  m_ui->actionExportSelected->setEnabled(showsPhotos && hasSelection());
+  const bool showsSelection = showsPhotos && hasSelection();
+  m_ui->actionExportSelected->setEnabled(showsSelection);
   m_ui->actionExportAll->setEnabled(showsPhotos);
   m_ui->actionReveal->setEnabled(backup);
-  m_ui->actionCopy->setEnabled(showsPhotos && hasSelection());
-  m_ui->actionDeselect->setEnabled(showsPhotos && hasSelection());
+  m_ui->actionCopy->setEnabled(showsSelection && m_exportOperationQueue->operationCount() == 0);
+  m_ui->actionDeselect->setEnabled(showsSelection);
   for (QAction* action : {m_ui->actionSelectAll, m_ui->actionInvertSelection, m_ui->actionZoomIn,
                           m_ui->actionZoomOut, m_ui->actionStartSize, m_ui->actionPreview}) {
     action->setEnabled(showsPhotos);

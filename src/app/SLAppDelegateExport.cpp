@@ -143,6 +143,7 @@ void SLAppDelegate::updateExportProgress() {
     m_ui->exportSpinner->stopAnimation();
     updateCentreText();
   }
+  updateCommands();
 }
 
 void SLAppDelegate::tellOfFailures(const ExportFailures& failures) {

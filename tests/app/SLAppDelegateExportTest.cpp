@@ -24,13 +24,17 @@ TEST_F(SLAppDelegateTest, exportsIntoAFolderAndCountsDown) {
   const std::string out = m_tree.makeFolder("out");
   launch();
   ASSERT_TRUE(waitForText("40 Photos"));
+  action("actionSelectAll").trigger();
+  EXPECT_TRUE(action("actionCopy").isEnabled());
   const auto names = dropAllPhotosInto(out);
   ASSERT_TRUE(names);
   EXPECT_EQ(names->size(), 40U);
   EXPECT_EQ(names->front(), "IMG_0001.PNG");
   EXPECT_TRUE(centreText().startsWith("Exporting: ")) << centreText().toStdString();
   EXPECT_TRUE(child<ActivityIndicator>("exportSpinner").isAnimating());
-  EXPECT_TRUE(waitForText("40 Photos"));
+  EXPECT_FALSE(action("actionCopy").isEnabled());  // a photo is extracted once at a time
+  EXPECT_TRUE(waitForText("40 of 40 Photos Selected"));
+  EXPECT_TRUE(action("actionCopy").isEnabled());
   EXPECT_FALSE(child<ActivityIndicator>("exportSpinner").isAnimating());
   EXPECT_EQ(m_tree.list("out").size(), 40U);
   EXPECT_EQ(m_tree.read("out/IMG_0040.PNG"), m_picture);
