@@ -1,10 +1,10 @@
 #include <QCoreApplication>
 #include <QPixmap>
 #include <QScrollBar>
-#include <deque>
 
 #include "bench/Ratio.h"
 #include "bench/ViewMain.h"
+#include "samples/sidebar/TestEntries.h"
 #include "ui/sourcelist/ORBSourceList.h"
 
 // What a sidebar of 1,000 devices with ten backups each costs, against one of 10 devices.
@@ -16,60 +16,28 @@ constexpr int many = 1'000;
 constexpr int backupsOfDevice = 10;
 constexpr double growthBar = 2;
 
-struct Row {
-  QString title;
-  std::deque<Row> children = {};
-  bool processing = false;
-};
-
-class Backups : public ORBSourceListDataSource, public PXSourceListDelegate {
+class Backups : public test::FullSource, public PXSourceListDelegate {
 public:
   explicit Backups(int devices) {
-    m_icon.fill(Qt::gray);
+    QPixmap icon(16, 16);
+    icon.fill(Qt::gray);
     for (int i = 0; i < devices; ++i) {
-      Row& device = m_root.children.emplace_back(QString("Device %1").arg(i));
+      test::Entry& device = root.children.emplace_back();
+      device.title = QString("Device %1").arg(i);
       for (int k = 0; k < backupsOfDevice; ++k) {
-        device.children.push_back({.title = QString("October %1, 2011").arg(k + 1)});
+        test::Entry& backup = device.children.emplace_back();
+        backup.title = QString("October %1, 2011").arg(k + 1);
+        backup.icon = icon;
       }
     }
   }
   OutlineItem backup(std::size_t device, std::size_t index) {
-    return &m_root.children.at(device).children.at(index);
+    return &root.children.at(device).children.at(index);
   }
 
-  std::size_t sourceListNumberOfChildrenOfItem(PXSourceList&, OutlineItem item) override {
-    return row(item).children.size();
-  }
-  OutlineItem sourceListChildOfItem(PXSourceList&, std::size_t index, OutlineItem item) override {
-    return &row(item).children.at(index);
-  }
-  QVariant sourceListObjectValueForItem(PXSourceList&, OutlineItem item) override {
-    return row(item).title;
-  }
-  bool sourceListIsItemExpandable(PXSourceList&, OutlineItem item) override {
-    return !row(item).children.empty();
-  }
-  std::optional<bool> sourceListItemHasIcon(PXSourceList&, OutlineItem item) override {
-    return row(item).children.empty();
-  }
-  std::optional<QPixmap> sourceListIconForItem(PXSourceList&, OutlineItem) override {
-    return m_icon;
-  }
-  std::optional<bool> sourceListItemHasRightSideIcon(PXSourceList&, OutlineItem item) override {
-    return row(item).processing;
-  }
-  std::optional<bool> sourceListItemIsProcessing(PXSourceList&, OutlineItem item) override {
-    return row(item).processing;
-  }
   std::optional<bool> sourceListIsGroupAlwaysExpanded(PXSourceList&, OutlineItem) override {
     return true;
   }
-
-private:
-  Row& row(OutlineItem item) { return item ? *item.as<Row>() : m_root; }
-
-  Row m_root;
-  QPixmap m_icon{16, 16};
 };
 
 void fill(ORBSourceList& list, Backups& backups) {

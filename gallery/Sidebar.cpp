@@ -4,26 +4,13 @@
 #include <QPainter>
 #include <QTest>
 #include <functional>
-#include <vector>
 
 #include "Gallery.h"
+#include "samples/sidebar/TestEntries.h"
 #include "ui/sourcelist/ORBSourceList.h"
 
 namespace snaplift::gallery {
 namespace {
-
-struct Backup {
-  QString title;
-  std::int64_t badge = PXSourceListDataSource::notFound;
-  bool processing = false;
-  QColor badgeFill = {};
-  bool rightSideIcon = false;
-};
-
-struct Device {
-  QString name;
-  std::vector<Backup> backups;
-};
 
 QPixmap drawnPicture(const std::function<void(QPainter&)>& draw) {
   const double scale = qApp->devicePixelRatio();
@@ -58,68 +45,38 @@ QPixmap cross(const QColor& color) {
 }
 
 // Devices and backups as a person with two handsets has them.
-class Content : public ORBSourceListDataSource, public PXSourceListDelegate {
+class Content : public test::FullSource, public PXSourceListDelegate {
 public:
-  std::vector<Device> devices = {
-      {"ANNA'S HANDSET",
-       {{"October 12, 2011"}, {"August 3, 2011", 7}, {"June 21, 2011", 1284}, {"May 2, 2011"}}},
-      {"TABLET",
-       {{"October 9, 2011", PXSourceListDataSource::notFound, true},
-        {"September 14, 2011", 42, false, QColor(200, 60, 60)}}},
-      {"OLD MUSIC PLAYER WITH A RATHER LONG NAME",
-       {{"A backup with a title that is far too long for a sidebar"},
-        {"March 30, 2010", PXSourceListDataSource::notFound, false, {}, true}}}};
   bool alwaysExpanded = true;
 
-  std::size_t sourceListNumberOfChildrenOfItem(PXSourceList&, OutlineItem item) override {
-    const auto* device = item.as<Device>();
-    return !item ? devices.size() : device ? device->backups.size() : 0;
+  Content() {
+    root.children = {
+        {"ANNA'S HANDSET",
+         {{"October 12, 2011"}, {"August 3, 2011"}, {"June 21, 2011"}, {"May 2, 2011"}}},
+        {"TABLET", {{"October 9, 2011"}, {"September 14, 2011"}}},
+        {"OLD MUSIC PLAYER WITH A RATHER LONG NAME",
+         {{"A backup with a title that is far too long for a sidebar"}, {"March 30, 2010"}}}};
+    for (test::Entry& device : root.children) {
+      for (test::Entry& backup : device.children) {
+        backup.icon = handset();
+      }
+    }
+    backup(0, 1).badge = 7;
+    backup(0, 2).badge = 1284;
+    backup(1, 0).processing = true;
+    backup(1, 1).badge = 42;
+    backup(1, 1).badgeFill = QColor(200, 60, 60);
+    backup(2, 1).rightSideIcon = cross(QColor(150, 150, 150));
+    backup(2, 1).hoveringIcon = cross(QColor(200, 60, 60));
   }
-  OutlineItem sourceListChildOfItem(PXSourceList&, std::size_t index, OutlineItem item) override {
-    return item ? OutlineItem(&item.as<Device>()->backups[index]) : OutlineItem(&devices[index]);
-  }
-  QVariant sourceListObjectValueForItem(PXSourceList&, OutlineItem item) override {
-    const auto* device = item.as<Device>();
-    return device ? device->name : item.as<Backup>()->title;
-  }
-  bool sourceListIsItemExpandable(PXSourceList&, OutlineItem item) override {
-    return item.as<Device>() != nullptr;
-  }
-  std::optional<bool> sourceListItemHasBadge(PXSourceList&, OutlineItem item) override {
-    const auto* backup = item.as<Backup>();
-    return backup && backup->badge != notFound;
-  }
-  std::optional<std::int64_t> sourceListBadgeValueForItem(PXSourceList&,
-                                                          OutlineItem item) override {
-    return item.as<Backup>()->badge;
-  }
-  std::optional<QColor> sourceListBadgeBackgroundColorForItem(PXSourceList&,
-                                                              OutlineItem item) override {
-    return item.as<Backup>()->badgeFill;
-  }
-  std::optional<bool> sourceListItemHasIcon(PXSourceList&, OutlineItem item) override {
-    return item.as<Backup>() != nullptr;
-  }
-  std::optional<QPixmap> sourceListIconForItem(PXSourceList&, OutlineItem) override {
-    return handset();
-  }
-  std::optional<bool> sourceListItemHasRightSideIcon(PXSourceList&, OutlineItem item) override {
-    const auto* backup = item.as<Backup>();
-    return backup && (backup->processing || backup->rightSideIcon);
-  }
-  std::optional<bool> sourceListItemIsProcessing(PXSourceList&, OutlineItem item) override {
-    const auto* backup = item.as<Backup>();
-    return backup && backup->processing;
-  }
-  std::optional<QPixmap> sourceListRightSideIconForItem(PXSourceList&, OutlineItem) override {
-    return cross(QColor(150, 150, 150));
-  }
-  std::optional<QPixmap> sourceListRightSideHoveringIconForItem(PXSourceList&,
-                                                                OutlineItem) override {
-    return cross(QColor(200, 60, 60));
-  }
+
   std::optional<bool> sourceListIsGroupAlwaysExpanded(PXSourceList&, OutlineItem) override {
     return alwaysExpanded;
+  }
+
+private:
+  test::Entry& backup(std::size_t device, std::size_t index) {
+    return root.children[device].children[index];
   }
 };
 
@@ -187,7 +144,7 @@ void paintSidebar(const QString& folder) {
 
   QApplication::setPalette(lightPalette());
   Window collapsible(false);
-  collapsible.sidebar.expandItemExpandChildren(&collapsible.content.devices[0], false);
+  collapsible.sidebar.expandItemExpandChildren(&collapsible.content.root.children[0], false);
   collapsible.sidebar.selectRowIndexesByExtendingSelection({1}, false);
   collapsible.showActive();
   save(collapsible, folder, "sidebar-collapsible");
