@@ -8,6 +8,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "CommandLineTest.h"
 #include "support/TreeState.h"
@@ -41,6 +42,13 @@ protected:
   void emptyDestination() const {
     fs::remove_all(m_tree.path("out"));
     m_tree.makeFolder("out");
+  }
+
+  // Temporary folders of the program. A sanitizer makes a file for a moment there, too.
+  std::vector<std::string> temporaryFolders() const {
+    std::vector<std::string> names = m_tree.list("tmp");
+    std::erase_if(names, [](const std::string& name) { return !name.starts_with("snaplift-"); });
+    return names;
   }
 
   // How many photos are there, whole all of them, when the export has ended normally or not.
@@ -93,7 +101,7 @@ TEST_P(EndedExportTest, leavesWholePhotosOrNone) {
     const int there = wholePhotos(result.status == -SIGKILL);
     if (result.status >= 0) {
       EXPECT_EQ(jsonLines(result).back()["exported"], there);
-      EXPECT_THAT(m_tree.list("tmp"), testing::IsEmpty());
+      EXPECT_THAT(temporaryFolders(), testing::IsEmpty());
     }
     EXPECT_TRUE(result.status != 0 || there == photoCount) << there;
   }
@@ -101,7 +109,7 @@ TEST_P(EndedExportTest, leavesWholePhotosOrNone) {
   emptyDestination();
   EXPECT_EQ(Program::run(exporting()).status, 0);
   EXPECT_EQ(wholePhotos(false), photoCount);
-  EXPECT_THAT(m_tree.list("tmp"), testing::IsEmpty());
+  EXPECT_THAT(temporaryFolders(), testing::IsEmpty());
   EXPECT_EQ(treeState(m_backup), m_before);
 }
 
