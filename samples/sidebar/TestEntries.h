@@ -49,7 +49,10 @@ public:
   }
 
 protected:
-  Entry& entry(OutlineItem item) { return item ? *item.as<Entry>() : root; }
+  Entry& entry(OutlineItem item) {
+    auto* entry = item.as<Entry>();
+    return entry ? *entry : root;
+  }
 };
 
 using PlainSource = Entries<PXSourceListDataSource>;

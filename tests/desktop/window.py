@@ -50,6 +50,17 @@ def again(what, act, condition, looks=100):
     wait_for(what, came)
 
 
+def answer_questions(manager, window):
+    """With no: a photo that was pasted twice makes the file manager ask, and take nothing meanwhile."""
+    def is_in_front():
+        xdotool("windowactivate", manager)
+        active = xdotool("getactivewindow")
+        if active not in (manager, window):
+            xdotool("key", "Escape")
+        return active == manager
+    wait_for("the file manager to ask nothing", is_in_front)
+
+
 class Window:
     def __init__(self, stack, program, errors):
         self.process = started(stack, [program], stderr=errors,
@@ -254,6 +265,7 @@ def copy(test):
     window.text("1 of 5 Photos Selected")
     start = window.photo(2)
     def drag():
+        answer_questions(manager, window.activate())
         xdotool("mousemove", *start)
         xdotool("mousedown", 1)
         for step in range(1, 6):
