@@ -56,9 +56,10 @@ public:
         {"TABLET", {{"October 9, 2011"}, {"September 14, 2011"}}},
         {"OLD MUSIC PLAYER WITH A RATHER LONG NAME",
          {{"A backup with a title that is far too long for a sidebar"}, {"March 30, 2010"}}}};
+    const QPixmap icon = handset();
     for (test::Entry& device : root.children) {
       for (test::Entry& backup : device.children) {
-        backup.icon = handset();
+        backup.icon = icon;
       }
     }
     backup(0, 1).badge = 7;
