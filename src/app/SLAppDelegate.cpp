@@ -170,7 +170,7 @@ void SLAppDelegate::updateCommands() {
   m_ui->actionExportSelected->setEnabled(showsSelection);
   m_ui->actionExportAll->setEnabled(showsPhotos);
   m_ui->actionReveal->setEnabled(backup);
-  m_ui->actionCopy->setEnabled(showsSelection && m_exportOperationQueue->operationCount() == 0);
+  m_ui->actionCopy->setEnabled(showsSelection && !isExporting());
   m_ui->actionDeselect->setEnabled(showsSelection);
   for (QAction* action : {m_ui->actionSelectAll, m_ui->actionInvertSelection, m_ui->actionZoomIn,
                           m_ui->actionZoomOut, m_ui->actionStartSize, m_ui->actionPreview}) {
@@ -179,8 +179,7 @@ void SLAppDelegate::updateCommands() {
 }
 
 bool SLAppDelegate::eventFilter(QObject* object, QEvent* event) {
-  if (object == m_window.get() && event->type() == QEvent::Close &&
-      m_exportOperationQueue->operationCount() > 0) {
+  if (object == m_window.get() && event->type() == QEvent::Close && isExporting()) {
     event->ignore();
     askWhetherToStopExporting();
     return true;

@@ -132,6 +132,7 @@ private:
   PhotosToExport photosAtIndexes(BackupModel& backup, const std::vector<int>& indexes) const;
   std::vector<std::string> exportPhotos(const PhotosToExport& photos,
                                         const std::string& destination);
+  bool isExporting() const;
   void exportOperationsDidChange();
   void updateExportProgress();
   void tellOfFailures(const ExportFailures& failures);

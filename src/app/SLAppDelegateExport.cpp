@@ -119,6 +119,10 @@ std::optional<std::vector<std::string>> SLAppDelegate::imageBrowserExportItemsTo
   return exportPhotos(photos, destination);
 }
 
+bool SLAppDelegate::isExporting() const {
+  return m_exportOperationQueue->operationCount() > 0;
+}
+
 void SLAppDelegate::exportOperationsDidChange() {
   if (QThread::currentThread() == thread()) {
     updateExportProgress();
@@ -164,7 +168,7 @@ void SLAppDelegate::askWhetherToStopExporting() {
 int SLAppDelegate::imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView&,
                                                                const std::vector<int>& indexes) {
   BackupModel* backup = m_arrayController.content();
-  if (!backup || m_exportOperationQueue->operationCount() > 0) {
+  if (!backup || isExporting()) {
     return 0;
   }
   const PhotosToExport photos = photosAtIndexes(*backup, indexes);
