@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -8,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "decoders/PhotoInfo.h"
 #include "foundation/Bytes.h"
 #include "foundation/Time.h"
 
@@ -31,8 +33,8 @@ struct BackedUpFile {
 //
 // loadContents() runs on one thread. After it has returned, nothing changes any more, and every
 // const operation may be called from several threads at once. What cannot be read is
-// absent; a file that the list of photos is made from, and that is there all the same, is a line in
-// the system log and makes the load incomplete.
+// absent; where that is a file that the list of photos is made from, it is a line in the system log
+// and makes the load incomplete.
 class BackupDecoderDelegate {
 public:
   using FileVisitor = std::function<void(const BackedUpFile&)>;
@@ -47,21 +49,32 @@ public:
   // thread, where that has not been done.
   virtual const std::vector<std::string>& imageFilePaths() = 0;
 
+  // Whether encryption keeps the very list of photos from being read: the list is then empty, and
+  // nobody knows whether there are photos. False before loading.
+  virtual bool encryptsList() const { return false; }
+
+  // What the backup knows of the photo at a place of imageFilePaths(), and what is there of its
+  // content file, found out afresh and without reading it. Before loading, and for a place that the
+  // list does not have: no path, and Missing.
+  virtual PhotoInfo photoInfo(std::size_t index) const = 0;
+  virtual ContentState contentState(std::size_t index) const = 0;
+
   // The whole content of a photo's file as it stands in the backup, read afresh; nothing for a path
   // that imageFilePaths() did not return or a file that cannot be read. `reuse` is an old buffer
   // whose storage may serve again.
   virtual std::optional<Bytes> dataForFileAtPath(const std::string& uniquePath,
                                                  Bytes reuse = {}) const = 0;
 
-  // False where a file that loading or visiting needed is there and cannot be read to its end
-  // (a disk that fails, a missing right, damage): photos may be missing from the list.
+  // The path of the file that dataForFileAtPath() hands out as it is; empty where the bytes come
+  // out of a file that holds more, or from nowhere.
+  virtual std::string contentFileAtPath(const std::string& uniquePath) const = 0;
+
+  // False where a file that loading or visiting needed for its list is missing or cannot be read to
+  // its end (a disk that fails, a right that the user lacks, damage): photos may be missing.
   virtual bool isComplete() const = 0;
 
   // Whether the manifest says that the content is encrypted. False before loading.
   virtual bool encrypted() const = 0;
-
-  // Whether dataForFileAtPath() has a file to read, without reading it.
-  virtual bool holdsFileAtPath(const std::string& uniquePath) const = 0;
 
   // Calls `visit` for each file that the decoder's manifest lists with content: for generations 5
   // and 4 of every domain, for 3 and 2 of the photos' domain. In a stable order, a domain's files

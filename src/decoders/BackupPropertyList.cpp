@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "foundation/File.h"
+#include "foundation/files/File.h"
 
 namespace snaplift {
 

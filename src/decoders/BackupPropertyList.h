@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/PropertyList.h"
+#include "foundation/propertylist/PropertyList.h"
 
 namespace snaplift {
 

@@ -65,7 +65,7 @@ std::vector<BackupFileModel> newestFirst(std::vector<std::optional<BackupFileMod
     if (a->modificationDate != b->modificationDate) {
       return a->modificationDate > b->modificationDate;  // an absent date is less than any other
     }
-    return std::tie(a->path, a->backupFileName) < std::tie(b->path, b->backupFileName);
+    return std::tie(a->path(), a->backupFileName()) < std::tie(b->path(), b->backupFileName());
   });
   std::vector<BackupFileModel> models;
   models.reserve(order.size());
@@ -88,8 +88,12 @@ void FileListDecoder::loadContents(std::stop_token stop) {
 void FileListDecoder::visitFiles(const FileVisitor& visit) {
   const auto manifest = readDictionary(backupPath(), "manifest.plist");
   for (const BackupFileModel& model : readFileModels(manifest, Wanted::Inventory, {})) {
-    const std::string& name = model.backupFileName;
-    visit({photoDomain(), model.path, name, model.filelength, model.modificationDate, {}});
+    visit({photoDomain(),
+           model.path(),
+           model.backupFileName(),
+           model.filelength,
+           model.modificationDate,
+           {}});
   }
 }
 
@@ -97,7 +101,8 @@ std::vector<BackupFileModel> FileListDecoder::readFileModels(
     const std::optional<PropertyList>& manifest, Wanted wanted, std::stop_token stop) const {
   const auto bytes = manifest ? manifest->root().valueForKey("Data").data() : std::nullopt;
   const auto listing = bytes ? PropertyList::parse(Bytes::copyOf(*bytes)) : std::nullopt;
-  if (!listing) {
+  using Kind = PropertyListValue::Kind;
+  if (!listing || listing->root().valueForKey("Files").kind() != Kind::Dictionary) {
     noteDamageOf(findFile(backupPath(), "manifest.plist"));
     return {};
   }
@@ -129,15 +134,17 @@ std::optional<PropertyList> FileListDecoder::readDictionaryOf(const OpenFolder& 
 
 BackupFileModel FileListDecoder::fileModel(const ListedFile& file, std::string_view extension,
                                            std::string path) const {
-  BackupFileModel model;
-  model.path = std::move(path);
-  model.backupFolder = backupPath();
-  model.backupFileName = fileName(file, extension);
-  return model;
+  return BackupFileModel(backupPath(), std::move(path), fileName(file, extension));
 }
 
 std::string FileListDecoder::contentFileName(const BackupFileModel& photo) const {
-  return photo.backupFileName;
+  return photo.backupFileName();
+}
+
+PhotoInfo FileListDecoder::infoOf(const BackupFileModel& photo) const {
+  PhotoInfo info = PhotoInfo::ofPath(photo.path());
+  info.modificationDate = knownTime(photo.modificationDate);
+  return info;
 }
 
 }  // namespace snaplift

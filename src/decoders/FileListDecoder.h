@@ -8,8 +8,8 @@
 
 #include "decoders/BackupFileModel.h"
 #include "decoders/PhotoDecoder.h"
-#include "foundation/File.h"
-#include "foundation/PropertyList.h"
+#include "foundation/files/File.h"
+#include "foundation/propertylist/PropertyList.h"
 
 namespace snaplift {
 
@@ -63,6 +63,7 @@ protected:
                             std::string path) const;
 
   std::string contentFileName(const BackupFileModel& photo) const override;
+  PhotoInfo infoOf(const BackupFileModel& photo) const override;
 
 private:
   std::vector<BackupFileModel> readFileModels(const std::optional<PropertyList>& manifest,

@@ -11,17 +11,18 @@
 #include <vector>
 
 #include "decoders/BackupDecoderDelegate.h"
-#include "foundation/File.h"
+#include "decoders/BackupPropertyList.h"
 #include "foundation/Log.h"
 #include "foundation/Parallel.h"
-#include "foundation/Path.h"
+#include "foundation/files/File.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
 
 // What the four decoders do alike: they keep one record for each photo, list the records' unique
 // paths, and find a record by its unique path through a hash index, so that exporting n photos
 // costs n look-ups. `Record` has uniquePath(). A decoder fills the list in its loadContents() and
-// says where a record's content lies.
+// says what a record knows and where its content lies.
 template <class Record>
 class PhotoDecoder : public BackupDecoderDelegate {
 public:
@@ -42,22 +43,43 @@ public:
     return photo ? dataOf(*photo, std::move(reuse)) : std::nullopt;
   }
 
-  bool holdsFileAtPath(const std::string& uniquePath) const override {
+  std::string contentFileAtPath(const std::string& uniquePath) const override {
     const Record* photo = photoAtPath(uniquePath);
-    return photo && holdsFileOf(*photo);
+    return photo ? contentFileOf(*photo) : std::string();
+  }
+
+  PhotoInfo photoInfo(std::size_t index) const override {
+    return index < m_photos.size() ? infoOf(m_photos[index]) : PhotoInfo();
+  }
+
+  ContentState contentState(std::size_t index) const override {
+    return index < m_photos.size() ? stateOf(m_photos[index]) : ContentState::Missing;
   }
 
   bool encrypted() const override { return m_encrypted; }
-  bool isComplete() const override { return m_isComplete; }
+  bool isComplete() const override { return m_damagedFiles == 0; }
 
 protected:
-  // To be called where a file of the backup gave nothing that could be used, or less than it had:
-  // that is damage when the file is there, and no more than its absence else. On any thread.
+  // To be called where a file that photos are listed from is not there, cannot be read, or ends
+  // before its end. On any thread.
   void noteDamageOf(const std::string& path) const {
-    if (fileAttributes(path)) {
+    const unsigned before = m_damagedFiles++;
+    if (before < mostDamagedFilesNamed) {
       systemLog("cannot read, photos may be missing: " + path);
-      m_isComplete = false;
+    } else if (before == mostDamagedFilesNamed) {
+      systemLog("cannot read more files than are named here: " + m_backupPath);
     }
+  }
+
+  // What "manifest.plist" says, for generations whose photos it does not list: without it nothing
+  // counts as encrypted, and only one that is there and damaged is noted.
+  bool readFlagOfEncryption() const {
+    const auto manifest = readDictionary(m_backupPath, "manifest.plist");
+    const std::string path = manifest ? std::string() : findFile(m_backupPath, "manifest.plist");
+    if (!manifest && fileAttributes(path)) {
+      noteDamageOf(path);
+    }
+    return isEncrypted(manifest);
   }
 
   const std::string& backupPath() const { return m_backupPath; }
@@ -65,15 +87,25 @@ protected:
   // The name of the record's content file inside the backup folder; empty where it can have none.
   virtual std::string contentFileName(const Record& photo) const = 0;
 
+  // The path of the file that is the record's content and nothing else; empty where there is none.
+  virtual std::string contentFileOf(const Record& photo) const {
+    const std::string name = contentFileName(photo);
+    return name.empty() ? std::string() : joinPath(m_backupPath, name);
+  }
+
   virtual std::optional<Bytes> dataOf(const Record& photo, Bytes reuse) const {
     const std::string name = contentFileName(photo);
     return name.empty() ? std::nullopt : readFile(joinPath(m_backupPath, name), std::move(reuse));
   }
 
-  virtual bool holdsFileOf(const Record& photo) const {
+  virtual PhotoInfo infoOf(const Record& photo) const = 0;
+
+  // An encrypted content file is longer than its photo.
+  virtual ContentState stateOf(const Record& photo) const {
     const std::string name = contentFileName(photo);
-    const auto attributes = fileAttributes(joinPath(m_backupPath, name));
-    return !name.empty() && attributes && attributes->type == FileType::Regular;
+    const auto size = m_encrypted ? std::nullopt : infoOf(photo).size;
+    return name.empty() ? ContentState::Missing
+                        : contentStateOfFile(joinPath(m_backupPath, name), size);
   }
 
   // The photo's record; of several of one unique path the last. Null where there is none.
@@ -104,6 +136,7 @@ protected:
 
 private:
   static constexpr unsigned threadsForPaths = 2;
+  static constexpr unsigned mostDamagedFilesNamed = 100;  // in the log
 
   static std::size_t hashOf(std::string_view text) { return std::hash<std::string_view>()(text); }
 
@@ -112,7 +145,7 @@ private:
   std::vector<std::string> m_imageFilePaths;
   using Place = std::pair<std::size_t, std::size_t>;
   std::vector<Place> m_index;  // sorted: the hash of a unique path, and its place in the lists
-  mutable std::atomic<bool> m_isComplete = true;
+  mutable std::atomic<unsigned> m_damagedFiles = 0;
   bool m_encrypted = false;
   bool m_loaded = false;
 };

@@ -1,6 +1,6 @@
 #include "decoders/PhotoSuffix.h"
 
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
 

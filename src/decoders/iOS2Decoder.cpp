@@ -21,17 +21,16 @@ std::optional<BackupFileModel> iOS2Decoder::readFileModel(const OpenFolder& fold
   if (!isPair) {
     list = readDictionaryOf(folder, file, singleFormExtension);
   }
-  if (!list) {
-    noteDamageOf(joinPath(backupPath(), fileName(file, ".mdinfo")));
-    noteDamageOf(joinPath(backupPath(), fileName(file, singleFormExtension)));
-  }
   std::optional<std::string> path = list ? textUnderKey(*list, "Path") : std::nullopt;
+  if (!path) {
+    noteDamageOf(joinPath(backupPath(), fileName(file, ".mdinfo")));
+  }
   if (!path || !isWanted(*path, wanted)) {
     return std::nullopt;
   }
   BackupFileModel model =
       fileModel(file, isPair ? pairFormExtension : singleFormExtension, std::move(*path));
-  if (const auto attributes = folder.fileAttributes(model.backupFileName)) {
+  if (const auto attributes = folder.fileAttributes(model.backupFileName())) {
     model.modificationDate = attributes->modificationDate;
     model.filelength = attributes->size;
   }
@@ -64,7 +63,7 @@ std::optional<Bytes> iOS2Decoder::dataOf(const BackupFileModel& photo, Bytes reu
     return reuse;
   }
   std::optional<Bytes> file = FileListDecoder::dataOf(photo, std::move(reuse));
-  if (!file || !photo.backupFileName.ends_with(singleFormExtension)) {
+  if (!file || !photo.backupFileName().ends_with(singleFormExtension)) {
     return file;
   }
   const auto list = parseDictionary(Bytes::copyOf(*file));
@@ -72,8 +71,13 @@ std::optional<Bytes> iOS2Decoder::dataOf(const BackupFileModel& photo, Bytes reu
   return bytes ? Bytes::copyOf(*bytes) : std::move(file);
 }
 
-bool iOS2Decoder::holdsFileOf(const BackupFileModel& photo) const {
-  return photo.data || FileListDecoder::holdsFileOf(photo);
+std::string iOS2Decoder::contentFileOf(const BackupFileModel& photo) const {
+  const bool isSingleForm = photo.data || photo.backupFileName().ends_with(singleFormExtension);
+  return isSingleForm ? std::string() : FileListDecoder::contentFileOf(photo);
+}
+
+ContentState iOS2Decoder::stateOf(const BackupFileModel& photo) const {
+  return photo.data ? ContentState::Whole : FileListDecoder::stateOf(photo);
 }
 
 }  // namespace snaplift

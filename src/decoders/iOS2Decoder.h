@@ -34,7 +34,8 @@ protected:
   std::optional<BackupFileModel> readFileModel(const OpenFolder& folder, const ListedFile& file,
                                                Wanted wanted) const override;
   std::optional<Bytes> dataOf(const BackupFileModel& photo, Bytes reuse) const override;
-  bool holdsFileOf(const BackupFileModel& photo) const override;
+  std::string contentFileOf(const BackupFileModel& photo) const override;
+  ContentState stateOf(const BackupFileModel& photo) const override;
 
 private:
   // Whether so many bytes more may be held; they then count as held.

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <vector>
 
-#include "decoders/BackupPropertyList.h"
+#include "decoders/ManifestPhoto.h"
 #include "decoders/PhotoSuffix.h"
 
 namespace snaplift {
@@ -20,10 +20,7 @@ const MBDBXReader& iOS4Decoder::reader(std::stop_token stop) {
 }
 
 void iOS4Decoder::loadContents(std::stop_token stop) {
-  const auto manifest = readDictionary(backupPath(), "manifest.plist");
-  if (!manifest) {
-    noteDamageOf(findFile(backupPath(), "manifest.plist"));
-  }
+  const bool encrypted = readFlagOfEncryption();
   const auto* media = reader(stop).records().entriesOf("MediaDomain");
   if (stop.stop_requested()) {
     m_reader.reset();  // it may hold nothing of what the manifest says
@@ -35,7 +32,7 @@ void iOS4Decoder::loadContents(std::stop_token stop) {
       return row.type() == MBDBXRow::RegularFile && endsLikePhoto(row.path());
     });
   }
-  setContents(isEncrypted(manifest), std::move(photos));
+  setContents(encrypted, std::move(photos));
 }
 
 void iOS4Decoder::visitFiles(const FileVisitor& visit) {
@@ -52,6 +49,10 @@ void iOS4Decoder::visitFiles(const FileVisitor& visit) {
 
 std::string iOS4Decoder::contentFileName(const MBDBXRow& photo) const {
   return photo.hash().value_or(std::string());
+}
+
+PhotoInfo iOS4Decoder::infoOf(const MBDBXRow& photo) const {
+  return infoOfRecord(*photo.record());
 }
 
 }  // namespace snaplift

@@ -24,6 +24,7 @@ public:
 
 protected:
   std::string contentFileName(const MBDBXRow& photo) const override;
+  PhotoInfo infoOf(const MBDBXRow& photo) const override;
 
 private:
   std::unique_ptr<MBDBXReader> m_reader;

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <vector>
 
-#include "decoders/BackupPropertyList.h"
+#include "decoders/ManifestPhoto.h"
 #include "decoders/PhotoSuffix.h"
 
 namespace snaplift {
@@ -17,10 +17,7 @@ iOS5BackupReader& iOS5Decoder::reader() {
 }
 
 void iOS5Decoder::loadContents(std::stop_token stop) {
-  const auto manifest = readDictionary(backupPath(), "manifest.plist");
-  if (!manifest) {
-    noteDamageOf(findFile(backupPath(), "manifest.plist"));
-  }
+  const bool encrypted = readFlagOfEncryption();
   const auto* cameraRoll = reader().records(stop).entriesOf("CameraRollDomain");
   if (stop.stop_requested()) {
     return;
@@ -33,7 +30,7 @@ void iOS5Decoder::loadContents(std::stop_token stop) {
     std::ranges::copy_if(*cameraRoll, std::back_inserter(photos), endsLikePhoto,
                          &ManifestRecord::path);
   }
-  setContents(isEncrypted(manifest), std::move(photos));
+  setContents(encrypted, std::move(photos));
 }
 
 void iOS5Decoder::visitFiles(const FileVisitor& visit) {
@@ -47,6 +44,10 @@ void iOS5Decoder::visitFiles(const FileVisitor& visit) {
 
 std::string iOS5Decoder::contentFileName(const ManifestRecord& photo) const {
   return photo.filename();
+}
+
+PhotoInfo iOS5Decoder::infoOf(const ManifestRecord& photo) const {
+  return infoOfRecord(photo);
 }
 
 }  // namespace snaplift

@@ -23,6 +23,7 @@ public:
 
 protected:
   std::string contentFileName(const ManifestRecord& photo) const override;
+  PhotoInfo infoOf(const ManifestRecord& photo) const override;
 
 private:
   std::unique_ptr<iOS5BackupReader> m_reader;

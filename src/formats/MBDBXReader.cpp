@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/File.h"
-#include "foundation/Path.h"
+#include "foundation/files/File.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
 namespace {

@@ -25,7 +25,7 @@ MBDBXRow::Type typeFromIndexFile(std::string_view typeHex) {
 }
 
 // An absent text inside a description.
-constexpr const char* absentText = "(null)";
+const std::string absentText = "(null)";
 
 }  // namespace
 
@@ -109,15 +109,12 @@ void MBDBXRow::setTypeFromMode(std::uint32_t mode) {
 }
 
 std::string MBDBXRow::description() const {
-  const auto textOrAbsent = [](const std::string& text) {
-    return text.empty() ? absentText : text;
-  };
+  const auto known = [this](const std::string& text) { return record() ? text : absentText; };
   return "MBDBXRow: {hash: " + hash().value_or(absentText) +
-         ", date: " + (record() ? defaultDateText(modificationDate()) : absentText) + ", type " +
+         ", date: " + known(defaultDateText(modificationDate())) + ", type " +
          typeHex().value_or(absentText) + ", type: " + std::to_string(m_type) +
-         ", domain: " + textOrAbsent(std::string(domain())) +
-         ", path: " + textOrAbsent(std::string(path())) +
-         ", uniquePath: " + textOrAbsent(uniquePath()) + "}";
+         ", domain: " + known(std::string(domain())) + ", path: " + known(std::string(path())) +
+         ", uniquePath: " + known(uniquePath()) + "}";
 }
 
 }  // namespace snaplift

@@ -44,6 +44,9 @@ public:
   // The two mode bytes of an index-file entry as four lower-case digits; absent for other rows.
   std::optional<std::string> typeHex() const;
 
+  // What the row is made of; null for a row that is not of the manifest.
+  const ManifestRecord* record() const { return std::get_if<ManifestRecord>(&m_source); }
+
   // Empty, and the start of 1970, for a row that is not of the manifest.
   std::string_view domain() const;
   std::string_view path() const;
@@ -60,7 +63,6 @@ public:
   std::string description() const;
 
 private:
-  const ManifestRecord* record() const { return std::get_if<ManifestRecord>(&m_source); }
   std::optional<ByteView> indexField(std::uint64_t offset, std::uint64_t width) const;
 
   std::variant<std::monostate, ManifestRecord, ByteView> m_source;  // the last: of the index file

@@ -5,7 +5,7 @@
 
 #include "formats/BinaryData.h"
 #include "formats/ManifestFields.h"
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
 

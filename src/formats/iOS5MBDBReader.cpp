@@ -2,7 +2,7 @@
 
 #include "formats/BinaryData.h"
 #include "formats/ManifestFields.h"
-#include "foundation/File.h"
+#include "foundation/files/File.h"
 
 namespace snaplift {
 namespace {
@@ -18,8 +18,14 @@ std::optional<std::int64_t> integerFromOffset(ByteView data, std::uint64_t& offs
 iOS5MBDBReader::iOS5MBDBReader(const std::string& path)
     : iOS5MBDBReader(readFile(path).value_or(Bytes())) {}
 
+iOS5MBDBReader::iOS5MBDBReader(Bytes data) : m_data(std::move(data)), m_end(m_data.size()) {
+  while (m_end > 0 && m_data.data()[m_end - 1] == 0) {
+    --m_end;
+  }
+}
+
 std::optional<ManifestRecord> iOS5MBDBReader::nextEntry() {
-  return m_position < m_data.size() ? dictionaryFromOffset(m_position) : std::nullopt;
+  return m_position < m_end ? dictionaryFromOffset(m_position) : std::nullopt;
 }
 
 std::optional<ManifestRecord> iOS5MBDBReader::dictionaryFromOffset(std::uint64_t offset) {

@@ -16,19 +16,20 @@ namespace snaplift {
 // The whole file is loaded when the reader is made. Records are views into the reader's buffer: who
 // keeps records keeps the reader. A file that is missing, unreadable or too short yields no entry,
 // and nothing is reported. An entry that the end of the file cuts off is dropped, and with it the
-// walk ends; isWhole() then tells. One thread at a time, until the walk is done; records are then
-// safe from all.
+// walk ends; isWhole() then tells. Zeros behind the last entry are padding and end the walk too.
+// One thread at a time, until the walk is done; records are then safe from all.
 class iOS5MBDBReader {
 public:
   // A reader over the file's content; without data where it cannot be read.
   explicit iOS5MBDBReader(const std::string& path);
   // A reader over bytes in memory.
-  explicit iOS5MBDBReader(Bytes data) : m_data(std::move(data)) {}
+  explicit iOS5MBDBReader(Bytes data);
   // A reader without data, which yields no entry.
   iOS5MBDBReader() = default;
 
-  // After a walk: whether the file could be read, and its last entry ends where the file ends.
-  bool isWhole() const { return m_data.size() >= headerLength && !m_isCutOff; }
+  // After a walk: whether the file could be read and is more than zeros, and its last entry ends
+  // where the file or its padding does.
+  bool isWhole() const { return m_data.size() >= headerLength && m_end > 0 && !m_isCutOff; }
 
   // The next entry in file order; nothing at the end, however often it is asked.
   std::optional<ManifestRecord> nextEntry();
@@ -54,6 +55,7 @@ private:
 
   Bytes m_data;
   std::uint64_t m_position = headerLength;
+  std::uint64_t m_end = 0;  // from here on there is nothing but zeros
   bool m_isCutOff = false;
 };
 

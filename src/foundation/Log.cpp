@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <mutex>
 #include <utility>
 
@@ -74,6 +75,23 @@ void appendEscaped(std::string& text, char c) {
 
 }  // namespace
 
+UnseenCharacter unseenCharacterAt(std::string_view text) {
+  if (text.starts_with('\x7f')) {
+    return {0x7F, 1};
+  }
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]) & 0x3Fu; };
+  const std::size_t length = text.empty() ? 0 : characterLength(text);
+  const unsigned character = length == 2   ? (byte(0) & 0x1F) << 6 | byte(1)
+                             : length == 3 ? (byte(0) & 0x0F) << 12 | byte(1) << 6 | byte(2)
+                                           : 0;
+  const auto isBetween = [&](unsigned first, unsigned last) {
+    return character >= first && character <= last;
+  };
+  const bool isUnseen = isBetween(0x80, 0x9F) || character == 0x061C || isBetween(0x200E, 0x200F) ||
+                        isBetween(0x2028, 0x202E) || isBetween(0x2066, 0x2069);
+  return isUnseen ? UnseenCharacter{character, length} : UnseenCharacter{};
+}
+
 std::string escapedForLog(std::string_view text) {
   std::string escaped;
   escaped.reserve(text.size());
@@ -81,7 +99,11 @@ std::string escapedForLog(std::string_view text) {
     const std::size_t length = characterLength(text);
     if (length == 1) {
       appendEscaped(escaped, text.front());
-    } else if (length == 2 && text[0] == '\xc2' && isLatterControl(text[1])) {
+    } else if (const unsigned unseen = unseenCharacterAt(text).character; unseen >= 0x100) {
+      char escape[16];
+      std::snprintf(escape, sizeof escape, "\\u%04x", unseen);
+      escaped += escape;
+    } else if (unseen > 0) {
       appendEscaped(escaped, text[1]);
     } else {
       escaped += text.substr(0, length);

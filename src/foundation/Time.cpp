@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <string_view>
 
 #include <unicode/datefmt.h>
+#include <unicode/locid.h>
 #include <unicode/unistr.h>
 
 namespace snaplift {
@@ -47,6 +50,45 @@ std::string formatted(const char* format, Instant instant) {
   return text;
 }
 
+// The locale that rules dates, by the rule of every program here. ICU's own default reads other
+// variables. "C" and "POSIX" are American English to ICU.
+icu::Locale localeOfDates() {
+  for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+    const char* name = std::getenv(variable);
+    if (name && *name) {
+      const std::string_view language = std::string_view(name).substr(0, 2);
+      return language == "C" || language == "C." || language == "PO"
+                 ? icu::Locale::getUS()
+                 : icu::Locale::createCanonical(name);
+    }
+  }
+  return icu::Locale::getUS();
+}
+
+// One formatter for the process: making one costs more than a thousand dates. ICU's formatters are
+// not for use by two threads at once.
+class DateWords {
+public:
+  explicit DateWords(icu::DateFormat* (*make)(const icu::Locale& locale))
+      : m_format(make(localeOfDates())) {}
+
+  // `otherwise` where the locale machinery has no answer.
+  std::string textOf(Instant instant, const std::string& otherwise) {
+    std::string text;
+    if (m_format) {
+      const std::lock_guard lock(m_mutex);
+      icu::UnicodeString words;
+      const auto time = std::chrono::floor<milliseconds>(instant).time_since_epoch();
+      m_format->format(static_cast<UDate>(time.count()), words).toUTF8String(text);
+    }
+    return text.empty() ? otherwise : text;
+  }
+
+private:
+  std::mutex m_mutex;
+  const std::unique_ptr<icu::DateFormat> m_format;
+};
+
 }  // namespace
 
 Instant instantFromUnixTime(std::int64_t seconds, std::int64_t nanoseconds) {
@@ -65,19 +107,17 @@ std::string defaultDateText(Instant instant) {
 }
 
 std::string longDateText(Instant instant) {
-  // One formatter for the process: making one costs more than a thousand dates. ICU's formatters
-  // are not for use by two threads at once.
-  static std::mutex mutex;
-  static const std::unique_ptr<icu::DateFormat> format(
-      icu::DateFormat::createDateInstance(icu::DateFormat::kLong));
-  std::string text;
-  if (format) {
-    const std::lock_guard lock(mutex);
-    icu::UnicodeString words;
-    const auto time = std::chrono::floor<milliseconds>(instant).time_since_epoch();
-    format->format(static_cast<UDate>(time.count()), words).toUTF8String(text);
-  }
-  return text.empty() ? rfc3339Text(instant).substr(0, 10) : text;
+  static DateWords words([](const icu::Locale& locale) {
+    return icu::DateFormat::createDateInstance(icu::DateFormat::kLong, locale);
+  });
+  return words.textOf(instant, rfc3339Text(instant).substr(0, 10));
+}
+
+std::string timeOfDayText(Instant instant) {
+  static DateWords words([](const icu::Locale& locale) {
+    return icu::DateFormat::createTimeInstance(icu::DateFormat::kMedium, locale);
+  });
+  return words.textOf(instant, rfc3339Text(instant).substr(11, 8));
 }
 
 }  // namespace snaplift

@@ -18,10 +18,13 @@ Instant instantFromUnixTime(std::int64_t seconds, std::int64_t nanoseconds = 0);
 // which RFC 3339 cannot say, are written with a sign and as many digits as they need.
 std::string rfc3339Text(Instant instant);
 
-// "October 12, 2011": the date in the long style of the user's locale (LC_ALL, LC_TIME, LANG) and
-// the local time zone, without the time. Never empty: where the locale machinery has no answer it
-// is the ISO date. Safe to call from any thread.
+// "October 12, 2011": the date in the long style of the user's locale (LC_ALL, else LC_TIME, else
+// LANG, as they are at the first call) and the local time zone, without the time. Never empty:
+// where the locale machinery has no answer it is the ISO date. Safe to call from any thread.
 std::string longDateText(Instant instant);
+
+// "8:30:00 AM": the time of that day, with seconds, likewise.
+std::string timeOfDayText(Instant instant);
 
 // "2011-10-12 08:30:00 +0000": the default text form of a date, UTC.
 std::string defaultDateText(Instant instant);

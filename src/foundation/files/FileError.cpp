@@ -1,0 +1,67 @@
+#include "foundation/files/FileError.h"
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace snaplift {
+
+FileError FileError::ofSystem(int errorNumber, std::string path) {
+  return errorNumber == EEXIST ? fileExists(std::move(path))
+                               : FileError{posixErrorDomain, errorNumber, std::move(path)};
+}
+
+FileError FileError::fileExists(std::string path) {
+  return {cocoaErrorDomain, fileWriteFileExistsError, std::move(path)};
+}
+
+FileError FileError::unreadable(std::string path) {
+  return {cocoaErrorDomain, fileReadUnknownError, std::move(path)};
+}
+
+FileError FileError::missing(std::string path) {
+  return {cocoaErrorDomain, fileReadNoSuchFileError, std::move(path)};
+}
+
+FileError FileError::forbidden(std::string path) {
+  return {cocoaErrorDomain, fileReadNoPermissionError, std::move(path)};
+}
+
+FileError FileError::encrypted(std::string path) {
+  return {backupErrorDomain, encryptedError, std::move(path)};
+}
+
+FileError FileError::invalidFileName(std::string path) {
+  return {cocoaErrorDomain, fileWriteInvalidFileNameError, std::move(path)};
+}
+
+bool FileError::isFileExists() const {
+  return domain == cocoaErrorDomain && code == fileWriteFileExistsError;
+}
+
+std::string FileError::reason() const {
+  if (domain == posixErrorDomain) {
+    return std::generic_category().message(code);
+  }
+  if (domain == backupErrorDomain) {
+    return "the backup is encrypted";
+  }
+  switch (code) {
+    case fileWriteFileExistsError:
+      return "a file of this name exists";
+    case fileWriteInvalidFileNameError:
+      return "this is not the name of a file";
+    case fileReadNoSuchFileError:
+      return "the file is missing";
+    case fileReadNoPermissionError:
+      return "there is no permission to read the file";
+    default:
+      return "the file cannot be read";
+  }
+}
+
+std::string FileError::description() const {
+  return path + ": " + reason() + " (" + std::string(domain) + " " + std::to_string(code) + ")";
+}
+
+}  // namespace snaplift
