@@ -1,0 +1,17 @@
+#pragma once
+
+#include "picturedecoder/PictureWriter.h"
+
+namespace snaplift {
+
+// HEIF files (HEIC among them), read by libheif, which also turns and mirrors as the file says and
+// brings ten bits down to eight. In a build without libheif no file is one.
+
+bool isHeif(ByteView bytes);
+
+PictureAnswer decodeHeif(ByteView bytes, const PictureTarget& target);
+// The small picture that the file brings along, if it would do for a cell of `pixels` (see
+// isFitPreview).
+PictureAnswer decodeHeifPreview(ByteView bytes, std::uint32_t pixels, const PictureTarget& target);
+
+}  // namespace snaplift
