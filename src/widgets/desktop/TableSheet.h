@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+class QWidget;
+
+namespace snaplift {
+
+// Shows a list of rows on a sheet of `window`, which can be sorted by each column and is closed
+// with Escape. Returns at once. All texts are plain, control characters the caller's matter.
+void showTable(QWidget* window, const QString& title, const QStringList& columns,
+               const std::vector<QStringList>& rows);
+
+}  // namespace snaplift

@@ -1,0 +1,50 @@
+#include "widgets/desktop/TransferRate.h"
+
+#include <cmath>
+
+namespace snaplift {
+namespace {
+
+// Less says more about the clock than about the disk.
+constexpr double shortestStep = 0.5;
+// After so many seconds, a change of speed is believed by two thirds.
+constexpr double memory = 5;
+
+constexpr double minute = 60;
+constexpr double hour = 60 * minute;
+
+}  // namespace
+
+void TransferRate::update(Time now, std::uint64_t done) {
+  if (!m_last) {
+    m_last = now;
+    m_done = done;
+    return;
+  }
+  const double seconds = std::chrono::duration<double>(now - *m_last).count();
+  if (seconds < shortestStep) {
+    return;
+  }
+  const double latest = static_cast<double>(done - m_done) / seconds;
+  const double weight = 1 - std::exp(-seconds / memory);
+  m_perSecond = m_perSecond ? *m_perSecond + weight * (latest - *m_perSecond) : latest;
+  m_last = now;
+  m_done = done;
+}
+
+QString timeLeftText(double seconds) {
+  if (seconds < minute) {
+    return QStringLiteral("less than a minute left");
+  }
+  if (seconds >= 99 * hour) {
+    return QStringLiteral("more than 99 hours left");
+  }
+  const bool areHours = seconds >= 1.5 * hour;
+  const int count = static_cast<int>(std::lround(seconds / (areHours ? hour : minute)));
+  return QStringLiteral("about %1 %2%3 left")
+      .arg(count)
+      .arg(areHours ? QStringLiteral("hour") : QStringLiteral("minute"))
+      .arg(count == 1 ? QString() : QStringLiteral("s"));
+}
+
+}  // namespace snaplift

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace snaplift {
+
+// Shows the folder in the desktop's file manager: through the file manager service of the session
+// bus (org.freedesktop.FileManager1) where one answers, else through the program that the desktop
+// opens folders with. Returns at once; what the desktop makes of it is not reported.
+void openFolderInFileManager(const std::string& folder);
+
+// The same, with these files in it selected where the service knows how.
+void showFilesInFileManager(const std::string& folder, const std::vector<std::string>& files);
+
+}  // namespace snaplift

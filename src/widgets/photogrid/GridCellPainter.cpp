@@ -1,0 +1,189 @@
+#include "widgets/photogrid/GridCellPainter.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QPainterPath>
+#include <algorithm>
+
+namespace snaplift {
+namespace {
+
+constexpr int captionGap = 8;  // the focus is drawn in it
+constexpr double cornerRadius = 4;
+constexpr int selectionWidth = 3;
+constexpr double heightOfFrame = 0.8;  // of its width
+
+// Where a photo of `size` stands in the frame: in its middle, as large as it fits, never larger
+// than it is.
+QRect pictureRect(const QRect& frame, QSizeF size) {
+  const bool isSmaller = size.width() <= frame.width() && size.height() <= frame.height();
+  const QSizeF fitted = isSmaller ? size : size.scaled(frame.size(), Qt::KeepAspectRatio);
+  const QSize whole(std::max(qRound(fitted.width()), 1), std::max(qRound(fitted.height()), 1));
+  return {frame.left() + (frame.width() - whole.width()) / 2,
+          frame.top() + (frame.height() - whole.height()) / 2, whole.width(), whole.height()};
+}
+
+// What of a name fits. The extension goes first: what tells photos apart is the number before it.
+QString fittingTitle(const QString& title, const QFontMetrics& font, int width) {
+  if (font.horizontalAdvance(title) <= width) {
+    return title;
+  }
+  const qsizetype dot = title.lastIndexOf(u'.');
+  return font.elidedText(dot > 0 ? title.left(dot) : title, Qt::ElideMiddle, width);
+}
+
+}  // namespace
+
+GridCellMetrics GridCellMetrics::forZoom(float zoom, const QFont& font) {
+  constexpr double smallest = 32;
+  constexpr double perZoom = 384;
+  constexpr double largest = 960;
+  GridCellMetrics metrics;
+  const double width = std::clamp(smallest + perZoom * double{zoom}, 24.0, largest);
+  metrics.picture = {qRound(width), qRound(width * heightOfFrame)};
+  metrics.captionFont = font;
+  if (font.pointSizeF() > 0) {
+    metrics.captionFont.setPointSizeF(std::max(font.pointSizeF() * 0.9, 7.0));
+  }
+  metrics.captionHeight = std::min(QFontMetrics(metrics.captionFont).height() + 2 + captionGap, 80);
+  return metrics;
+}
+
+GridCellPainter::GridCellPainter(QPainter& painter, const QColor& text,
+                                 const SelectionColors& selection, const GridCellMetrics& metrics)
+    : m_painter(painter), m_metrics(metrics), m_text(text), m_selection(selection) {
+  m_painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+  m_painter.setFont(metrics.captionFont);
+}
+
+QColor GridCellPainter::ink(double strength) const {
+  QColor color = m_text;
+  color.setAlphaF(static_cast<float>(strength));
+  return color;
+}
+
+void GridCellPainter::draw(const Cell& cell) {
+  const QRect frame(cell.rect.topLeft(), m_metrics.picture);
+  const Thumbnail* thumbnail = cell.thumbnail;
+  const bool hasPicture = thumbnail != nullptr && !thumbnail->picture.isNull();
+  const QSizeF cameraFormat(4.0 * frame.width(), 3.0 * frame.width());
+  const QRect rect = pictureRect(frame, hasPicture ? thumbnail->photoSize : cameraFormat);
+  if (hasPicture) {
+    drawPicture(rect, *thumbnail);
+    if (thumbnail->isDamaged) {
+      drawDamagedMark(rect);
+    }
+  } else {
+    drawBlank(rect);
+    if (thumbnail != nullptr && thumbnail->isBroken()) {
+      drawBrokenMark(rect, troubleOf(*thumbnail).word);
+    }
+  }
+  if (cell.isSelected) {
+    const double out = 1 + selectionWidth / 2.0;
+    m_painter.setBrush(Qt::NoBrush);
+    m_painter.setPen(QPen(m_selection.fill, selectionWidth));
+    m_painter.drawRoundedRect(QRectF(rect).adjusted(-out, -out, out, out), cornerRadius,
+                              cornerRadius);
+  }
+  drawCaption(cell);
+  if (cell.hasFocus) {
+    // Round the selection's frame, with a gap that is seen on any picture.
+    constexpr double out = 6;
+    m_painter.setBrush(Qt::NoBrush);
+    m_painter.setPen(QPen(ink(0.75), 1.5));
+    m_painter.drawRoundedRect(QRectF(rect).adjusted(-out, -out, out, out), cornerRadius + 2,
+                              cornerRadius + 2);
+  }
+}
+
+void GridCellPainter::drawPicture(const QRect& rect, const Thumbnail& thumbnail) {
+  m_painter.drawImage(rect, thumbnail.picture);
+  // A sky may be as white as the page.
+  m_painter.setBrush(Qt::NoBrush);
+  m_painter.setPen(QPen(ink(0.15), 1));
+  m_painter.drawRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5));
+}
+
+void GridCellPainter::drawBlank(const QRect& rect) {
+  m_painter.setPen(Qt::NoPen);
+  m_painter.setBrush(ink(0.07));
+  m_painter.drawRoundedRect(rect, cornerRadius, cornerRadius);
+}
+
+void GridCellPainter::drawBrokenMark(const QRect& rect, const QString& word) {
+  const double unit = std::clamp(rect.height() * 0.16, 6.0, 28.0);
+  const bool isNamed = rect.width() >= 72;
+  const QPointF centre = QRectF(rect).center() - QPointF(0, isNamed ? unit * 0.6 : 0);
+  m_painter.setBrush(Qt::NoBrush);
+  m_painter.setPen(
+      QPen(ink(0.5), std::max(unit / 9, 1.2), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  // A photo torn in two along a zigzag.
+  const QPointF tear[] = {{0.25, -0.9}, {-0.2, -0.3}, {0.25, 0.2}, {-0.2, 0.9}};
+  for (const double half : {-1.0, 1.0}) {
+    QPainterPath path;
+    const QPointF shift(half * 0.14, 0);
+    path.moveTo(centre + (tear[0] + shift) * unit);
+    for (const QPointF& point : tear) {
+      path.lineTo(centre + (point + shift) * unit);
+    }
+    path.lineTo(centre + QPointF(half * 1.35, 0.9) * unit);
+    path.lineTo(centre + QPointF(half * 1.35, -0.9) * unit);
+    path.closeSubpath();
+    m_painter.drawPath(path);
+  }
+  if (isNamed) {
+    const QFontMetrics font(m_metrics.captionFont);
+    const QRect line(rect.left() + 4, qRound(centre.y() + unit * 1.5), rect.width() - 8,
+                     font.height());
+    m_painter.setPen(ink(0.65));
+    m_painter.drawText(line, Qt::AlignCenter, font.elidedText(word, Qt::ElideRight, line.width()));
+  }
+}
+
+// A badge in the corner that says: not all of this photo is here. Its own colours, since it lies on
+// a photo of any colour.
+void GridCellPainter::drawDamagedMark(const QRect& rect) {
+  const double side = std::clamp(rect.height() * 0.16, 12.0, 22.0);
+  QPainterPath triangle;
+  triangle.moveTo(side / 2, 0);
+  triangle.lineTo(side, side * 0.9);
+  triangle.lineTo(0, side * 0.9);
+  triangle.closeSubpath();
+  triangle.translate(rect.right() - side - 4, rect.bottom() - side - 2);
+  m_painter.setPen(QPen(QColor(0, 0, 0, 170), 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  m_painter.setBrush(QColor(0xff, 0xc2, 0x1a));
+  m_painter.drawPath(triangle);
+  const QRectF box = triangle.boundingRect();
+  m_painter.setPen(QPen(Qt::black, std::max(side / 9, 1.4), Qt::SolidLine, Qt::RoundCap));
+  m_painter.drawLine(QPointF(box.center().x(), box.top() + side * 0.32),
+                     QPointF(box.center().x(), box.top() + side * 0.56));
+  m_painter.drawPoint(QPointF(box.center().x(), box.top() + side * 0.75));
+}
+
+void GridCellPainter::drawCaption(const Cell& cell) {
+  const QRect line = cell.rect.adjusted(0, m_metrics.picture.height() + captionGap, 0, 0);
+  const QFontMetrics font(m_metrics.captionFont);
+  constexpr int padding = 5;
+  const QString text = fittingTitle(cell.title, font, line.width());
+  if (cell.isSelected) {
+    const int width = std::min(font.horizontalAdvance(text) + 2 * padding, line.width() + 6);
+    QRectF pill(0, 0, width, line.height());
+    pill.moveCenter(QRectF(line).center());
+    m_painter.setPen(Qt::NoPen);
+    m_painter.setBrush(m_selection.fill);
+    m_painter.drawRoundedRect(pill, cornerRadius, cornerRadius);
+  }
+  m_painter.setPen(cell.isSelected ? m_selection.text : ink(0.85));
+  m_painter.drawText(line, Qt::AlignCenter | Qt::TextDontClip, text);
+}
+
+void GridCellPainter::drawBand(const QRect& band) {
+  QColor fill = m_selection.fill;
+  fill.setAlphaF(0.18F);
+  m_painter.setPen(QPen(m_selection.fill, 1));
+  m_painter.setBrush(fill);
+  m_painter.drawRect(QRectF(band).adjusted(0.5, 0.5, -0.5, -0.5));
+}
+
+}  // namespace snaplift

@@ -1,0 +1,308 @@
+#include "widgets/photogrid/ImageBrowserView.h"
+
+#include <QHelpEvent>
+#include <QLocale>
+#include <QNativeGestureEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QToolTip>
+#include <algorithm>
+
+#include "widgets/desktop/PlainText.h"
+#include "widgets/desktop/SelectionColors.h"
+#include "widgets/photogrid/ImageBrowserAccessible.h"
+#include "widgets/photogrid/PhotoPreview.h"
+#include "widgets/thumbnails/ThumbnailProvider.h"
+
+namespace snaplift {
+namespace {
+
+constexpr int decorationMargin = 8;  // how far selection and focus reach out of a cell
+
+QRect decorated(const QRect& cell) {
+  return cell.adjusted(-decorationMargin, -decorationMargin, decorationMargin, decorationMargin);
+}
+
+}  // namespace
+
+ImageBrowserView::ImageBrowserView(QWidget* parent)
+    : QAbstractScrollArea(parent), m_thumbnails(new ThumbnailProvider(this)) {
+  ImageBrowserAccessible::install();
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setFocusPolicy(Qt::StrongFocus);
+  setFrameShape(NoFrame);
+  m_metrics = GridCellMetrics::forZoom(m_zoomValue, font());
+
+  m_lookTimer.setSingleShot(true);
+  connect(&m_lookTimer, &QTimer::timeout, this, &ImageBrowserView::lookAtVisible);
+  constexpr int bandFrame = 20;  // milliseconds
+  m_bandTimer.setInterval(bandFrame);
+  connect(&m_bandTimer, &QTimer::timeout, this, &ImageBrowserView::scrollWithBand);
+  connect(m_thumbnails, &ThumbnailProvider::thumbnailsChanged, this,
+          [this](const std::vector<int>& indexes) {
+            for (const int index : indexes) {
+              viewport()->update(itemFrameAtIndex(index));
+            }
+          });
+}
+
+// The preview holds on to the view, so it goes before the view's own parts do.
+ImageBrowserView::~ImageBrowserView() {
+  delete m_preview;
+}
+
+// Content
+
+void ImageBrowserView::setDataSource(const ImageBrowserViewDataSource* dataSource) {
+  m_dataSource = dataSource;
+  reloadData();
+}
+
+void ImageBrowserView::reloadData() {
+  setPreviewOpen(false);
+  endBand();
+  const int count = std::min(m_dataSource ? m_dataSource->numberOfItemsInImageBrowser(*this) : 0,
+                             GridLayout::maxItems);
+  const bool hadSelection = !selectionIndexes().empty();
+  m_pressedIndex = -1;
+  m_onRelease = OnRelease::Nothing;
+  m_selection = GridSelection(count);
+  m_layout = GridLayout(count, viewport()->width(), m_metrics.cellSize());
+  if (m_dataSource) {
+    m_thumbnails->setItems([this](int index) { return itemAtIndex(index); }, count);
+  } else {
+    m_thumbnails->setItems({}, 0);
+  }
+  m_scrollsBackwards = false;
+  verticalScrollBar()->setValue(0);
+  m_anchor.reset();
+  relayout();
+  if (hadSelection) {
+    emit selectionIndexesChanged();
+  }
+}
+
+ImageBrowserItemPointer ImageBrowserView::itemAtIndex(int index) const {
+  return m_dataSource->imageBrowserItemAtIndex(*this, index);
+}
+
+QString ImageBrowserView::titleAtIndex(int index) const {
+  return plainText::shortened(m_dataSource->imageBrowserTitleAtIndex(*this, index));
+}
+
+const Thumbnail* ImageBrowserView::thumbnailAtIndex(int index) const {
+  return m_thumbnails->find(itemAtIndex(index)->imageUID());
+}
+
+void ImageBrowserView::setThumbnailsSuspended(bool suspended) {
+  m_thumbnails->setSuspended(suspended);
+}
+
+bool ImageBrowserView::isLoadingThumbnails() const {
+  return m_lookTimer.isActive() || !m_thumbnails->isIdle();
+}
+
+// Layout
+
+std::optional<int> ImageBrowserView::indexOfItemAtPoint(QPoint point) const {
+  const int index = m_layout.indexAt(contentPoint(point));
+  return index >= 0 ? std::optional(index) : std::nullopt;
+}
+
+QRect ImageBrowserView::itemFrameAtIndex(int index) const {
+  return viewportRect(m_layout.cellRect(index));
+}
+
+QPoint ImageBrowserView::contentPoint(QPoint viewportPoint) const {
+  return viewportPoint + QPoint(0, scrolled());
+}
+
+QRect ImageBrowserView::viewportRect(const QRect& contentRect) const {
+  return contentRect.translated(0, -scrolled());
+}
+
+IndexRange ImageBrowserView::visibleRange() const {
+  const int top = scrolled();
+  return m_layout.rowsBetween(top, top + viewport()->height() - 1);
+}
+
+void ImageBrowserView::relayout() {
+  const Anchor anchor = m_anchor.value_or(anchorOfFirstVisible());
+  m_layout = GridLayout(m_layout.itemCount(), viewport()->width(), m_metrics.cellSize());
+  m_isAdjusting = true;
+  updateScrollBar();
+  if (m_layout.itemCount() > 0) {
+    const int row = m_layout.cellRect(anchor.index).top();
+    verticalScrollBar()->setValue(row + qRound(anchor.fraction * m_layout.rowHeight()) -
+                                  anchor.at.y());
+    m_anchor = anchor;
+  }
+  m_isAdjusting = false;
+  m_lookTimer.start(0);
+  viewport()->update();
+}
+
+void ImageBrowserView::updateScrollBar() {
+  const int height = viewport()->height();
+  verticalScrollBar()->setRange(0, std::max(m_layout.contentHeight() - height, 0));
+  verticalScrollBar()->setPageStep(height);
+  verticalScrollBar()->setSingleStep(std::max(m_layout.rowHeight() / 3, 20));
+}
+
+int ImageBrowserView::scrolled() const {
+  return verticalScrollBar()->value();
+}
+
+void ImageBrowserView::scrollContentsBy(int, int dy) {
+  if (!m_isAdjusting) {
+    m_anchor.reset();
+    m_scrollsBackwards = dy > 0;
+  }
+  // A band is painted over everything and moves against the photos.
+  if (m_band) {
+    viewport()->update();
+  } else {
+    viewport()->scroll(0, dy);
+  }
+  m_lookTimer.start(0);
+}
+
+void ImageBrowserView::resizeEvent(QResizeEvent* event) {
+  QAbstractScrollArea::resizeEvent(event);
+  if (m_preview != nullptr && !m_preview->isWindow()) {
+    m_preview->setGeometry(rect());
+  }
+  relayout();
+}
+
+// Painting
+
+void ImageBrowserView::paintEvent(QPaintEvent* event) {
+  QPainter painter(viewport());
+  GridCellPainter cells(
+      painter, palette().color(QPalette::Text),
+      selectionColors(palette(), QPalette::Text, QPalette::Base, isActiveWindow() && hasFocus()),
+      m_metrics);
+  const QRect dirty = decorated(event->rect()).translated(0, scrolled());
+  const bool showsFocus = hasFocus() && !isPreviewOpen();
+  m_layout.forEachRunIn(dirty, [&](IndexRange run) {
+    for (int index = run.first; index <= run.last; ++index) {
+      const QRect frame = itemFrameAtIndex(index);
+      if (event->region().intersects(decorated(frame))) {
+        const ImageBrowserItemPointer item = itemAtIndex(index);
+        cells.draw({frame, plainText::shortened(item->imageTitle()),
+                    m_thumbnails->find(item->imageUID()), selectionIndexes().contains(index),
+                    showsFocus && index == focusedIndex()});
+      }
+    }
+  });
+  if (m_band) {
+    cells.drawBand(viewportRect(m_band->rect()));
+  }
+}
+
+void ImageBrowserView::lookAtVisible() {
+  // The pending look is void: what is visible is looked at now.
+  m_lookTimer.stop();
+  if (isVisible()) {
+    m_thumbnails->setSight({visibleRange(), m_scrollsBackwards,
+                            qCeil(m_metrics.picture.width() * viewport()->devicePixelRatio())});
+  }
+}
+
+void ImageBrowserView::showEvent(QShowEvent* event) {
+  QAbstractScrollArea::showEvent(event);
+  m_lookTimer.start(0);
+}
+
+void ImageBrowserView::hideEvent(QHideEvent* event) {
+  QAbstractScrollArea::hideEvent(event);
+  m_thumbnails->setSight({});
+}
+
+void ImageBrowserView::changeEvent(QEvent* event) {
+  QAbstractScrollArea::changeEvent(event);
+  if (event->type() == QEvent::ActivationChange) {
+    viewport()->update();
+  } else if (event->type() == QEvent::FontChange) {
+    m_metrics = GridCellMetrics::forZoom(m_zoomValue, font());
+    relayout();
+  }
+}
+
+bool ImageBrowserView::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::NativeGesture) {
+    auto* gesture = static_cast<QNativeGestureEvent*>(event);
+    if (gesture->gestureType() == Qt::ZoomNativeGesture) {
+      holdPhotoAt(gesture->position().toPoint());
+      magnifyWithEvent(gesture);
+      return true;
+    }
+  } else if (event->type() == QEvent::ToolTip) {
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const std::optional<int> index = indexOfItemAtPoint(help->pos());
+    QToolTip::showText(help->globalPos(), index ? toolTipOf(*index) : QString(), viewport(),
+                       index ? itemFrameAtIndex(*index) : QRect());
+    return true;
+  }
+  return QAbstractScrollArea::viewportEvent(event);
+}
+
+QString ImageBrowserView::toolTipOf(int index) const {
+  const ImageBrowserItemPointer item = itemAtIndex(index);
+  QStringList lines{plainText::shortened(item->imageTitle())};
+  if (const Thumbnail* thumbnail = m_thumbnails->find(item->imageUID())) {
+    QStringList measures;
+    if (thumbnail->photoSize.isValid()) {
+      measures << QString("%1 × %2 pixels")
+                      .arg(thumbnail->photoSize.width())
+                      .arg(thumbnail->photoSize.height());
+    }
+    if (thumbnail->byteCount > 0) {
+      measures << locale().formattedDataSize(thumbnail->byteCount, 1,
+                                             QLocale::DataSizeTraditionalFormat);
+    }
+    lines << measures.join(", ");
+    lines << troubleOf(*thumbnail).sentence;
+  }
+  lines << plainText::shortened(item->imageOrigin());
+  lines.removeAll(QString());
+  return plainText::toolTip(lines.join('\n'));
+}
+
+// Preview
+
+bool ImageBrowserView::isPreviewOpen() const {
+  return m_preview != nullptr;
+}
+
+void ImageBrowserView::setPreviewOpen(bool open) {
+  if (open == isPreviewOpen() || (open && itemCount() == 0)) {
+    return;
+  }
+  if (open) {
+    stepTo(focusedIndex());
+    m_preview = new PhotoPreview(this);
+    m_preview->setGeometry(rect());
+    m_preview->showPhoto(focusedIndex());
+    m_preview->show();
+    m_preview->setFocus();
+  } else {
+    const bool hadFocus = m_preview->hasFocus();
+    if (m_preview->isWindow()) {
+      window()->activateWindow();
+    }
+    m_preview->hide();
+    m_preview->deleteLater();
+    m_preview = nullptr;
+    if (hadFocus) {
+      setFocus();
+    }
+  }
+  // The photo in view is worth more than the grid behind it.
+  m_thumbnails->setSuspended(open);
+  viewport()->update();
+}
+
+}  // namespace snaplift

@@ -1,0 +1,354 @@
+#include "widgets/photogrid/PhotoPreview.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QLocale>
+#include <QPainter>
+#include <QToolButton>
+#include <algorithm>
+#include <cmath>
+
+#include "widgets/desktop/MainThread.h"
+#include "widgets/desktop/PlainText.h"
+#include "widgets/photogrid/ImageBrowserView.h"
+
+namespace snaplift {
+namespace {
+
+// Photos are judged before a dark neutral ground, whatever the desktop's colours.
+constexpr QRgb groundColor = qRgb(0x1c, 0x1c, 0x1e);
+constexpr QRgb captionColor = qRgb(0xd6, 0xd6, 0xd8);
+constexpr int margin = 24;
+constexpr int buttonSide = 36;
+constexpr double zoomStep = 1.25;
+constexpr double largestZoom = 2;  // device pixels for each pixel of the photo
+// Five photos of the largest step.
+constexpr std::int64_t neighbourCapacity = 85'000'000;
+// Larger than any picture: decoders scale down to what they have room for.
+constexpr int fullPixels = 16'384;
+
+QPalette darkPalette() {
+  QPalette palette(QColor(0x3a, 0x3a, 0x3d), QColor(groundColor));
+  palette.setColor(QPalette::ButtonText, QColor(captionColor));
+  return palette;
+}
+
+// The preview has one worker; what it may take is the preview's share of the bound for all.
+LoaderLimits previewLimits() {
+  LoaderLimits limits;
+  limits.memory = limits.largeMemory;
+  limits.largeMemory = 0;
+  return limits;
+}
+
+bool isSharpAt(const Thumbnail& photo, int pixels) {
+  const bool isWhole = photo.picture.size() == photo.photoSize;
+  return photo.state == Thumbnail::State::Ready && (photo.pixels >= pixels || isWhole);
+}
+
+}  // namespace
+
+PhotoPreview::PhotoPreview(ImageBrowserView* view)
+    : QWidget(view),
+      m_view(view),
+      m_previous(addButton(QStringLiteral("‹"), "Previous Photo")),
+      m_next(addButton(QStringLiteral("›"), "Next Photo")),
+      m_close(addButton(QStringLiteral("×"), "Close Preview")),
+      m_neighbours(neighbourCapacity),
+      m_self(std::make_shared<PhotoPreview*>(this)) {
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setPalette(darkPalette());
+  connect(m_previous, &QToolButton::clicked, this, [this] { go(Qt::Key_Left); });
+  connect(m_next, &QToolButton::clicked, this, [this] { go(Qt::Key_Right); });
+  connect(m_close, &QToolButton::clicked, this, [this] { m_view->setPreviewOpen(false); });
+  m_loader = std::make_unique<ThumbnailLoader>(
+      [self = std::weak_ptr(m_self)] {
+        mainThread::run([self] {
+          if (const auto preview = self.lock()) {
+            (*preview)->takeResults();
+          }
+        });
+      },
+      1, previewLimits());
+}
+
+PhotoPreview::~PhotoPreview() = default;
+
+// The keyboard has keys for what the buttons do, and stays with the photo.
+QToolButton* PhotoPreview::addButton(const QString& sign, const QString& name) {
+  auto* button = new QToolButton(this);
+  button->setText(sign);
+  button->setAccessibleName(name);
+  button->setToolTip(name);
+  button->setFocusPolicy(Qt::NoFocus);
+  button->setCursor(Qt::ArrowCursor);
+  button->setAutoRaise(true);
+  button->setFixedSize(buttonSide, buttonSide);
+  QFont font = button->font();
+  font.setPixelSize(buttonSide * 2 / 3);
+  button->setFont(font);
+  return button;
+}
+
+void PhotoPreview::showPhoto(int index) {
+  m_direction = index < m_index ? -1 : 1;
+  m_index = index;
+  m_item = m_view->itemAtIndex(index);
+  m_zoom = 1;
+  m_centre = {};
+  unsetCursor();
+  if (const Thumbnail* decoded = m_neighbours.find(m_item->imageUID())) {
+    m_photo = *decoded;
+  } else {
+    const Thumbnail* known = m_view->thumbnailAtIndex(index);
+    m_photo = known != nullptr ? *known : Thumbnail();
+    // What the grid decoded is only the first paint here.
+    if (m_photo.state == Thumbnail::State::Ready) {
+      m_photo.state = Thumbnail::State::Preview;
+    }
+  }
+  setAccessibleName(title());
+  setAccessibleDescription(place());
+  setWindowTitle(title());
+  m_previous->setEnabled(index > 0);
+  m_next->setEnabled(index + 1 < m_view->itemCount());
+  request();
+  update();
+}
+
+int PhotoPreview::screenPixels() const {
+  const QSizeF device = QSizeF(photoArea().size()) * devicePixelRatio();
+  return thumbnailStep(qCeil(std::max(device.width(), device.height())));
+}
+
+bool PhotoPreview::needsFullPicture() const {
+  const QSizeF device = photoRect().size() * devicePixelRatio();
+  return m_zoom > 1 && std::max(device.width(), device.height()) > screenPixels();
+}
+
+// First the photo that is looked at, then the next, then the one before.
+void PhotoPreview::request() {
+  std::vector<ThumbnailRequest> work;
+  if (m_item != nullptr) {
+    appendDecode(work, m_index);
+    if (needsFullPicture() && !isSharpAt(m_photo, fullPixels) && !m_photo.isBroken()) {
+      work.push_back({m_item, m_item->imageUID(), ThumbnailRequest::Kind::Decode, fullPixels, {}});
+    }
+    appendDecode(work, m_index + m_direction);
+    appendDecode(work, m_index - m_direction);
+  }
+  m_loader->setWork(std::move(work));
+}
+
+void PhotoPreview::appendDecode(std::vector<ThumbnailRequest>& work, int index) {
+  if (index < 0 || index >= m_view->itemCount()) {
+    return;
+  }
+  ImageBrowserItemPointer item = m_view->itemAtIndex(index);
+  std::string uid = item->imageUID();
+  const Thumbnail* known = m_neighbours.find(uid);
+  const int pixels = screenPixels();
+  if (known == nullptr || (!known->isBroken() && !isSharpAt(*known, pixels))) {
+    work.push_back({std::move(item), std::move(uid), ThumbnailRequest::Kind::Decode, pixels, {}});
+  }
+}
+
+void PhotoPreview::takeResults() {
+  for (ThumbnailResult& result : m_loader->takeResults()) {
+    keep(std::move(result));
+  }
+}
+
+void PhotoPreview::keep(ThumbnailResult&& result) {
+  const bool isShown = m_item != nullptr && result.uid == m_item->imageUID();
+  // The full picture of a photo may be refused where a smaller one is not.
+  const bool isBetter = result.pixels == fullPixels ? !result.thumbnail.isBroken()
+                                                    : !isSharpAt(m_photo, result.pixels);
+  if (isShown && isBetter) {
+    m_photo = result.thumbnail;
+    update();
+  }
+  if (result.pixels != fullPixels) {
+    m_neighbours.insert(result.uid, std::move(result.thumbnail));
+  }
+}
+
+// Beside the buttons, which no photo hides.
+QRect PhotoPreview::photoArea() const {
+  const int caption = fontMetrics().height() + margin;
+  const int side = buttonSide + margin / 2;
+  return rect().adjusted(side, margin, -side, -caption - margin / 2);
+}
+
+// As large as the area allows, never larger than the photo is.
+QSizeF PhotoPreview::fittedSize() const {
+  const QSizeF size = QSizeF(m_photo.photoSize) / devicePixelRatio();
+  const QSizeF area = photoArea().size();
+  const bool fits = size.width() <= area.width() && size.height() <= area.height();
+  return (fits ? size : size.scaled(area, Qt::KeepAspectRatio)).expandedTo(QSizeF(1, 1));
+}
+
+QRectF PhotoPreview::photoRect() const {
+  QRectF photo(QPointF(), fittedSize() * m_zoom);
+  photo.moveCenter(QRectF(photoArea()).center() + m_centre);
+  return photo;
+}
+
+void PhotoPreview::setZoom(double zoom, QPointF about) {
+  if (m_photo.picture.isNull()) {
+    return;
+  }
+  const double most =
+      largestZoom * m_photo.photoSize.width() / (fittedSize().width() * devicePixelRatio());
+  const double next = std::clamp(zoom, 1.0, std::max(most, 1.0));
+  const QPointF fromMiddle = about - QRectF(photoArea()).center();
+  const QPointF centre = fromMiddle - (fromMiddle - m_centre) * (next / m_zoom);
+  m_zoom = next;
+  moveTo(centre);
+  setCursor(m_zoom > 1 ? Qt::OpenHandCursor : Qt::ArrowCursor);
+  request();
+}
+
+void PhotoPreview::zoomBy(double factor) {
+  setZoom(m_zoom * factor, photoArea().center());
+}
+
+void PhotoPreview::toggleFullScreen() {
+  const bool leaves = isWindow();
+  hide();
+  if (leaves) {
+    setParent(m_view, Qt::Widget);
+    setGeometry(m_view->rect());
+    show();
+    m_view->window()->activateWindow();
+  } else {
+    setParent(m_view, Qt::Window);
+    showFullScreen();
+    activateWindow();
+  }
+  setFocus();
+}
+
+// A photo larger than its area covers it; no side of it can be pulled in.
+void PhotoPreview::moveTo(QPointF centre) {
+  const QSizeF over =
+      (photoRect().size() - QSizeF(photoArea().size())).expandedTo(QSizeF(0, 0)) / 2;
+  m_centre = {std::clamp(centre.x(), -over.width(), over.width()),
+              std::clamp(centre.y(), -over.height(), over.height())};
+  update();
+}
+
+QString PhotoPreview::title() const {
+  return plainText::shortened(m_item->imageTitle());
+}
+
+QString PhotoPreview::place() const {
+  return QString("%1 of %2")
+      .arg(locale().toString(m_index + 1), locale().toString(m_view->itemCount()));
+}
+
+void PhotoPreview::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.fillRect(rect(), QColor(groundColor));
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  const QRect area = photoArea();
+  painter.setPen(QColor(captionColor));
+  if (!m_photo.picture.isNull() && !area.isEmpty()) {
+    painter.setClipRect(area);
+    painter.drawImage(photoRect(), m_photo.picture);
+    painter.setClipping(false);
+  } else if (m_photo.isBroken()) {
+    painter.drawText(area, Qt::AlignCenter, troubleOf(m_photo).sentence);
+  }
+  const QRect line(margin, height() - margin - fontMetrics().height(), width() - 2 * margin,
+                   fontMetrics().height());
+  QStringList caption{title(), place(),
+                      m_photo.picture.isNull() ? "" : troubleOf(m_photo).sentence};
+  caption.removeAll(QString());
+  painter.drawText(line, Qt::AlignCenter,
+                   fontMetrics().elidedText(caption.join("  –  "), Qt::ElideMiddle, line.width()));
+}
+
+void PhotoPreview::resizeEvent(QResizeEvent*) {
+  constexpr int gap = 6;
+  const int middle = (height() - buttonSide) / 2;
+  m_previous->move(gap, middle);
+  m_next->move(width() - buttonSide - gap, middle);
+  m_close->move(width() - buttonSide - gap, gap);
+  moveTo(m_centre);
+  request();
+}
+
+// The view's own keys move its focus, up and down by rows; modifiers mean nothing here.
+void PhotoPreview::go(int key) {
+  QKeyEvent plain(QEvent::KeyPress, key, Qt::NoModifier);
+  QCoreApplication::sendEvent(m_view, &plain);
+  showPhoto(m_view->focusedIndex());
+}
+
+// Of the window that fills the screen, by the desktop's own means.
+void PhotoPreview::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  m_view->setPreviewOpen(false);
+}
+
+void PhotoPreview::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_Escape:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      m_view->setPreviewOpen(false);
+      return;
+    case Qt::Key_Plus:
+    case Qt::Key_Equal:
+      zoomBy(zoomStep);
+      return;
+    case Qt::Key_Minus:
+      zoomBy(1 / zoomStep);
+      return;
+    case Qt::Key_0:
+      setZoom(1, photoArea().center());
+      return;
+    case Qt::Key_F11:
+      toggleFullScreen();
+      return;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+      go(event->key());
+      return;
+    default:
+      event->ignore();
+  }
+}
+
+// Clicks are for the photo, not for the grid behind it.
+void PhotoPreview::mousePressEvent(QMouseEvent* event) {
+  m_dragged = event->position();
+}
+
+void PhotoPreview::mouseMoveEvent(QMouseEvent* event) {
+  moveTo(m_centre + event->position() - m_dragged);
+  m_dragged = event->position();
+}
+
+void PhotoPreview::wheelEvent(QWheelEvent* event) {
+  constexpr double notch = 120;
+  setZoom(m_zoom * std::pow(zoomStep, event->angleDelta().y() / notch), event->position());
+  event->accept();
+}
+
+void PhotoPreview::mouseDoubleClickEvent(QMouseEvent*) {
+  m_view->setPreviewOpen(false);
+}
+
+}  // namespace snaplift

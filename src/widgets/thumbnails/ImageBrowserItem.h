@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "foundation/Bytes.h"
+
+namespace snaplift {
+
+// One photo as an image browser shows it. Items are made when a view asks for them and are shared
+// with workers, which may keep one a little longer than the view does. All functions may be called
+// from any thread, several at once; none of them may wait for the user interface's thread.
+class ImageBrowserItem {
+public:
+  virtual ~ImageBrowserItem() = default;
+
+  // What the photo is recognised by: equal for equal photos, different for all others.
+  virtual std::string imageUID() const = 0;
+  // The caption, which is also the name that a promised file is given.
+  virtual std::string imageTitle() const = 0;
+  // The bytes of the encoded picture, read anew at every call; nothing if they cannot be read.
+  virtual std::optional<Bytes> imageRepresentation() const = 0;
+  // What can be told of the bytes without reading them. Looks at the disk at every call.
+  enum class Content { Whole, Short, Unreadable, Missing };
+  virtual Content imageContent() const { return Content::Whole; }
+  // Where the photo comes from, for its tooltip. Empty: nothing to say.
+  virtual std::string imageOrigin() const { return {}; }
+};
+
+using ImageBrowserItemPointer = std::shared_ptr<const ImageBrowserItem>;
+
+}  // namespace snaplift

@@ -1,0 +1,29 @@
+#include "widgets/thumbnails/Thumbnail.h"
+
+#include <algorithm>
+#include <array>
+
+namespace snaplift {
+
+ThumbnailTrouble troubleOf(const Thumbnail& thumbnail) {
+  switch (thumbnail.state) {
+    case Thumbnail::State::Missing:
+      return {"Missing", "The backup does not have this photo."};
+    case Thumbnail::State::Unreadable:
+      return {"Unreadable", "This photo is there, but it cannot be read."};
+    case Thumbnail::State::Undecodable:
+      return {"Damaged", "This photo is damaged, too large or of an unknown format."};
+    default:
+      return thumbnail.isDamaged
+                 ? ThumbnailTrouble{"Incomplete", "A part of this photo is missing."}
+                 : ThumbnailTrouble{"", ""};
+  }
+}
+
+int thumbnailStep(int pixels) {
+  constexpr std::array steps{96, 128, 192, 256, 384, 512, 768, 1024, 1536};
+  const auto* step = std::lower_bound(steps.begin(), steps.end(), pixels);
+  return step == steps.end() ? 2048 : *step;
+}
+
+}  // namespace snaplift
