@@ -1,8 +1,22 @@
 #include "app/BackupPhotos.h"
 
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
+
+ImageBrowserItem::Content BackupPhoto::imageContent() const {
+  switch (m_item.contentState()) {
+    case ContentState::Whole:
+      return Content::Whole;
+    case ContentState::Short:
+      return Content::Short;
+    case ContentState::Unreadable:
+      return Content::Unreadable;
+    case ContentState::Missing:
+      break;
+  }
+  return Content::Missing;
+}
 
 std::string BackupPhoto::imageOrigin() const {
   return std::string(parentPath(m_item.path().substr(m_backupFolder.size() + 1)));

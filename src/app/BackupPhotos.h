@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/BackupModel.h"
-#include "toolkit/ImageBrowserItem.h"
+#include "backups/BackupModel.h"
+#include "widgets/photogrid/ImageBrowserViewDataSource.h"
 
 namespace snaplift {
 
@@ -16,6 +16,7 @@ public:
   std::string imageUID() const override { return m_item.imageUID(); }
   std::string imageTitle() const override { return m_item.imageTitle(); }
   std::optional<Bytes> imageRepresentation() const override { return m_item.imageRepresentation(); }
+  Content imageContent() const override;
   // The folder on the device.
   std::string imageOrigin() const override;
 

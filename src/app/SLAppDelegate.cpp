@@ -9,12 +9,15 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPixmapCache>
+#include <QPushButton>
 #include <algorithm>
 #include <cmath>
 
-#include "toolkit/Alert.h"
-#include "toolkit/MainThread.h"
+#include "app/ExportProgressBar.h"
+#include "app/StatusText.h"
 #include "ui_MainWindow.h"
+#include "widgets/desktop/MainThread.h"
+#include "widgets/desktop/PlainText.h"
 
 // The pictures lie in a static library, from which a linker takes only what somebody calls. The
 // call has to be made outside of every namespace.
@@ -65,20 +68,27 @@ SLAppDelegate::SLAppDelegate()
   m_window->installEventFilter(this);
   awakeFromNib();
   connectCommands();
+  connectFolders();
 }
 
 SLAppDelegate::~SLAppDelegate() {
   mainThread::beginQuitting();
   m_startedLoading.remove();
   m_finishedLoading.remove();
-  m_exportOperationQueue.reset();
+  m_search.reset();
+  m_diskProbe = {};
+  m_exports.reset();
   m_zoomAnimation.reset();
   m_window.reset();
 }
 
 void SLAppDelegate::awakeFromNib() {
-  m_exportOperationQueue =
-      std::make_unique<OperationQueue>([this] { exportOperationsDidChange(); });
+  m_exports = std::make_unique<WindowExports>();
+  connect(m_exports.get(), &WindowExports::progressed, this, [this] { updateExportProgress(); });
+  connect(m_exports.get(), &WindowExports::ended, this,
+          [this](const ExportReport& report) { exportDidEnd(report); });
+  connect(m_ui->exportProgress, &ExportProgressBar::stopWanted, m_exports.get(),
+          &WindowExports::stop);
   connectZoom();
   m_ui->sourceList->setAllowsEmptySelection(false);  // the newest backup is there at once
   m_ui->browser->setDataSource(&m_arrayController);
@@ -105,6 +115,7 @@ void SLAppDelegate::connectCommands() {
   command(m_ui->actionExportSelected, [this] { exportSelectedPhotosFromSelectedBackup(); });
   command(m_ui->actionExportAll, [this] { exportAllPhotosFromSelectedBackup(); });
   command(m_ui->actionReveal, [this] { revealSelectedInFinder(); });
+  command(m_ui->actionClose, [this] { m_window->close(); });
   command(m_ui->actionQuit, [this] { m_window->close(); });
   command(m_ui->actionCopy, [this] { copySelectedPhotos(); });
   command(m_ui->actionSelectAll, [browser] { browser->selectAll(); });
@@ -115,29 +126,34 @@ void SLAppDelegate::connectCommands() {
   command(m_ui->actionStartSize, [browser] { browser->zoomToInitialSize(); });
   command(m_ui->actionPreview, [browser] { browser->setPreviewOpen(!browser->isPreviewOpen()); });
   command(m_ui->actionAbout, [this] { showAbout(); });
+  connect(m_ui->exportButton, &QPushButton::clicked, this, [this] {
+    (hasSelection() ? m_ui->actionExportSelected : m_ui->actionExportAll)->trigger();
+  });
 }
 
-void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot) {
+void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot,
+                                                  const std::vector<std::string>& folders,
+                                                  bool keepsState) {
+  m_state = RememberedState(keepsState);
   m_bc = std::make_unique<BackupController>(backupRoot);
   // Before the sidebar can select a backup and start its load: no finish may be missed.
   registerForLoading();
   m_ui->sourceList->setDelegate(this);
   m_ui->sourceList->setDataSource(this);
+  restoreWindow();
+  for (const std::string& folder : folders) {
+    searchFolder(folder, true);
+  }
+  for (const std::string& folder : m_state.openFolders()) {
+    searchFolder(folder, false);
+  }
   updateCommands();
+  updateFolders();
   m_window->show();
   m_ui->sourceList->setFocus();
-  if (m_bc->devices().empty()) {
+  if (m_bc->devices().empty() && !m_search->isRunning()) {
     sayThatThereAreNoBackups();
   }
-}
-
-void SLAppDelegate::sayThatThereAreNoBackups() {
-  const AlertText text = {
-      "No backup folders found",
-      "Snaplift could not locate any valid iOS backups in your ~/Library/Application "
-      "Support/MobileSync/Backups/ folder."};
-  showAlert(m_window.get(), text,
-            [] { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); });
 }
 
 void SLAppDelegate::registerForLoading() {
@@ -168,8 +184,16 @@ void SLAppDelegate::updateCommands() {
                            m_ui->contentArea->currentWidget() == m_ui->browser;
   const bool showsSelection = showsPhotos && hasSelection();
   m_ui->actionExportSelected->setEnabled(showsSelection);
-  m_ui->actionExportAll->setEnabled(showsPhotos);
+  // Asked for the photos of an encrypted backup, the command says why there are none.
+  const bool hidesPhotos =
+      backup && backup->contentReady() && backup->encrypted() && !backup->imageItems().empty();
+  m_ui->actionExportAll->setEnabled(showsPhotos || hidesPhotos);
+  const QAction* exportAction = showsSelection ? m_ui->actionExportSelected : m_ui->actionExportAll;
+  m_ui->exportButton->setEnabled(exportAction->isEnabled());
+  m_ui->exportButton->setToolTip(exportAction->toolTip());
+  m_ui->exportButton->setAccessibleDescription(exportAction->toolTip());
   m_ui->actionReveal->setEnabled(backup);
+  m_ui->actionCloseFolder->setEnabled(backup);
   m_ui->actionCopy->setEnabled(showsSelection && !isExporting());
   m_ui->actionDeselect->setEnabled(showsSelection);
   for (QAction* action : {m_ui->actionSelectAll, m_ui->actionInvertSelection, m_ui->actionZoomIn,
@@ -179,10 +203,18 @@ void SLAppDelegate::updateCommands() {
 }
 
 bool SLAppDelegate::eventFilter(QObject* object, QEvent* event) {
-  if (object == m_window.get() && event->type() == QEvent::Close && isExporting()) {
-    event->ignore();
-    askWhetherToStopExporting();
-    return true;
+  if (object == m_window.get()) {
+    if (event->type() == QEvent::Close) {
+      if (isExporting()) {
+        event->ignore();
+        askWhetherToStopExporting();
+        return true;
+      }
+      rememberState();
+    }
+    if (takeDrop(*event)) {
+      return true;
+    }
   }
   return QObject::eventFilter(object, event);
 }
@@ -205,10 +237,16 @@ OutlineItem SLAppDelegate::sourceListChildOfItem(PXSourceList&, std::size_t inde
 
 QVariant SLAppDelegate::sourceListObjectValueForItem(PXSourceList&, OutlineItem item) {
   if (auto* device = item.as<DeviceModel>()) {
-    return QString::fromStdString(device->name().value_or(std::string())).toUpper();
+    return plainText::shortened(device->title()).toUpper();
   }
   auto* backup = item.as<BackupModel>();
-  return backup ? QString::fromStdString(backup->name()) : QString();
+  if (!backup) {
+    return QString();
+  }
+  const auto device =
+      std::ranges::find(m_bc->devices(), backup->deviceName(), [](auto& d) { return d->name(); });
+  return plainText::shortened(device == m_bc->devices().end() ? backup->name()
+                                                              : (*device)->titleOfBackup(*backup));
 }
 
 bool SLAppDelegate::sourceListIsItemExpandable(PXSourceList&, OutlineItem item) {
@@ -227,6 +265,11 @@ std::optional<QPixmap> SLAppDelegate::sourceListIconForItem(PXSourceList&, Outli
 std::optional<bool> SLAppDelegate::sourceListItemHasRightSideIcon(PXSourceList& list,
                                                                   OutlineItem item) {
   return sourceListItemIsProcessing(list, item);
+}
+
+std::optional<QString> SLAppDelegate::sourceListDescriptionOfItem(PXSourceList&, OutlineItem item) {
+  auto* backup = item.as<BackupModel>();
+  return backup ? std::optional(backupDescription(*backup)) : std::nullopt;
 }
 
 std::optional<bool> SLAppDelegate::sourceListItemIsProcessing(PXSourceList&, OutlineItem item) {
@@ -268,6 +311,12 @@ std::optional<QMenu*> SLAppDelegate::sourceListMenuForEventItem(PXSourceList& li
 }
 
 void SLAppDelegate::sourceListSelectionDidChange(const Notification&) {
+  if (!m_isReloading) {
+    selectedBackupDidChange();
+  }
+}
+
+void SLAppDelegate::selectedBackupDidChange() {
   BackupModel* backup = selectedBackup();
   m_pendingMenuItem = nullptr;
   updateCommands();

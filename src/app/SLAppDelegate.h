@@ -4,21 +4,26 @@
 #include <QObject>
 #include <QPointer>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/BackupPhotos.h"
-#include "app/ExportBatch.h"
+#include "app/FolderSearch.h"
+#include "app/RememberedState.h"
+#include "app/TemporaryPhotos.h"
+#include "app/WindowExports.h"
+#include "backups/BackupController.h"
 #include "foundation/NotificationCenter.h"
-#include "foundation/OperationQueue.h"
-#include "library/BackupController.h"
-#include "ui/browser/ORBAdjustingValueAnimation.h"
-#include "ui/browser/ORBImageBrowserView.h"
-#include "ui/sourcelist/ORBSourceList.h"
+#include "views/browser/ORBAdjustingValueAnimation.h"
+#include "views/browser/ORBImageBrowserView.h"
+#include "views/sourcelist/ORBSourceList.h"
 
 class QMainWindow;
+class QMessageBox;
 
 namespace Ui {
 class MainWindow;
@@ -26,10 +31,10 @@ class MainWindow;
 
 namespace snaplift {
 
-// The application's one controller. It owns the window, the backup library and the export queue; it
+// The application's one controller. It owns the window, the backup library and the exports; it
 // feeds the sidebar with devices and backups, loads the backup that the user selects, keeps the
-// main area in step with it, and exports photos. Its three parts stand in three files: start-up and
-// the tree of backups, the state of the browser, the export.
+// main area in step with it, and exports photos. Its four parts stand in four files: start-up and
+// the tree of backups, the folders that are open, the state of the browser, the export.
 //
 // Everything runs on the user interface's thread, except the two handlers of loading notifications,
 // which come on a backup's loading thread and hand their work over. The destructor gives up every
@@ -53,9 +58,13 @@ public:
   SLAppDelegate();
   ~SLAppDelegate() override;
 
-  // Start-up: scans the backup root, fills the sidebar and shows the window. Without backups it
-  // says so, and quits when the user has seen it.
-  void applicationDidFinishLaunching(const std::string& backupRoot);
+  // Start-up: scans the backup root, fills the sidebar and shows the window; then searches
+  // `folders` and, where the state is kept from one run to the next, those that were open at the
+  // end of the last. Without any backup it says so, and quits when the user does not choose a
+  // folder.
+  void applicationDidFinishLaunching(const std::string& backupRoot,
+                                     const std::vector<std::string>& folders = {},
+                                     bool keepsState = false);
 
   QMainWindow* window() const { return m_window.get(); }
 
@@ -71,6 +80,11 @@ public:
   void exportAllPhotosFromSelectedBackup();
   void revealSelectedInFinder();
   void copySelectedPhotos();
+  void chooseFolderToOpen();
+  // Searches a folder, or the folder around a file of a backup, and adds its backups to the list.
+  void openFolder(const std::string& path);
+  // Takes the folders that lead to the selected backup out of the list.
+  void closeFolderOfSelectedBackup();
 
   // The sidebar's tree: devices as groups, their backups below.
   std::size_t sourceListNumberOfChildrenOfItem(PXSourceList& list, OutlineItem item) override;
@@ -81,6 +95,7 @@ public:
   std::optional<bool> sourceListItemHasIcon(PXSourceList& list, OutlineItem item) override;
   std::optional<QPixmap> sourceListIconForItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListItemHasRightSideIcon(PXSourceList& list, OutlineItem item) override;
+  std::optional<QString> sourceListDescriptionOfItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListItemIsProcessing(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListShouldEditItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListIsGroupAlwaysExpanded(PXSourceList& list,
@@ -107,11 +122,28 @@ private:
   void awakeFromNib();
   void connectCommands();
   void registerForLoading();
-  void sayThatThereAreNoBackups();
   void showAbout();
   BackupModel* selectedBackup() const;
+  void selectedBackupDidChange();
   void updateCommands();
   bool eventFilter(QObject* object, QEvent* event) override;
+
+  // Folders.
+  void connectFolders();
+  void searchFolder(const std::string& path, bool wasAskedFor);
+  void addBackups(const std::string& folder, std::vector<std::unique_ptr<BackupModel>> backups);
+  void searchEnded(const std::string& folder, const BackupSearchResult& result, bool stopped);
+  void tellOfSearch(const std::string& folder, const BackupSearchResult& result);
+  void sayThatThereAreNoBackups();
+  void offerConnectedDisks(QMessageBox& alert);
+  void showSearch(const std::string& place);
+  // Asks for the whole sidebar anew. The selected backup stays it, or `backup` becomes it.
+  void reloadSidebar(BackupModel* backup = nullptr);
+  void updateFolders();
+  void fillRecentFolders();
+  bool takeDrop(QEvent& event);
+  void restoreWindow();
+  void rememberState();
 
   // State of the browser.
   void connectZoom();
@@ -119,6 +151,7 @@ private:
   void finishedLoading(BackupModel* backup);
   void showContentOf(BackupModel* backup);
   void didShowContentOf(BackupModel* backup);
+  void sayThatItIsEncrypted(std::function<void()> dismissed = {});
   void tellOfDamage(const BackupModel& backup);
   void showMessage(const QString& message);
   void updateCentreText();
@@ -132,13 +165,19 @@ private:
   PhotosToExport photosAtIndexes(BackupModel& backup, const std::vector<int>& indexes) const;
   std::vector<std::string> exportPhotos(const PhotosToExport& photos,
                                         const std::string& destination);
+  ExportOptions exportOptions() const;
   bool isExporting() const;
-  void exportOperationsDidChange();
   void updateExportProgress();
-  void tellOfFailures(const ExportFailures& failures);
+  void exportDidEnd(const ExportReport& report);
+  void tellOfExport(const ExportReport& report);
   void askWhetherToStopExporting();
+  TemporaryPhotos::Failed tellingFailedCopy(std::size_t photos);
 
   std::unique_ptr<BackupController> m_bc;
+  RememberedState m_state{false};
+  std::set<std::string> m_askedFor;  // folders that are searched because the user said so
+  BackupModel* m_shownBySearch = nullptr;
+  bool m_isReloading = false;
   std::unique_ptr<Ui::MainWindow> m_ui;
   BackupPhotos m_arrayController;
   std::unique_ptr<QMainWindow> m_window;
@@ -149,10 +188,13 @@ private:
   std::set<std::string> m_toldOfDamage;  // paths of backups
   QPointer<QAction> m_pendingMenuItem;   // "Loading...", waiting for its backup; of m_contextMenu
 
-  std::atomic<bool> m_exportUpdateIsPosted = false;
-  std::unique_ptr<OperationQueue> m_exportOperationQueue;
+  std::unique_ptr<WindowExports> m_exports;
+  std::string m_exportFolder;  // that was chosen last
+  QPointer<QMessageBox> m_stopQuestion;
   NotificationCenter::Token m_startedLoading;
   NotificationCenter::Token m_finishedLoading;
+  std::unique_ptr<FolderSearch> m_search;
+  std::jthread m_diskProbe;
 };
 
 }  // namespace snaplift

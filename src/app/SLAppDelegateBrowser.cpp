@@ -7,21 +7,27 @@
 #include <QSlider>
 #include <QStackedWidget>
 #include <cmath>
+#include <utility>
 
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
-#include "toolkit/Alert.h"
-#include "toolkit/MainThread.h"
 #include "ui_MainWindow.h"
+#include "widgets/desktop/Alert.h"
+#include "widgets/desktop/MainThread.h"
 
 namespace snaplift {
 namespace {
 
-// The slider counts whole steps.
-constexpr double sliderStepsPerZoom = 1000;
+// The slider counts percents of the largest size; a key moves it by as much as one sees.
+constexpr double sliderStepsPerZoom = 100;
+constexpr double zoomOfKey = 0.05;
 
 // The start-up size, as a zoom back to it ends: a float, widened.
 constexpr double zoomOutTarget = SLAppDelegate::startZoom;
+
+QString zoomText(int percent) {
+  return QStringLiteral("Pictures at %1 percent of their largest size").arg(percent);
+}
 
 }  // namespace
 
@@ -31,18 +37,20 @@ void SLAppDelegate::connectZoom() {
     return static_cast<int>(std::lround(zoom * sliderStepsPerZoom));
   };
   slider->setRange(step(ImageBrowserView::smallestZoom), step(maxZoom()));
-  slider->setPageStep(step(0.1));
+  slider->setSingleStep(step(zoomOfKey));
+  slider->setPageStep(step(4 * zoomOfKey));
   connect(slider, &QSlider::valueChanged, this,
           [this](int value) { setZoomLevel(static_cast<float>(value / sliderStepsPerZoom)); });
   connect(this, &SLAppDelegate::zoomLevelChanged, slider, [slider, step](float zoom) {
     // Silently: a pinch may zoom beyond the slider's end, which must not pull the zoom back.
     const QSignalBlocker blocker(slider);
     slider->setValue(step(zoom));
+    slider->setToolTip(zoomText(step(zoom)));
+    slider->setAccessibleDescription(zoomText(step(zoom)));
   });
   connect(this, &SLAppDelegate::zoomLevelChanged, m_ui->browser, &ImageBrowserView::setZoomValue);
   connect(m_ui->browser, &ImageBrowserView::zoomValueChanged, this, &SLAppDelegate::setZoomLevel);
-  m_ui->browser->setZoomValue(m_zoomLevel);
-  slider->setValue(step(m_zoomLevel));
+  emit zoomLevelChanged(m_zoomLevel);
 }
 
 void SLAppDelegate::setZoomLevel(float zoomLevel) {
@@ -71,15 +79,12 @@ void SLAppDelegate::showContentOf(BackupModel* backup) {
   }
   m_arrayController.setContent(backup);
   m_ui->browser->reloadData();
-  if (backup->imageItems().empty()) {
+  if (backup->imageItems().empty() && !backup->encryptsList()) {
     showMessage("No Photos Found in This Backup");
   } else if (backup->encrypted()) {
     showMessage("Backup is Encrypted");
-    const AlertText text = {
-        "This Backup is Encrypted",
-        "Snaplift cannot recover photos from this backup because it is encrypted.  You must use "
-        "iTunes to restore them to an iOS device."};
-    showAlert(m_window.get(), text, [this, backup] { didShowContentOf(backup); });
+    updateCentreText();
+    sayThatItIsEncrypted([this, backup] { didShowContentOf(backup); });
     return;
   } else {
     m_ui->text->setText("Loading...");
@@ -94,6 +99,14 @@ void SLAppDelegate::didShowContentOf(BackupModel* backup) {
   updateCommands();
   m_ui->sourceList->reloadItem(backup);
   tellOfDamage(*backup);
+}
+
+void SLAppDelegate::sayThatItIsEncrypted(std::function<void()> dismissed) {
+  const AlertText text = {
+      "This Backup is Encrypted",
+      "Snaplift cannot recover photos from this backup because it is encrypted.  You must use "
+      "iTunes to restore them to an iOS device."};
+  showAlert(m_window.get(), text, std::move(dismissed));
 }
 
 // Once for each backup, however often it is selected.
@@ -112,10 +125,9 @@ void SLAppDelegate::showMessage(const QString& message) {
 }
 
 void SLAppDelegate::updateCentreText() {
-  BackupModel* backup = selectedBackup();
-  // A backup that is still loading has no photos yet: asking it would load it here.
-  const bool ready = backup && backup->contentReady();
-  const int photos = ready ? static_cast<int>(backup->imageItems().size()) : 0;
+  // The backup that is shown: while the selected one loads, the photos are those of the one before.
+  BackupModel* backup = m_arrayController.content();
+  const int photos = backup ? static_cast<int>(backup->imageItems().size()) : 0;
   m_ui->centreText->setText(photoCountText(photos, m_ui->browser->selectionIndexes().count()));
 }
 

@@ -4,44 +4,41 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QMainWindow>
-#include <QThread>
+#include <QMessageBox>
+#include <optional>
+#include <utility>
 
-#include "app/ExportBatch.h"
+#include "app/ExportProgressBar.h"
+#include "app/ExportText.h"
 #include "app/PhotoPasteboard.h"
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
+#include "export/ExportDestination.h"
 #include "foundation/Log.h"
-#include "foundation/Path.h"
-#include "library/ExportDestination.h"
-#include "toolkit/ActivityIndicator.h"
-#include "toolkit/Alert.h"
-#include "toolkit/FolderChooser.h"
-#include "toolkit/Workspace.h"
+#include "foundation/files/OutputFolder.h"
+#include "foundation/files/Path.h"
 #include "ui_MainWindow.h"
+#include "widgets/desktop/ActivityIndicator.h"
+#include "widgets/desktop/Alert.h"
+#include "widgets/desktop/FolderChooser.h"
+#include "widgets/desktop/NoticeBar.h"
+#include "widgets/desktop/TableSheet.h"
+#include "widgets/desktop/Workspace.h"
 
 namespace snaplift {
 namespace {
 
-AlertText failedExportText(const ExportFailures& failures) {
-  if (failures.failedCount == 0) {
-    return {"The Photos May Not Be Safe Yet",
-            QStringLiteral("All photos were exported, but their disk does not confirm that it has "
-                           "them (%1). Look at them before you give the backup away.")
-                .arg(QString::fromStdString(failures.onFlush->reason()))};
+// Absent where the backup does not know the size of each.
+std::optional<std::uint64_t> bytesOf(const std::vector<PhotoToExport>& photos) {
+  std::uint64_t bytes = 0;
+  for (const PhotoToExport& photo : photos) {
+    const auto size = photo.photo->info().size;
+    if (!size) {
+      return std::nullopt;
+    }
+    bytes += *size;
   }
-  QString text("The backup is unchanged.\n");
-  for (const ExportFailures::Photo& photo : failures.first) {
-    text += QStringLiteral("\n%1: %2")
-                .arg(QString::fromStdString(escapedForLog(photo.name)),
-                     QString::fromStdString(photo.error.reason()));
-  }
-  if (failures.failedCount > failures.first.size()) {
-    text += QStringLiteral("\nand %1 more").arg(failures.failedCount - failures.first.size());
-  }
-  return {QStringLiteral("%1 of %2 Photos Could Not Be Exported")
-              .arg(failures.failedCount)
-              .arg(failures.photoCount),
-          text};
+  return bytes;
 }
 
 }  // namespace
@@ -65,11 +62,17 @@ void SLAppDelegate::exportAllPhotosFromSelectedBackup() {
 void SLAppDelegate::chooseFolderAndExport(
     const std::function<PhotosToExport(BackupModel& backup)>& photos) {
   BackupModel* backup = selectedBackup();
-  chooseFolder(m_window.get(), "Export", [this, backup, photos](const std::string& folder) {
+  if (backup && backup->encrypted()) {
+    sayThatItIsEncrypted();
+    return;
+  }
+  const auto chosen = [this, backup, photos](const std::string& folder) {
+    m_exportFolder = folder;
     if (backup) {
       exportPhotos(photos(*backup), folder);
     }
-  });
+  };
+  chooseFolder(m_window.get(), "Export", chosen, m_exportFolder);
 }
 
 SLAppDelegate::PhotosToExport SLAppDelegate::photosAtIndexes(
@@ -97,14 +100,24 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
     showAlert(m_window.get(), {"The Photos Cannot Be Exported", QString::fromStdString(*problem)});
     return names;
   }
-  const auto report = [this](const ExportFailures& failures) {
-    QMetaObject::invokeMethod(
-        this, [this, failures] { tellOfFailures(failures); }, Qt::QueuedConnection);
-  };
-  const auto batch = std::make_shared<ExportBatch>(destination, photos.size(), report);
-  for (ImageItem* photo : photos) {
+  std::vector<PhotoToExport> wanted;
+  for (const ImageItem* photo : photos) {
     names.emplace_back(lastPathComponent(photo->imageUID()));
-    m_exportOperationQueue->addOperation([photo, batch] { batch->extract(*photo); });
+    wanted.push_back({photo});
+  }
+  m_ui->exportNotice->hide();
+  const ExportOptions options = exportOptions();
+  const auto begin = [this, wanted, destination, options] {
+    m_exports->begin(wanted, destination, options);
+  };
+  // Of photos that may be there already nobody knows beforehand what they need.
+  const auto needed = options.skipsExisting ? std::nullopt : bytesOf(wanted);
+  const auto free = freeBytes(destination);
+  if (needed && free && *needed > *free) {
+    askQuestion(m_window.get(), littleRoomText(destination, *needed, *free), "Export Anyway",
+                begin);
+  } else {
+    begin();
   }
   return names;
 }
@@ -120,47 +133,80 @@ std::optional<std::vector<std::string>> SLAppDelegate::imageBrowserExportItemsTo
 }
 
 bool SLAppDelegate::isExporting() const {
-  return m_exportOperationQueue->operationCount() > 0;
+  return m_exports->isExporting();
 }
 
-void SLAppDelegate::exportOperationsDidChange() {
-  if (QThread::currentThread() == thread()) {
-    updateExportProgress();
-  } else if (!m_exportUpdateIsPosted.exchange(true)) {
-    // One posted update at a time reads the count when it runs: however many photos finish
-    // meanwhile, the last state is shown and the event loop is not flooded.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-          m_exportUpdateIsPosted = false;
-          updateExportProgress();
-        },
-        Qt::QueuedConnection);
-  }
+ExportOptions SLAppDelegate::exportOptions() const {
+  return {.keepsDates = m_ui->actionKeepDates->isChecked(),
+          .skipsExisting = m_ui->actionSkipExisting->isChecked()};
 }
 
 void SLAppDelegate::updateExportProgress() {
-  const std::size_t remaining = m_exportOperationQueue->operationCount();
-  m_ui->centreText->setText(exportProgressText(static_cast<int>(remaining)));
-  m_ui->exportSpinner->startAnimation();
-  if (remaining == 0) {
+  if (isExporting()) {
+    m_ui->centreText->setText(exportProgressText(static_cast<int>(m_exports->remaining())));
+    m_ui->exportSpinner->startAnimation();
+    m_ui->exportProgress->tell(m_exports->progress());
+  } else {
     m_ui->exportSpinner->stopAnimation();
+    m_ui->exportProgress->end();
     updateCentreText();
+    if (m_stopQuestion) {
+      m_stopQuestion->close();
+    }
   }
   updateCommands();
 }
 
-void SLAppDelegate::tellOfFailures(const ExportFailures& failures) {
-  showAlert(m_window.get(), failedExportText(failures));
+void SLAppDelegate::exportDidEnd(const ExportReport& report) {
+  for (const ExportedPhoto& photo : report.failures) {
+    systemLog("failed (0) to extract the file: " + photo.error->description());
+  }
+  if (report.summary.onFlush) {
+    systemLog("failed to bring the exported photos to the disk: " +
+              report.summary.onFlush->description());
+  }
+  if (report.summary.lost) {
+    askQuestion(
+        m_window.get(), lostDestinationText(report), "Retry",
+        [this, report] { m_exports->begin(report.missing, report.destination, report.options); },
+        "Stop", [this, report] { tellOfExport(report); });
+    return;
+  }
+  if (report.summary.onFlush) {
+    showAlert(m_window.get(), unsafeExportText(report));
+  }
+  tellOfExport(report);
+}
+
+void SLAppDelegate::tellOfExport(const ExportReport& report) {
+  std::vector<NoticeAction> actions;
+  if (!report.written.empty()) {
+    actions.push_back(
+        {"Show", [report] { showFilesInFileManager(report.destination, report.written); }});
+  }
+  if (!report.failures.empty()) {
+    // As texts: the list may stand longer than the backups.
+    actions.push_back(
+        {"Details...",
+         [this, rows = failureRows(report)] {
+           showTable(m_window.get(), "Photos That Were Not Exported", {"Photo", "Reason"}, rows);
+         },
+         false});
+    std::vector<PhotoToExport> failed = report.missing;
+    failed.resize(report.failures.size());
+    actions.push_back({"Retry Failed", [this, report, failed] {
+                         m_exports->begin(failed, report.destination, report.options);
+                       }});
+  }
+  m_ui->exportNotice->tell(exportedText(report), actions);
 }
 
 void SLAppDelegate::askWhetherToStopExporting() {
   const AlertText text = {"Photos Are Still Being Exported",
                           "If you stop now, the photos in hand are finished and the others stay in "
                           "the backup."};
-  askQuestion(m_window.get(), text, "Stop and Quit", [this] {
-    m_exportOperationQueue->cancelAllOperations();
-    m_exportOperationQueue->waitUntilAllOperationsAreFinished();
+  m_stopQuestion = askQuestion(m_window.get(), text, "Stop and Quit", [this] {
+    m_exports->stopAndWait();
     m_window->close();
   });
 }
@@ -173,9 +219,22 @@ int SLAppDelegate::imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView&
   }
   const PhotosToExport photos = photosAtIndexes(*backup, indexes);
   if (!photos.empty()) {
-    QApplication::clipboard()->setMimeData(new PhotoPasteboard(photos));
+    QApplication::clipboard()->setMimeData(
+        new PhotoPasteboard(photos, tellingFailedCopy(photos.size())));
   }
   return static_cast<int>(photos.size());
+}
+
+// Later, for who asks for the photos waits for an answer; and once, for he may ask again and again.
+TemporaryPhotos::Failed SLAppDelegate::tellingFailedCopy(std::size_t photos) {
+  return [window = QPointer(m_window.get()), photos,
+          isTold = std::make_shared<bool>(false)](const std::vector<ExportedPhoto>& failures) {
+    if (window && !std::exchange(*isTold, true)) {
+      QMetaObject::invokeMethod(
+          window, [window, text = failedCopyText(failures, photos)] { showAlert(window, text); },
+          Qt::QueuedConnection);
+    }
+  };
 }
 
 void SLAppDelegate::copySelectedPhotos() {

@@ -1,15 +1,25 @@
 #pragma once
 
 #include <QString>
+#include <string>
+
+#include "backups/BackupModel.h"
 
 namespace snaplift {
 
-// The texts under the photos. Counts are written without grouping.
+// The texts under the photos and of the sidebar. Counts are written without grouping.
 
 // "5 Photos", "2 of 5 Photos Selected", "1 Photo", "1 of 1 Photos Selected", "No Photos".
 QString photoCountText(int photos, int selected);
 
 // "Exporting: 3 Photos Remaining".
 QString exportProgressText(int remaining);
+
+// What there is to know of a backup besides the title of its row, one thing a line: date and time,
+// system version, folder and, once it is loaded, the number of photos.
+QString backupDescription(BackupModel& backup);
+
+// A folder as a person calls it: by the last component of its path.
+QString folderTitle(const std::string& folder);
 
 }  // namespace snaplift

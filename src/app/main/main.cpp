@@ -1,13 +1,29 @@
 #include <QApplication>
+#include <cstdio>
 
+#include "app/CommandLine.h"
 #include "app/SLAppDelegate.h"
+#include "backups/BackupAround.h"
+#include "foundation/files/TemporaryFolder.h"
+#include "widgets/desktop/SignalledEnd.h"
 
 int main(int argc, char** argv) {
+  // Before there is a display, which nobody needs to read a help text.
+  if (const auto answer = snaplift::answerOfCommandLine({argv + 1, argv + argc})) {
+    std::FILE* stream = answer->status == 0 ? stdout : stderr;
+    const bool arrived = std::fputs(answer->text.c_str(), stream) >= 0 && std::fflush(stream) == 0;
+    return arrived ? answer->status : 1;
+  }
+  snaplift::keepTemporaryFolderOutOfBackups();
+  snaplift::removeAbandonedTemporaryFolders();
   QApplication application(argc, argv);
   QApplication::setApplicationName("Snaplift");
   QApplication::setApplicationVersion(SNAPLIFT_VERSION);
   QGuiApplication::setDesktopFileName("app.snaplift.Snaplift");
+  const snaplift::SignalledEnd signalledEnd;
+  const auto arguments = snaplift::windowArguments({argv + 1, argv + argc});
   snaplift::SLAppDelegate delegate;
-  delegate.applicationDidFinishLaunching(snaplift::defaultBackupRoot());
+  delegate.applicationDidFinishLaunching(snaplift::defaultBackupRoot(), arguments.folders,
+                                         arguments.keepsState);
   return QApplication::exec();
 }

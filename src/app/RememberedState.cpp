@@ -1,0 +1,86 @@
+#include "app/RememberedState.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QStringList>
+#include <algorithm>
+
+namespace snaplift {
+namespace {
+
+QString folderOfState() {
+  const QByteArray state = qgetenv("XDG_STATE_HOME");
+  return state.startsWith('/')
+             ? QFile::decodeName(state)
+             : QStandardPaths::writableLocation(QStandardPaths::HomeLocation) + "/.local/state";
+}
+
+QString windowFileName() {
+  return folderOfState() + "/snaplift/window.ini";
+}
+
+QString foldersFileName() {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+         "/snaplift/folders.ini";
+}
+
+}  // namespace
+
+RememberedState::Window RememberedState::window() const {
+  if (!m_keeps) {
+    return {};
+  }
+  const QSettings file(windowFileName(), QSettings::IniFormat);
+  return {file.value("geometry").toByteArray(), file.value("divider").toByteArray()};
+}
+
+void RememberedState::setWindow(const Window& window) const {
+  if (m_keeps) {
+    QSettings file(windowFileName(), QSettings::IniFormat);
+    file.setValue("geometry", window.geometry);
+    file.setValue("divider", window.divider);
+  }
+}
+
+std::vector<std::string> RememberedState::recentFolders() const {
+  return m_keeps ? folders("recent") : m_recent;
+}
+
+void RememberedState::addRecentFolder(const std::string& folder) {
+  std::vector<std::string> recent = recentFolders();
+  std::erase(recent, folder);
+  recent.insert(recent.begin(), folder);
+  recent.resize(std::min(recent.size(), recentFolderCount));
+  m_recent = recent;
+  setFolders("recent", recent);
+}
+
+void RememberedState::clearRecentFolders() {
+  m_recent.clear();
+  setFolders("recent", {});
+}
+
+// Paths are bytes, of any encoding: what is no plain letter is written as "%FF".
+std::vector<std::string> RememberedState::folders(const char* key) const {
+  std::vector<std::string> folders;
+  if (m_keeps) {
+    const QSettings file(foldersFileName(), QSettings::IniFormat);
+    for (const QString& folder : file.value(key).toStringList()) {
+      folders.push_back(QByteArray::fromPercentEncoding(folder.toLatin1()).toStdString());
+    }
+  }
+  return folders;
+}
+
+void RememberedState::setFolders(const char* key, const std::vector<std::string>& folders) const {
+  if (m_keeps) {
+    QStringList list;
+    for (const std::string& folder : folders) {
+      list << QString::fromLatin1(QByteArray::fromStdString(folder).toPercentEncoding("/"));
+    }
+    QSettings(foldersFileName(), QSettings::IniFormat).setValue(key, list);
+  }
+}
+
+}  // namespace snaplift

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+#include <string>
+#include <vector>
+
+namespace snaplift {
+
+// What the window keeps for its next start: its size and place, the divider, the folders that were
+// open and those that were opened lately. Kept in two files and nowhere else:
+// "$XDG_CONFIG_HOME/snaplift/folders.ini" and "$XDG_STATE_HOME/snaplift/window.ini". One that keeps
+// nothing reads and writes nothing. Files that cannot be read or written are passed over: nobody
+// wants to hear of them.
+class RememberedState {
+public:
+  static constexpr std::size_t recentFolderCount = 10;
+
+  explicit RememberedState(bool keeps) : m_keeps(keeps) {}
+
+  struct Window {
+    QByteArray geometry, divider;  // as Qt writes them
+  };
+  Window window() const;
+  void setWindow(const Window& window) const;
+
+  std::vector<std::string> openFolders() const { return folders("open"); }
+  void setOpenFolders(const std::vector<std::string>& open) const { setFolders("open", open); }
+
+  // The latest first.
+  std::vector<std::string> recentFolders() const;
+  void addRecentFolder(const std::string& folder);
+  void clearRecentFolders();
+
+private:
+  std::vector<std::string> folders(const char* key) const;
+  void setFolders(const char* key, const std::vector<std::string>& folders) const;
+
+  bool m_keeps;
+  std::vector<std::string> m_recent;  // where nothing is kept, those of this run
+};
+
+}  // namespace snaplift

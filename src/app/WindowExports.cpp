@@ -1,0 +1,180 @@
+#include "app/WindowExports.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <thread>
+#include <utility>
+
+#include "backups/ImageItem.h"
+
+namespace snaplift {
+namespace {
+
+WindowExports* exportsOfProcess = nullptr;
+
+void stopAtExit() {
+  if (exportsOfProcess != nullptr) {
+    exportsOfProcess->stopAndWait();
+  }
+}
+
+}  // namespace
+
+class WindowExports::Export : public ExportObserver {
+public:
+  Export(WindowExports& owner, const std::vector<PhotoToExport>& photos,
+         const std::string& destination, const ExportOptions& options)
+      : m_owner(owner), m_photos(photos), m_job(photos, destination, options, *this) {
+    m_report.destination = destination;
+    m_report.options = options;
+    m_measuring = std::jthread([this](const std::stop_token& stop) { measure(stop); });
+    m_job.start();
+  }
+
+  void photoDidEnd(const ExportedPhoto& photo) override {
+    if (photo.error) {
+      m_report.failures.push_back(photo);
+      m_report.missing.push_back(m_photos[m_ended]);
+    } else if (!photo.isSkipped) {
+      m_report.written.push_back(photo.written);
+    }
+    ++m_ended;
+    m_owner.tellProgress();
+  }
+
+  void exportDidEnd(const ExportSummary& summary) override {
+    m_report.summary = summary;
+    m_report.missing.insert(m_report.missing.end(),
+                            m_photos.begin() + static_cast<std::ptrdiff_t>(m_ended.load()),
+                            m_photos.end());
+    QMetaObject::invokeMethod(
+        &m_owner, [this, owner = &m_owner] { owner->exportHasEnded(this); }, Qt::QueuedConnection);
+  }
+
+  ExportJob& job() { return m_job; }
+  const ExportReport& report() const { return m_report; }
+
+  ExportProgress progress() const {
+    const std::size_t ended = m_ended;
+    const bool isMeasured = m_isMeasured;
+    return {.photos = m_photos.size(),
+            .photosEnded = ended,
+            .bytes = isMeasured ? m_bytesBefore.back() : 0,
+            .bytesEnded = isMeasured ? m_bytesBefore[ended] : 0};
+  }
+
+private:
+  // Asks the backup for the photos' sizes, beside the export. The size of one that is not known
+  // makes the sum worthless.
+  void measure(const std::stop_token& stop) {
+    std::uint64_t bytes = 0;
+    m_bytesBefore.reserve(m_photos.size() + 1);
+    m_bytesBefore.push_back(bytes);
+    for (const PhotoToExport& photo : m_photos) {
+      const auto size = stop.stop_requested() ? std::nullopt : photo.photo->info().size;
+      if (!size) {
+        return;
+      }
+      bytes += *size;
+      m_bytesBefore.push_back(bytes);
+    }
+    m_isMeasured = true;
+  }
+
+  WindowExports& m_owner;
+  const std::vector<PhotoToExport> m_photos;
+  std::atomic<std::size_t> m_ended = 0;
+  ExportReport m_report;                     // touched by the job's calls only, until the end
+  std::vector<std::uint64_t> m_bytesBefore;  // each photo, and all; read when it is measured
+  std::atomic<bool> m_isMeasured = false;
+  ExportJob m_job;
+  std::jthread m_measuring;
+};
+
+WindowExports::WindowExports(QObject* parent) : QObject(parent) {
+  exportsOfProcess = this;
+}
+
+WindowExports::~WindowExports() {
+  exportsOfProcess = nullptr;
+  stopAndWait();
+}
+
+void WindowExports::begin(const std::vector<PhotoToExport>& photos, const std::string& destination,
+                          const ExportOptions& options) {
+  // As late as this: what the toolkit has made before then is still there when the exports stop.
+  [[maybe_unused]] static const int isRegistered = std::atexit(stopAtExit);
+  if (!photos.empty()) {
+    m_exports.push_back(std::make_unique<Export>(*this, photos, destination, options));
+    emit progressed();
+  }
+}
+
+std::size_t WindowExports::remaining() const {
+  std::size_t count = 0;
+  for (const auto& running : m_exports) {
+    count += std::max<std::size_t>(1, running->job().remaining());
+  }
+  return count;
+}
+
+ExportProgress WindowExports::progress() const {
+  std::vector<ExportProgress> all = m_over;
+  for (const auto& running : m_exports) {
+    all.push_back(running->progress());
+  }
+  const bool areMeasured =
+      std::ranges::none_of(all, [](const auto& one) { return one.bytes == 0; });
+  ExportProgress sum;
+  for (const ExportProgress& one : all) {
+    sum.photos += one.photos;
+    sum.photosEnded += one.photosEnded;
+    sum.bytes += areMeasured ? one.bytes : 0;
+    sum.bytesEnded += areMeasured ? one.bytesEnded : 0;
+  }
+  return sum;
+}
+
+void WindowExports::stop() {
+  for (const auto& running : m_exports) {
+    running->job().stop();
+  }
+}
+
+void WindowExports::stopAndWait() {
+  stop();
+  m_exports.clear();
+  m_over.clear();
+}
+
+// One told progress at a time: however many photos end meanwhile, the last state is shown and the
+// event loop is not flooded.
+void WindowExports::tellProgress() {
+  if (!m_isProgressTold.exchange(true)) {
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          m_isProgressTold = false;
+          emit progressed();
+        },
+        Qt::QueuedConnection);
+  }
+}
+
+void WindowExports::exportHasEnded(Export* over) {
+  const auto place =
+      std::ranges::find(m_exports, over, [](const auto& running) { return running.get(); });
+  if (place == m_exports.end()) {
+    return;  // stopped, and forgotten
+  }
+  const std::unique_ptr<Export> last = std::move(*place);
+  m_exports.erase(place);
+  m_over.push_back(last->progress());
+  if (m_exports.empty()) {
+    m_over.clear();
+  }
+  emit progressed();
+  emit ended(last->report());
+}
+
+}  // namespace snaplift

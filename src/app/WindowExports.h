@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QObject>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "export/ExportJob.h"
+
+namespace snaplift {
+
+// What came of one export, for whoever sits before the window.
+struct ExportReport {
+  std::string destination;
+  ExportOptions options;
+  ExportSummary summary;
+  std::vector<std::string> written;     // paths, in the order of the photos
+  std::vector<ExportedPhoto> failures;  // in their order
+  // The failures again, and then those that were not begun: what is left to export.
+  std::vector<PhotoToExport> missing;
+};
+
+// How far all exports are that have run since the window last exported nothing.
+struct ExportProgress {
+  std::size_t photos = 0, photosEnded = 0;
+  std::uint64_t bytes = 0, bytesEnded = 0;  // 0 bytes: the sizes are not known, or not yet
+};
+
+// The exports that the window has begun: any number at once, each in threads of its own. It brings
+// what they tell to the user interface's thread, where all of its own functions are called.
+//
+// Not every process ends in order: when the display goes away, the toolkit calls exit(). The photos
+// in hand are finished then as well.
+class WindowExports : public QObject {
+  Q_OBJECT
+
+public:
+  explicit WindowExports(QObject* parent = nullptr);
+  ~WindowExports() override;  // stops after the photos in hand
+
+  void begin(const std::vector<PhotoToExport>& photos, const std::string& destination,
+             const ExportOptions& options);
+
+  // How many photos are still to end, of all exports. An export whose photos are all there counts
+  // as one until they are on the disk.
+  std::size_t remaining() const;
+  ExportProgress progress() const;
+  bool isExporting() const { return !m_exports.empty(); }
+
+  // No photo is begun any more. ended() comes as usual.
+  void stop();
+
+  // The same, and returns when all is over; no ended() comes.
+  void stopAndWait();
+
+signals:
+  // remaining() has changed, once or often.
+  void progressed();
+  void ended(const ExportReport& report);
+
+private:
+  class Export;
+  void exportHasEnded(Export* over);
+  void tellProgress();
+
+  std::list<std::unique_ptr<Export>> m_exports;
+  std::vector<ExportProgress> m_over;  // of those that ended while others went on
+  std::atomic<bool> m_isProgressTold = false;
+};
+
+}  // namespace snaplift
