@@ -8,48 +8,87 @@
 namespace snaplift::cli {
 namespace {
 
-std::vector<std::string> missingPhotos(BackupModel& backup) {
-  std::vector<std::string> missing;
+// What was found out about the photos of one backup.
+struct Finding {
+  std::size_t listed = 0, present = 0;
+  std::vector<std::string> missing, unreadable, shortened;  // unique paths
+
+  bool isClean() const { return present == listed; }
+};
+
+Finding findingOf(BackupModel& backup) {
+  Finding finding;
   for (const std::string& uniquePath : backup.imagePaths()) {
-    if (!backup.holdsImageAtPath(uniquePath)) {
-      missing.push_back(uniquePath);
+    switch (backup.contentState(finding.listed++)) {
+      case ContentState::Whole:
+        ++finding.present;
+        break;
+      case ContentState::Short:
+        finding.shortened.push_back(uniquePath);
+        break;
+      case ContentState::Unreadable:
+        finding.unreadable.push_back(uniquePath);
+        break;
+      case ContentState::Missing:
+        finding.missing.push_back(uniquePath);
+        break;
     }
   }
-  return missing;
+  return finding;
 }
 
-void printReport(const BackupModel& backup, std::size_t listed,
-                 const std::vector<std::string>& missing) {
-  printHeading(backup.path());
-  printLine("  " + countText(listed, "photo") + " listed, " + countText(listed - missing.size()) +
-            " present, " + countText(missing.size()) + " missing" +
-            (backup.encrypted() ? ", encrypted" : ""));
-  for (const std::string& uniquePath : missing) {
-    printLine("  missing: " + std::string(pathOnDevice(backup, uniquePath)));
+void printPhotos(const BackupModel& backup, const char* what,
+                 const std::vector<std::string>& uniquePaths) {
+  for (const std::string& uniquePath : uniquePaths) {
+    printLine(std::string("  ") + what + ": " + std::string(pathOnDevice(backup, uniquePath)));
   }
+}
+
+// Counts of what is rare stand in the line only where there are some.
+std::string rareCount(std::size_t count, const char* what) {
+  return count == 0 ? "" : ", " + countText(count) + what;
+}
+
+void printReport(const BackupModel& backup, const Finding& finding) {
+  printHeading(backup.path());
+  printLine("  " + countText(finding.listed, "photo") + " listed, " + countText(finding.present) +
+            " present, " + countText(finding.missing.size()) + " missing" +
+            rareCount(finding.shortened.size(), " short") +
+            rareCount(finding.unreadable.size(), " without permission to read") +
+            (backup.encrypted() ? ", encrypted" : "") +
+            (backup.isComplete() ? "" : "; the list of files is incomplete"));
+  if (backup.wasLeftUnfinished()) {
+    printLine("  not finished by the device's backup");
+  }
+  printPhotos(backup, "missing", finding.missing);
+  printPhotos(backup, "short", finding.shortened);
+  printPhotos(backup, "no permission", finding.unreadable);
 }
 
 }  // namespace
 
-ExitStatus checkBackups(const std::optional<std::string>& path, bool json) {
-  const std::optional<Selection> selection = Selection::initWithPath(path);
-  if (!selection) {
+ExitStatus checkBackups(const BackupNames& names, bool json) {
+  const std::optional<Selection> selection = Selection::initWithNames(names);
+  if (!selection || selection->backups().empty()) {
     return NoSuchBackup;
   }
   ExitStatus status = Done;
   for (BackupModel* backup : selection->backups()) {
-    const std::size_t listed = backup->imagePaths().size();
-    const std::vector<std::string> missing = missingPhotos(*backup);
+    const Finding finding = findingOf(*backup);
     if (json) {
       printJson({{"path", backup->path()},
                  {"encrypted", backup->encrypted()},
-                 {"listed", listed},
-                 {"present", listed - missing.size()},
-                 {"missing", missing}});
+                 {"incomplete", !backup->isComplete()},
+                 {"unfinished", backup->wasLeftUnfinished()},
+                 {"listed", finding.listed},
+                 {"present", finding.present},
+                 {"missing", finding.missing},
+                 {"short", finding.shortened},
+                 {"unreadable", finding.unreadable}});
     } else {
-      printReport(*backup, listed, missing);
+      printReport(*backup, finding);
     }
-    if (!missing.empty() || !backup->isComplete()) {
+    if (!finding.isClean() || !backup->isComplete()) {
       status = SomePhotosFailed;
     }
   }

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/ExitStatus.h"
+#include "cli/Output.h"
+#include "cli/Selection.h"
 
 namespace snaplift::cli {
 
@@ -12,24 +13,30 @@ namespace snaplift::cli {
 // JSON (one value a line), tells everything else on the standard error, and answers the exit
 // status.
 
-// The devices of a root with their backups, newest first.
-ExitStatus listBackups(const std::optional<std::string>& path, bool json);
+// The devices with their backups, newest first.
+ExitStatus listBackups(const BackupNames& names, bool json);
 
 // The photos of one backup, in the decoder's order.
-ExitStatus listPhotos(const std::string& path, bool json);
+ExitStatus listPhotos(const BackupNames& names, bool json);
 
 // Every file with content that one backup's manifest lists, by domain.
-ExitStatus listFiles(const std::string& path, bool json);
+ExitStatus listFiles(const BackupNames& names, bool json);
+
+// The backups in or below the folders, one JSON value each as soon as it is found.
+ExitStatus findBackups(const std::vector<std::string>& folders);
+
+// One backup as list and find print it.
+Json backupJson(const BackupModel& backup);
 
 // How many photos each backup lists and how many of them have their file.
-ExitStatus checkBackups(const std::optional<std::string>& path, bool json);
+ExitStatus checkBackups(const BackupNames& names, bool json);
 
 struct ExportOptions {
-  std::vector<std::string> paths;        // backups or roots
-  std::vector<std::string> deviceNames;  // all backups of these devices, of `root`
-  std::optional<std::string> root;       // absent: the user's backup root
+  BackupNames from;
   std::string destination;
   unsigned workers = 0;  // 0: one a core
+  bool noDates = false;
+  bool skipExisting = false;
   bool dryRun = false;
   bool json = false;
 };

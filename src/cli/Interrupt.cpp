@@ -24,6 +24,7 @@ void catchInterrupts() {
     ::sigaction(signal, &action, nullptr);
   }
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool interrupted() {

@@ -7,19 +7,9 @@
 namespace snaplift::cli {
 namespace {
 
-constexpr const char* unnamedDevice = "(device without a name)";
-
-Json backupJson(const BackupModel& backup) {
-  return {{"path", backup.path()},
-          {"deviceName", jsonText(backup.deviceName())},
-          {"productVersion", jsonText(backup.productVersion())},
-          {"date", rfc3339Text(backup.date())},
-          {"decoder", std::string(backup.decoderName())}};
-}
-
 Json rootJson(const Selection& selection) {
   Json devices = Json::array();
-  for (DeviceModel* device : selection.devices()) {
+  for (const auto& device : selection.devices()) {
     Json backups = Json::array();
     for (const auto& backup : device->backups()) {
       backups.push_back(backupJson(*backup));
@@ -84,8 +74,16 @@ ExitStatus statusOf(const BackupModel& backup) {
 
 }  // namespace
 
-ExitStatus listBackups(const std::optional<std::string>& path, bool json) {
-  const std::optional<Selection> selection = Selection::initWithPath(path);
+Json backupJson(const BackupModel& backup) {
+  return {{"path", backup.path()},
+          {"deviceName", jsonText(backup.deviceName())},
+          {"productVersion", jsonText(backup.productVersion())},
+          {"date", rfc3339Text(backup.date())},
+          {"decoder", std::string(backup.decoderName())}};
+}
+
+ExitStatus listBackups(const BackupNames& names, bool json) {
+  const std::optional<Selection> selection = Selection::initWithNames(names);
   if (!selection) {
     return NoSuchBackup;
   }
@@ -93,21 +91,22 @@ ExitStatus listBackups(const std::optional<std::string>& path, bool json) {
     printJson(rootJson(*selection));
     return Done;
   }
-  for (DeviceModel* device : selection->devices()) {
-    printHeading(device->name().value_or(unnamedDevice));
+  for (const auto& device : selection->devices()) {
+    printHeading(device->title());
     for (const auto& backup : device->backups()) {
-      printLine("  " + backup->name() + "  (" + backup->productVersion().value_or("") + ")  " +
-                backup->path());
+      printLine("  " + device->titleOfBackup(*backup) + "  (" +
+                backup->productVersion().value_or("") + ")  " + backup->path());
     }
   }
   return Done;
 }
 
-ExitStatus listPhotos(const std::string& path, bool json) {
-  const std::unique_ptr<BackupModel> backup = backupAtPath(path);
-  if (!backup) {
+ExitStatus listPhotos(const BackupNames& names, bool json) {
+  const std::optional<Selection> selection = selectOneBackup(names);
+  if (!selection) {
     return NoSuchBackup;
   }
+  BackupModel* backup = selection->backups().front();
   if (json) {
     printJson(photosJson(*backup));
     return statusOf(*backup);
@@ -115,16 +114,17 @@ ExitStatus listPhotos(const std::string& path, bool json) {
   for (const std::string& uniquePath : backup->imagePaths()) {
     printLine(pathOnDevice(*backup, uniquePath));
   }
-  printMessage(countText(backup->imagePaths().size(), "photo") +
-               (backup->encrypted() ? ", encrypted: they cannot be exported" : ""));
+  printNote(countText(backup->imagePaths().size(), "photo") +
+            (backup->encrypted() ? ", encrypted: they cannot be exported" : ""));
   return statusOf(*backup);
 }
 
-ExitStatus listFiles(const std::string& path, bool json) {
-  const std::unique_ptr<BackupModel> backup = backupAtPath(path);
-  if (!backup) {
+ExitStatus listFiles(const BackupNames& names, bool json) {
+  const std::optional<Selection> selection = selectOneBackup(names);
+  if (!selection) {
     return NoSuchBackup;
   }
+  BackupModel* backup = selection->backups().front();
   if (json) {
     printFilesJson(*backup);
     return statusOf(*backup);
@@ -140,7 +140,7 @@ ExitStatus listFiles(const std::string& path, bool json) {
     ++files;
     bytes += file.filelength;
   });
-  printMessage(countText(files, "file") + ", " + sizeText(bytes));
+  printNote(countText(files, "file") + ", " + sizeText(bytes));
   return statusOf(*backup);
 }
 

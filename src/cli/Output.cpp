@@ -1,5 +1,6 @@
 #include "cli/Output.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -14,6 +15,9 @@
 namespace snaplift::cli {
 namespace {
 
+constexpr const char* messagePrefix = "snaplift-cli: ";
+
+bool quietIsWanted = false;
 int outputError = 0;  // of the first write to the standard output that failed
 
 void write(std::string_view text) {
@@ -51,17 +55,17 @@ std::string jsonLineText(const Json& value) {
   const std::string json = value.dump(-1, ' ', false, Json::error_handler_t::replace);
   std::string text;
   text.reserve(json.size());
-  for (std::size_t i = 0; i < json.size(); ++i) {
-    // What JSON lets stand and terminals obey: U+007F, and U+0080 to U+009F in two bytes.
-    if (json[i] == '\x7f') {
-      text += "\\u007f";
-    } else if (json[i] == '\xc2' && static_cast<unsigned char>(json[i + 1]) < 0xA0) {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned char>(json[++i]));
+  // What JSON lets stand and terminals obey.
+  for (std::string_view rest = json; !rest.empty();) {
+    const UnseenCharacter unseen = unseenCharacterAt(rest);
+    if (unseen.length > 0) {
+      char escape[16];
+      std::snprintf(escape, sizeof escape, "\\u%04x", unseen.character);
       text += escape;
     } else {
-      text += json[i];
+      text += rest.front();
     }
+    rest.remove_prefix(std::max<std::size_t>(unseen.length, 1));
   }
   return text;
 }
@@ -83,8 +87,32 @@ void printHeading(std::string_view heading) {
   write((colour ? "\x1b[1m" : "") + escapedForLog(heading) + (colour ? "\x1b[0m\n" : "\n"));
 }
 
+void printText(std::string_view text) {
+  write(text);
+}
+
+void beQuiet() {
+  // Messages go the way of the log; a name in a line of the log cannot stand at its beginning.
+  static const LogCapture quiet([](const std::string& line) {
+    if (line.starts_with(messagePrefix)) {
+      std::fputs((line + "\n").c_str(), stderr);
+    }
+  });
+  quietIsWanted = true;
+}
+
+bool isQuiet() {
+  return quietIsWanted;
+}
+
+void printNote(std::string_view note) {
+  if (!quietIsWanted) {
+    printMessage(note);
+  }
+}
+
 void printMessage(std::string_view message) {
-  systemLog("snaplift-cli: " + std::string(message));
+  systemLog(messagePrefix + std::string(message));
 }
 
 std::string countText(std::uint64_t count) {

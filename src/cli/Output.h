@@ -12,7 +12,7 @@ namespace snaplift::cli {
 
 // The program's two streams: data on the standard output, everything else on the standard error.
 // No name of a backup can forge a line there or command a terminal: control characters are escaped
-// in text and in JSON.
+// in text and in JSON, and so is what turns the direction of a text or ends a line unseen.
 
 using Json = nlohmann::ordered_json;
 
@@ -36,6 +36,9 @@ void printJsonPart(std::string_view part);
 // Prints a value on one line of the standard output.
 void printJson(const Json& value);
 
+// Prints a text that is written in the program itself, as it is.
+void printText(std::string_view text);
+
 // Prints one line of data.
 void printLine(std::string_view line);
 
@@ -44,6 +47,14 @@ void printHeading(std::string_view heading);
 
 // Tells the user something that is no data: one line on the standard error.
 void printMessage(std::string_view message);
+
+// Tells the user what is good to know, unless the program is to be quiet.
+void printNote(std::string_view note);
+
+// From here on only data and messages leave the program: no notes, no progress, and no lines of the
+// log.
+void beQuiet();
+bool isQuiet();
 
 // "12,345".
 std::string countText(std::uint64_t count);

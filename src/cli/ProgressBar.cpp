@@ -18,7 +18,7 @@ constexpr auto drawInterval = std::chrono::milliseconds(100);
 }  // namespace
 
 ProgressBar::ProgressBar(std::uint64_t total)
-    : m_total(total), m_visible(total > 0 && ::isatty(STDERR_FILENO)) {}
+    : m_total(total), m_visible(total > 0 && !isQuiet() && ::isatty(STDERR_FILENO)) {}
 
 void ProgressBar::advance(std::uint64_t bytes) {
   ++m_done;

@@ -1,46 +1,50 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "library/BackupController.h"
+#include "backups/BackupController.h"
 
 namespace snaplift::cli {
 
-// What a PATH on the command line stands for: a backup root with its devices, or one backup. A
-// folder that is itself a backup counts as one; every other readable folder counts as a root, also
-// when it holds no backups. The log lines that a scan writes go to the standard error.
+// How a command line names backups.
+struct BackupNames {
+  // Paths of whatever backups can be found in or below; or, of backups of the root, the folder's
+  // name, the beginning of it, or "latest".
+  std::vector<std::string> names = {};
+  std::vector<std::string> deviceNames = {};  // all backups of these devices of the root
+  std::optional<std::string> root = {};       // absent: the user's backup root
+};
+
+// The backups that a command line names, each once. The log lines that finding them writes go to
+// the standard error.
 class Selection {
 public:
-  // Without a path, the user's backup root. Nothing, and a message to the user, where there is no
-  // such folder, and for a damaged backup.
-  static std::optional<Selection> initWithPath(const std::optional<std::string>& path);
+  // Without any name, the backups of the root. Nothing, and a message to the user, where a name
+  // leads nowhere or to a damaged backup. A folder without backups is no error: it is told of.
+  static std::optional<Selection> initWithNames(const BackupNames& names);
 
-  // The path as it was given, without a slash at its end.
+  // The path that was named first, without a slash at its end; else the root.
   const std::string& path() const { return m_path; }
 
-  // The root's devices, or one device with the one backup.
-  const std::vector<DeviceModel*>& devices() const { return m_devices; }
-
-  // All backups, device by device, newest first.
-  std::vector<BackupModel*> backups() const;
+  const std::vector<std::unique_ptr<DeviceModel>>& devices() const { return m_library->devices(); }
+  // In the order in which they were named; of one folder device by device, newest first.
+  const std::vector<BackupModel*>& backups() const { return m_backups; }
 
 private:
   Selection() = default;
-  bool takeBackup();
-  void scanRoot();
+  bool takeRoot(const std::optional<std::string>& root);
+  bool takeFolder(const std::string& folder);
 
   std::string m_path;
-  std::unique_ptr<BackupController> m_root;
-  std::unique_ptr<DeviceModel> m_singleDevice;
-  std::vector<DeviceModel*> m_devices;
+  std::unique_ptr<BackupController> m_library;
+  std::vector<BackupModel*> m_backups;
 };
 
-// The one backup in the folder `path`; nothing, and a message, where it is none.
-std::unique_ptr<BackupModel> backupAtPath(const std::string& path);
+// The selection that is one backup; nothing, and a message, where it is none or several.
+std::optional<Selection> selectOneBackup(const BackupNames& names);
 
 // A photo's path on the device: its unique path without the backup folder.
 std::string_view pathOnDevice(const BackupModel& backup, std::string_view uniquePath);

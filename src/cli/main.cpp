@@ -1,10 +1,12 @@
+#include <algorithm>
 #include <exception>
-#include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include "backups/BackupAround.h"
 #include "cli/Commands.h"
 #include "cli/Output.h"
 
@@ -14,75 +16,97 @@ namespace {
 constexpr const char* introduction =
     "Examples:\n"
     "  snaplift-cli list                         the devices and backups of this user\n"
-    "  snaplift-cli photos BACKUP                the photos of one backup\n"
+    "  snaplift-cli find /media                  the backups of all connected disks\n"
+    "  snaplift-cli photos latest                the photos of the newest backup\n"
     "  snaplift-cli check                        are all listed photos there?\n"
     "  snaplift-cli export BACKUP -o ~/Pictures  copy every photo out\n"
     "  snaplift-cli export --device \"Anna's Phone\" -o ~/Pictures\n"
     "\n"
     "Gets photos back out of the backups of old handsets (system versions 1 to 9).\n"
-    "Backups are only read, never written. A BACKUP is the folder of one backup, a\n"
-    "root is a folder of such folders.\n";
+    "Backups are only read, never written. A BACKUP is a folder that is one or has some\n"
+    "below it; or, of your root, a backup's folder name, its beginning, or \"latest\".\n";
 
 constexpr const char* exitStatuses =
     "\nExit status: 0 done, 1 failed, 2 usage, 3 some photos missing or failed,\n"
     "10 no such root or backup, 12 encrypted (nothing is exported), 130 interrupted.";
 
 struct Arguments {
-  std::optional<std::string> path;
-  std::string backup;
+  BackupNames names;
+  std::vector<std::string> folders;
   bool json = false;
+  bool quiet = false;
   ExportOptions exporting;
 };
 
 CLI::App* addCommand(CLI::App& app, Arguments& arguments, const char* name, const char* purpose) {
   CLI::App* command = app.add_subcommand(name, purpose)->group("Commands");
   command->add_flag("--json", arguments.json, "Print JSON, one value a line");
-  return command;
-}
-
-CLI::App* addRootCommand(CLI::App& app, Arguments& arguments, const char* name,
-                         const char* purpose) {
-  CLI::App* command = addCommand(app, arguments, name, purpose);
-  command->add_option("PATH", arguments.path, "A backup root or one backup (default: your root)")
-      ->type_name("");
+  command->add_flag("-q,--quiet", arguments.quiet, "Say nothing but data and errors");
   return command;
 }
 
 CLI::App* addBackupCommand(CLI::App& app, Arguments& arguments, const char* name,
-                           const char* purpose) {
+                           const char* purpose, const char* backups) {
   CLI::App* command = addCommand(app, arguments, name, purpose);
-  command->add_option("BACKUP", arguments.backup, "The folder of one backup")
-      ->type_name("")
-      ->required();
+  command->add_option("BACKUP", arguments.names.names, backups)->type_name("");
+  command
+      ->add_option("-r,--root", arguments.names.root, "Where names are looked up (default: yours)")
+      ->type_name("FOLDER");
+  return command;
+}
+
+CLI::App* addOneBackupCommand(CLI::App& app, Arguments& arguments, const char* name,
+                              const char* purpose) {
+  CLI::App* command = addBackupCommand(app, arguments, name, purpose, "One backup");
+  command->get_option("BACKUP")->required()->expected(1);
+  return command;
+}
+
+CLI::App* addFindCommand(CLI::App& app, Arguments& arguments) {
+  CLI::App* command =
+      addCommand(app, arguments, "find", "Search folders or whole disks for backups");
+  command->add_option("FOLDER", arguments.folders, "Where to search")->type_name("")->required();
   return command;
 }
 
 CLI::App* addExportCommand(CLI::App& app, Arguments& arguments) {
   ExportOptions& options = arguments.exporting;
-  CLI::App* command =
-      addCommand(app, arguments, "export", "Copy photos into a folder; nothing is ever replaced");
-  command->add_option("BACKUP", options.paths, "Folders of backups, or backup roots")
-      ->type_name("");
+  CLI::App* command = addBackupCommand(app, arguments, "export",
+                                       "Copy photos into a folder; nothing is ever replaced",
+                                       "Whose photos to copy");
   command->add_option("-o,--output", options.destination, "The folder that receives the photos")
       ->type_name("FOLDER")
       ->required();
-  command->add_option("-d,--device", options.deviceNames, "All backups of the device of this name")
+  command
+      ->add_option("-d,--device", arguments.names.deviceNames,
+                   "All backups of the device of this name")
       ->type_name("NAME")
       ->allow_extra_args(false);  // each time one name: what follows is a BACKUP
-  command->add_option("-r,--root", options.root, "The root of those devices (default: your root)")
-      ->type_name("FOLDER");
   command->add_option("-j,--jobs", options.workers, "Photos in hand at once (default: one a core)")
       ->type_name("NUMBER")
       ->check(CLI::Range(1, 256).description(""));
-  command->add_flag("-n,--dry-run", options.dryRun, "Read every photo, write nothing");
+  command->add_flag("--skip-existing", options.skipExisting,
+                    "Leave out photos that are there already");
+  command->add_flag("--no-dates", options.noDates, "Do not give the files their photos' dates");
+  command->add_flag("-n,--dry-run", options.dryRun,
+                    "Read every photo, say what would be written where");
   return command;
 }
 
+// What was given in the place of a command.
+std::string unknownCommand(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  return arguments.empty() ? "" : "unknown command: " + arguments.front() + "; ";
+}
+
 // Errors quote arguments, which are names of files often enough: no escape of theirs gets out.
-ExitStatus usageError(const CLI::App& app, const CLI::ParseError& error) {
+ExitStatus usageError(const CLI::App& app, const CLI::ParseError& error,
+                      const std::string& unknown) {
   const std::vector<CLI::App*> commands = app.get_subcommands();
   if (commands.empty()) {
-    printMessage("name a command: list, photos, files, check or export; see snaplift-cli --help");
+    printMessage(unknown +
+                 "name a command: list, find, photos, files, check or export; see snaplift-cli "
+                 "--help");
   } else {
     printMessage(std::string(error.what()) + "; see snaplift-cli " + commands[0]->get_name() +
                  " --help");
@@ -100,29 +124,40 @@ ExitStatus run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(exitStatuses);
   Arguments arguments;
-  CLI::App* list = addRootCommand(app, arguments, "list", "List devices and backups, newest first");
-  CLI::App* photos = addBackupCommand(app, arguments, "photos", "List the photos of one backup");
-  CLI::App* files = addBackupCommand(app, arguments, "files", "List the files of one backup");
+  CLI::App* list =
+      addBackupCommand(app, arguments, "list", "List devices and backups, newest first",
+                       "Which (default: your root)");
+  CLI::App* find = addFindCommand(app, arguments);
+  CLI::App* photos = addOneBackupCommand(app, arguments, "photos", "List the photos of one backup");
+  CLI::App* files = addOneBackupCommand(app, arguments, "files", "List the files of one backup");
   CLI::App* check =
-      addRootCommand(app, arguments, "check", "Count the listed, present and missing photos");
+      addBackupCommand(app, arguments, "check", "Count the listed, present and missing photos",
+                       "Which (default: your root)");
   CLI::App* exporting = addExportCommand(app, arguments);
   try {
     app.parse(argc, argv);
-    if (exporting->parsed() && arguments.exporting.paths.empty() &&
-        arguments.exporting.deviceNames.empty()) {
+    if (exporting->parsed() && arguments.names.names.empty() &&
+        arguments.names.deviceNames.empty()) {
       throw CLI::RequiredError("BACKUP or --device");
     }
   } catch (const CLI::Success& request) {  // --help, --version
-    app.exit(request);
+    std::ostringstream answer;
+    app.exit(request, answer, answer);
+    printText(answer.str());
     return Done;
   } catch (const CLI::ParseError& error) {
-    return usageError(app, error);
+    return usageError(app, error, unknownCommand(argc, argv));
   }
+  if (arguments.quiet) {
+    beQuiet();
+  }
+  arguments.exporting.from = arguments.names;
   arguments.exporting.json = arguments.json;
-  return list->parsed()     ? listBackups(arguments.path, arguments.json)
-         : photos->parsed() ? listPhotos(arguments.backup, arguments.json)
-         : files->parsed()  ? listFiles(arguments.backup, arguments.json)
-         : check->parsed()  ? checkBackups(arguments.path, arguments.json)
+  return list->parsed()     ? listBackups(arguments.names, arguments.json)
+         : find->parsed()   ? findBackups(arguments.folders)
+         : photos->parsed() ? listPhotos(arguments.names, arguments.json)
+         : files->parsed()  ? listFiles(arguments.names, arguments.json)
+         : check->parsed()  ? checkBackups(arguments.names, arguments.json)
                             : exportPhotos(arguments.exporting);
 }
 
@@ -132,6 +167,7 @@ ExitStatus run(int argc, char** argv) {
 int main(int argc, char** argv) {
   using namespace snaplift::cli;
   occupyStandardStreams();
+  snaplift::keepTemporaryFolderOutOfBackups();
   try {
     const ExitStatus status = run(argc, argv);
     return flushOutput() || status != Done ? status : Failed;
