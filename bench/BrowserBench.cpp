@@ -13,9 +13,9 @@
 #include "bench/CameraPhoto.h"
 #include "bench/Ratio.h"
 #include "bench/ViewMain.h"
-#include "samples/browser/TestPhotos.h"
-#include "samples/browser/TestPictures.h"
-#include "toolkit/ImageBrowserView.h"
+#include "support/photos/TestPhotos.h"
+#include "support/photos/TestPictures.h"
+#include "widgets/photogrid/ImageBrowserView.h"
 
 // What a grid of 100,000 photos costs the user interface's thread, against one of 1,000; and how
 // long that thread is ever held up while camera photos load.

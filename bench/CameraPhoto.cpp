@@ -1,11 +1,10 @@
 #include "bench/CameraPhoto.h"
 
-#include <QBuffer>
 #include <QImage>
 #include <cmath>
 #include <random>
 
-#include "samples/browser/TestPictures.h"
+#include "support/photos/TestPictures.h"
 
 namespace snaplift::bench {
 namespace {
@@ -25,20 +24,12 @@ QImage photo(int seed) {
   return picture;
 }
 
-QByteArray jpeg(const QImage& picture, int quality) {
-  QByteArray data;
-  QBuffer buffer(&data);
-  buffer.open(QIODevice::WriteOnly);
-  picture.save(&buffer, "jpeg", quality);
-  return data;
-}
-
 }  // namespace
 
 QByteArray cameraPhoto(int seed) {
   const QImage picture = photo(seed);
   const QImage small = picture.scaled(160, 120, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-  return test::withExif(jpeg(picture, 90), 1, jpeg(small, 75));
+  return test::withExif(test::encoded(picture, "jpeg", 90), 1, test::encoded(small, "jpeg", 75));
 }
 
 }  // namespace snaplift::bench

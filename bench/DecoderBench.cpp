@@ -1,5 +1,5 @@
-// Loading a backup of generation 3, whose photos are told by thousands of small files; and finding
-// a photo by its unique path.
+// Loading a backup of generation 3, whose photos are told by thousands of small files, and one of
+// generation 10, told by a database; and finding a photo by its unique path.
 
 #include <algorithm>
 #include <optional>
@@ -8,14 +8,17 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include "bench/PageCache.h"
 #include "bench/Ratio.h"
+#include "decoders/iOS10Decoder.h"
 #include "decoders/iOS3Decoder.h"
 #include "decoders/iOS5Decoder.h"
-#include "foundation/TemporaryFolder.h"
+#include "foundation/files/TemporaryFolder.h"
 #include "samples/BackupWriter.h"
+#include "samples/DatabaseWriter.h"
 
 namespace snaplift {
 namespace {
@@ -91,6 +94,49 @@ bool findsEachByScanning(const std::vector<std::string>& paths) {
   });
 }
 
+constexpr std::size_t rowCount = 300'000;
+constexpr std::size_t rollCount = 100'000;  // of them photos of the camera roll
+
+std::vector<samples::DatabaseEntry> databaseRows() {
+  std::vector<samples::DatabaseEntry> rows;
+  for (std::size_t i = 0; i < rowCount; ++i) {
+    const bool isPhoto = i % 3 == 0;
+    const std::string path = isPhoto ? photoPath(i) : "Library/Caches/file" + std::to_string(i);
+    const auto time = static_cast<std::int64_t>(1'500'000'000 + i);
+    rows.push_back(
+        {.domain = isPhoto ? "CameraRollDomain" : "AppDomain-app" + std::to_string(i / 1000),
+         .path = path,
+         .record = samples::archivedRecord(path, 2'000'000, time, time, samples::regularFileMode)});
+  }
+  return rows;
+}
+
+// The floor: SQLite's own interface, all columns of all rows.
+bool stepsThroughEach(const std::string& path) {
+  sqlite3* database = nullptr;
+  sqlite3_stmt* rows = nullptr;
+  const std::string uri = "file:" + path + "?immutable=1";
+  sqlite3_open_v2(uri.c_str(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+  sqlite3_prepare_v2(database, "SELECT fileID, domain, relativePath, flags, file FROM Files", -1,
+                     &rows, nullptr);
+  std::size_t count = 0;
+  int bytes = 0;
+  while (sqlite3_step(rows) == SQLITE_ROW) {
+    ++count;
+    for (int column = 0; column < 5; ++column) {
+      bytes |= sqlite3_column_bytes(rows, column);
+    }
+  }
+  sqlite3_finalize(rows);
+  sqlite3_close(database);
+  return count == rowCount && bytes > 0;
+}
+
+bool loadsDatabase(iOS10Decoder& decoder) {
+  decoder.loadContents();
+  return decoder.imageFilePaths().size() == rollCount && decoder.isComplete();
+}
+
 }  // namespace
 }  // namespace snaplift
 
@@ -100,6 +146,9 @@ int main(int argc, char** argv) {
   const std::string five = temporaryFolder() + "/five";
   writeBackup(three, samples::Generation::Three, infoFileCount);
   writeBackup(five, samples::Generation::Five, photoCount);
+  const std::string ten = temporaryFolder() + "/ten";
+  samples::writeManifestDatabase(ten + "/Manifest.db", databaseRows());
+  std::optional<iOS10Decoder> decoderOfTen;
   std::vector<std::string> infoFiles;
   for (std::size_t i = 0; i < infoFileCount; ++i) {
     infoFiles.push_back(three + "/" + samples::contentName("MediaDomain", photoPath(i)) +
@@ -122,6 +171,11 @@ int main(int argc, char** argv) {
       .floor("open, read and close", [&] { return opensEach(infoFiles); })
       .subject(
           "load", 0.6, [&] { return loads(*decoder); }, makeDecoder);
+  ratios.group("300,000 rows of generation 10, 100,000 photos", bench::PageCache::Hot)
+      .floor("step through all rows", [&] { return stepsThroughEach(ten + "/Manifest.db"); })
+      .subject(
+          "load", 1.5, [&] { return loadsDatabase(*decoderOfTen); },
+          [&] { decoderOfTen.emplace(ten); });
   ratios.group("10,000 photos by unique path", bench::PageCache::Hot)
       .floor("scan", [&] { return photos.size() == photoCount && findsEachByScanning(photos); })
       .subject("look up", 0.01, [&] { return findsEach(finder, photos); });

@@ -1,16 +1,22 @@
-// Listing a backup root: every backup's info file is read before the window shows anything.
+// Listing a backup root: every backup's info file is read before the window shows anything. And the
+// search of a disk for backups.
 
 #include <cstdint>
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
 #include <string>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "backups/BackupController.h"
+#include "backups/BackupSearch.h"
 #include "bench/Ratio.h"
-#include "foundation/File.h"
 #include "foundation/Log.h"
-#include "foundation/TemporaryFolder.h"
-#include "library/BackupController.h"
+#include "foundation/files/File.h"
+#include "foundation/files/TemporaryFolder.h"
 #include "samples/BackupWriter.h"
 
 namespace snaplift {
@@ -56,6 +62,35 @@ bool lists(const std::string& root) {
   return controller.devices().size() == deviceCount && backups == backupCount;
 }
 
+constexpr std::size_t treeFileCount = 1'000'000;
+constexpr std::size_t filesOfAFolder = 20, foldersOfAFolder = 12;
+
+// A tree of folders with files, and one backup at its end.
+void writeTree(const std::string& top) {
+  std::deque<std::string> folders = {top};
+  std::filesystem::create_directories(top);
+  for (std::size_t files = 0; files < treeFileCount; folders.pop_front()) {
+    for (std::size_t i = 0; i < foldersOfAFolder && files < treeFileCount; ++i) {
+      folders.push_back(folders.front() + "/folder " + std::to_string(i));
+      ::mkdir(folders.back().c_str(), 0700);
+      for (std::size_t j = 0; j < filesOfAFolder; ++j, ++files) {
+        ::mknod((folders.back() + "/file " + std::to_string(j)).c_str(), S_IFREG | 0600, 0);
+      }
+    }
+  }
+  samples::writeBackup(folders.back() + "/backup", {.productVersion = "5.0.1"});
+}
+
+bool walksTree(const std::string& top) {
+  return std::system(("find '" + top + "' -name Info.plist >/dev/null").c_str()) == 0;
+}
+
+bool searchesTree(const std::string& top) {
+  std::size_t found = 0;
+  searchForBackups({top}, {.found = [&](const auto&) { ++found; }});
+  return found == 1;
+}
+
 }  // namespace
 }  // namespace snaplift
 
@@ -69,5 +104,10 @@ int main(int argc, char** argv) {
   ratios.group("root of 10,000 backups", bench::PageCache::Hot)
       .floor("list it, read each info file", [&] { return readsEachInfoFile(root); })
       .subject("discover", 1.3, [&] { return lists(root); });
+  const std::string tree = temporaryFolder() + "/tree";
+  writeTree(tree);
+  ratios.group("tree of 1,000,000 files", bench::PageCache::Hot)
+      .floor("find -name Info.plist", [&] { return walksTree(tree); })
+      .subject("search for backups", 1.3, [&] { return searchesTree(tree); });
   return ratios.run(argc, argv);
 }

@@ -1,35 +1,33 @@
 // Exporting the photos of a backup, against a plain copy of the backup's folder by cp.
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <list>
+#include <memory>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <linux/fs.h>
 #endif
 
+#include "backups/BackupModel.h"
 #include "bench/Ratio.h"
-#include "foundation/FileDescriptor.h"
-#include "foundation/FileWriting.h"
+#include "export/ExportJob.h"
+#include "faults/Volume.h"
 #include "foundation/Log.h"
-#include "foundation/Parallel.h"
-#include "foundation/Path.h"
-#include "foundation/TemporaryFolder.h"
-#include "library/BackupModel.h"
+#include "foundation/files/FileDescriptor.h"
+#include "foundation/files/Path.h"
+#include "foundation/files/TemporaryFolder.h"
 #include "samples/BackupWriter.h"
 
 namespace snaplift::bench {
@@ -65,60 +63,33 @@ void writePhotos(const std::string& folder) {
   }
 }
 
-// Whether the photos are to be on the disk, not only in the system's cache, when the time is taken.
-enum class Flush { No, Yes };
-
 // What snaplift-cli does: reads the manifest and exports every photo.
-bool exportPhotos(const std::string& backup, const std::string& destination, Flush flush) {
+bool exportPhotos(const std::string& backup, const std::string& destination, bool flushes) {
+  class Sum : public ExportObserver {
+  public:
+    void exportDidEnd(const ExportSummary& summary) override { m_summary = summary; }
+    ExportSummary m_summary;
+  } sum;
   const auto model = BackupModel::initWithBackupAtPath(backup);
   if (!model) {
     return false;
   }
-  std::atomic<std::uint64_t> exportedBytes = 0;
-  const auto& items = model->imageItems();
-  parallelFor(items.size(), threads, [&](std::size_t index) {
-    thread_local Bytes buffer;
-    exportedBytes += items[index]->extractPhoto(destination, buffer).bytes;
-  });
-  return exportedBytes == photoCount * photoSizeInBytes &&
-         (flush == Flush::No || !flushFileSystem(destination));
+  std::vector<PhotoToExport> photos;
+  for (const auto& item : model->imageItems()) {
+    photos.push_back({item.get()});
+  }
+  ExportJob(photos, destination, {.workers = threads, .flushes = flushes}, sum).run();
+  return sum.m_summary.bytes == photoCount * photoSizeInBytes && !sum.m_summary.onFlush;
 }
 
-// Exports in processes of their own, since each makes its temporary folder once, in $TMPDIR. Timed
-// is what a person waits for, from the first look at the backup to the last photo; the removal of
-// the temporary folder comes after it.
-class Exporter {
-public:
-  bool run(const std::string& backup, const std::string& destination,
-           const std::string& temporaryParent, Flush flush = Flush::No) {
-    std::array<int, 2> pipe;
-    if (::pipe(pipe.data()) != 0) {
-      return false;
-    }
-    m_process = ::fork();
-    if (m_process == 0) {
-      ::setenv("TMPDIR", temporaryParent.c_str(), 1);
-      const char isGood = exportPhotos(backup, destination, flush) ? 1 : 0;
-      const bool isTold = ::write(pipe[1], &isGood, 1) == 1;
-      removeTemporaryFolder();
-      ::_exit(isTold ? 0 : 1);
-    }
-    ::close(pipe[1]);
-    char isGood = 0;
-    const bool isTold = ::read(pipe[0], &isGood, 1) == 1;
-    ::close(pipe[0]);
-    return isTold && isGood == 1;
-  }
-
-  void waitForEnd() {
-    if (m_process > 0) {
-      ::waitpid(std::exchange(m_process, -1), nullptr, 0);
-    }
-  }
-
-private:
-  pid_t m_process = -1;
-};
+// The blocks that are taken on the file system of `folder`, in bytes.
+std::uint64_t bytesTaken(const std::string& folder) {
+  struct statvfs status;
+  ::sync();
+  return ::statvfs(folder.c_str(), &status) == 0
+             ? std::uint64_t{status.f_blocks - status.f_bfree} * status.f_frsize
+             : 0;
+}
 
 // ext4 steps around the inodes of files that were deleted in the last minutes, one by one, which
 // can take longer than writing the photos. So the folders of one parent are spread over the disk,
@@ -160,13 +131,6 @@ private:
   int m_count = 0;
 };
 
-bool isOneFileSystem(const std::string& a, const std::string& b) {
-  struct stat statusA;
-  struct stat statusB;
-  return ::stat(a.c_str(), &statusA) == 0 && ::stat(b.c_str(), &statusB) == 0 &&
-         statusA.st_dev == statusB.st_dev;
-}
-
 }  // namespace
 }  // namespace snaplift::bench
 
@@ -174,46 +138,82 @@ int main(int argc, char** argv) {
   using namespace snaplift;
   using namespace snaplift::bench;
   const TemporaryFolder folder({"/var/tmp"});  // on a disk, where exports go
-  const std::string backup = joinPath(folder.path(), "backup");
-  const std::string memory = "/dev/shm";
   const LogCapture silent([](const std::string&) {});
   spreadFoldersOf(folder.path());
+  const std::string backup = joinPath(folder.path(), "backup");
   writePhotos(backup);
   Destination destination(folder.path());
-  const auto copyByCp = [&] {
-    return std::system(("cp -r '" + backup + "' '" + destination.path() + "'").c_str()) == 0;
-  };
-  Exporter exporter;
-  const auto renew = [&] {
-    exporter.waitForEnd();
-    destination.renew();
-    ::sync();  // nobody pays for what another variant left in the cache
-  };
 
   Ratios ratios;
-  ratios.group("export of 250 photos, with links", PageCache::Hot)
-      .beforeEach(renew)
-      .floor("cp -r", copyByCp)
-      .subject("export", 0.75,
-               [&] { return exporter.run(backup, destination.path(), folder.path()); });
+  const auto compare = [&](const char* name, const std::string& source, Destination& into,
+                           double bar, const std::string& cp) {
+    ratios.group(name, PageCache::Hot)
+        .beforeEach([&into] {
+          into.renew();
+          ::sync();  // nobody pays for what another variant left in the cache
+        })
+        .floor(cp,
+               [&into, source, cp] {
+                 return std::system((cp + " '" + source + "' '" + into.path() + "'").c_str()) == 0;
+               })
+        .subject("export", bar,
+                 [&into, source] { return exportPhotos(source, into.path(), false); });
+  };
+  compare("export of 250 photos, one file system", backup, destination, 0.65, "cp -r");
   ratios.group("export of 250 photos to the disk itself", PageCache::Hot)
-      .beforeEach(renew)
+      .beforeEach([&] {
+        destination.renew();
+        ::sync();
+      })
       .floor("cp -r, sync -f",
              [&] {
-               return copyByCp() &&
-                      std::system(("sync -f '" + destination.path() + "'").c_str()) == 0;
+               return std::system(("cp -r '" + backup + "' '" + destination.path() +
+                                   "' && sync -f '" + destination.path() + "'")
+                                      .c_str()) == 0;
              })
       .subject("export and flush", 1.2,
-               [&] { return exporter.run(backup, destination.path(), folder.path(), Flush::Yes); });
-  if (fs::is_directory(memory) && !isOneFileSystem(memory, folder.path())) {
-    ratios.group("export of 250 photos, from memory to disk", PageCache::Hot)
-        .beforeEach(renew)
-        .floor("cp -r", copyByCp)
-        .subject("export", 1.35, [&] { return exporter.run(backup, destination.path(), memory); });
-  } else {
-    std::cerr << "left out: without links, which needs a second file system at " << memory << "\n";
+               [&] { return exportPhotos(backup, destination.path(), true); });
+
+  // File systems of the bench's own, in files; of these the first gets the photos of another one.
+  struct Mounted {
+    const char* name;
+    std::unique_ptr<Volume> (*mount)(const std::string&, const std::string&);
+    double bar;
+    bool sharesBlocks;
+    std::unique_ptr<Volume> volume = nullptr;
+    std::string source = {};
+    std::unique_ptr<Destination> into = nullptr;
+  };
+  Mounted mounted[] = {{"ext4", Volume::ext4, 0.75, false},
+                       {"Btrfs", Volume::btrfs, 0.3, true},
+                       {"XFS", Volume::xfs, 0.3, true}};
+  for (Mounted& m : mounted) {
+    const std::string place = joinPath(folder.path(), m.name);
+    fs::create_directory(place);
+    m.volume = m.mount(place, place + ".image");
+    if (!m.volume) {
+      std::cerr << "left out: " << m.name << ", which needs root and the programs that make it\n";
+      continue;
+    }
+    m.into = std::make_unique<Destination>(place);
+    m.source = backup;
+    if (m.sharesBlocks) {
+      m.source = joinPath(place, "backup");
+      writePhotos(m.source);
+      static std::list<std::string> names;
+      compare(names.emplace_back(std::string("export of 250 photos on ") + m.name).c_str(),
+              m.source, *m.into, m.bar, "cp -r --reflink=never");
+      continue;
+    }
+    compare("export of 250 photos to another file system", m.source, *m.into, m.bar, "cp -r");
+    ratios.figure("bytes written for each byte of photos, to another file system", "", 1.05,
+                  [&m, &backup] {
+                    m.into->renew();
+                    const std::uint64_t before = bytesTaken(m.into->path());
+                    exportPhotos(backup, m.into->path(), true);
+                    return static_cast<double>(bytesTaken(m.into->path()) - before) /
+                           (photoCount * photoSizeInBytes);
+                  });
   }
-  const int status = ratios.run(argc, argv);
-  exporter.waitForEnd();
-  return status;
+  return ratios.run(argc, argv);
 }

@@ -15,8 +15,8 @@
 #include "formats/MBDBXReader.h"
 #include "formats/iOS5BackupReader.h"
 #include "foundation/Digest.h"
-#include "foundation/File.h"
-#include "foundation/TemporaryFolder.h"
+#include "foundation/files/File.h"
+#include "foundation/files/TemporaryFolder.h"
 #include "samples/BackupWriter.h"
 #include "samples/ManifestWriter.h"
 

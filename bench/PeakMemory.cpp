@@ -1,5 +1,6 @@
 #include "bench/PeakMemory.h"
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -30,6 +31,21 @@ std::uint64_t peakResidentMemoryInBytes() {
 
 void resetPeakResidentMemory() {
   std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+std::uint64_t childrenResidentMemoryInBytes() {
+  std::uint64_t bytes = 0;
+  std::error_code error;
+  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task", error)) {
+    std::ifstream children(thread.path() / "children");
+    for (std::string child; children >> child;) {
+      std::uint64_t pages = 0;
+      std::uint64_t residentPages = 0;
+      std::ifstream("/proc/" + child + "/statm") >> pages >> residentPages;
+      bytes += residentPages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+    }
+  }
+  return bytes;
 }
 
 std::optional<std::uint64_t> peakMemoryInBytes(const std::function<bool()>& job) {

@@ -17,4 +17,7 @@ std::optional<std::uint64_t> peakMemoryInBytes(const std::function<bool()>& job)
 std::uint64_t peakResidentMemoryInBytes();
 void resetPeakResidentMemory();
 
+// What the children of this process have resident now, together.
+std::uint64_t childrenResidentMemoryInBytes();
+
 }  // namespace snaplift::bench

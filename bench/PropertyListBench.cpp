@@ -7,9 +7,9 @@
 
 #include "bench/Ratio.h"
 #include "foundation/Digest.h"
-#include "foundation/File.h"
-#include "foundation/PropertyList.h"
-#include "foundation/TemporaryFolder.h"
+#include "foundation/files/File.h"
+#include "foundation/files/TemporaryFolder.h"
+#include "foundation/propertylist/PropertyList.h"
 #include "samples/PropertyListWriter.h"
 
 namespace snaplift {

@@ -4,8 +4,8 @@
 
 #include "bench/Ratio.h"
 #include "bench/ViewMain.h"
-#include "samples/sidebar/TestEntries.h"
-#include "ui/sourcelist/ORBSourceList.h"
+#include "support/TestEntries.h"
+#include "views/sourcelist/ORBSourceList.h"
 
 // What a sidebar of 1,000 devices with ten backups each costs, against one of 10 devices.
 namespace snaplift::bench {

@@ -15,7 +15,7 @@
 #include "app/SLAppDelegate.h"
 #include "bench/Ratio.h"
 #include "foundation/Log.h"
-#include "foundation/TemporaryFolder.h"
+#include "foundation/files/TemporaryFolder.h"
 #include "samples/BackupWriter.h"
 
 // What a user waits for after a double-click: a whole process, from its start until the sidebar of

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "FuzzFolder.h"
+#include "backups/BackupController.h"
 #include "foundation/Log.h"
-#include "library/BackupController.h"
 
 namespace snaplift {
 namespace {

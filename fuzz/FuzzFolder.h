@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 #include "samples/BackupWriter.h"
 
 namespace snaplift::fuzzing {

@@ -8,8 +8,8 @@
 
 #include "Require.h"
 #include "foundation/Bytes.h"
-#include "foundation/PropertyList.h"
-#include "foundation/PropertyListBinary.h"
+#include "foundation/propertylist/PropertyList.h"
+#include "foundation/propertylist/PropertyListBinary.h"
 
 namespace snaplift {
 namespace {

@@ -6,8 +6,8 @@
 #include <functional>
 
 #include "Gallery.h"
-#include "samples/sidebar/TestEntries.h"
-#include "ui/sourcelist/ORBSourceList.h"
+#include "support/TestEntries.h"
+#include "views/sourcelist/ORBSourceList.h"
 
 namespace snaplift::gallery {
 namespace {

@@ -3,16 +3,19 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
+#include <QTreeWidget>
 #include <atomic>
 #include <latch>
 
 #include "Gallery.h"
 #include "app/SLAppDelegate.h"
+#include "backups/BackupModel.h"
 #include "foundation/NotificationCenter.h"
-#include "foundation/TemporaryFolder.h"
-#include "library/BackupModel.h"
-#include "toolkit/MainThread.h"
+#include "foundation/files/TemporaryFolder.h"
+#include "widgets/desktop/MainThread.h"
+#include "widgets/desktop/NoticeBar.h"
 
 namespace snaplift::gallery {
 namespace {
@@ -82,8 +85,9 @@ public:
   void shootExport() {
     exportAll();
     shoot("exporting");
-    waitFor("the export ends",
-            [this] { return !label("centreText").text().startsWith("Exporting"); });
+    waitFor("the export ends", [this] { return notice().isVisible(); });
+    shoot("exported");
+    notice().hide();
   }
 
   // The backup below the group of that title, whose manifest is cut off and a photo gone.
@@ -99,8 +103,18 @@ public:
     waitForPhotos();
     shoot("damaged");
     exportAll();
-    shootAlert("not-exported");
-    dismissAlert();
+    waitFor("the export ends", [this] { return notice().isVisible(); });
+    shoot("not-exported");
+    for (QPushButton* button : notice().findChildren<QPushButton*>()) {
+      if (button->text() == "Details...") {
+        button->click();
+      }
+    }
+    if (auto* details = m_delegate.window()->findChild<QTreeWidget*>()) {
+      shoot(*details->window(), "not-exported-details");
+      details->window()->close();
+    }
+    notice().hide();
   }
 
   // The first backup that has this to say in the message pane.
@@ -159,6 +173,7 @@ private:
     save(widget, m_folder, "window-" + state + "-" + m_palette);
   }
   ORBImageBrowserView& browser() { return *m_delegate.window()->findChild<ORBImageBrowserView*>(); }
+  NoticeBar& notice() { return *m_delegate.window()->findChild<NoticeBar*>(); }
   QLabel& label(const char* name) { return *m_delegate.window()->findChild<QLabel*>(name); }
 
   QString m_folder;

@@ -5,7 +5,8 @@
 #include <stdexcept>
 
 #include "foundation/Digest.h"
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
+#include "samples/DatabaseWriter.h"
 
 namespace snaplift::samples {
 namespace {
@@ -116,6 +117,34 @@ public:
     }
   }
 
+  void writeStatus() const {
+    writeFile(pathOf("Status.plist"),
+              encoded(PlistValue::Dictionary{
+                  {"SnapshotState", m_backup.unfinished ? "uploading" : "finished"},
+                  {"IsFullBackup", true}}));
+  }
+
+  // Folders are named by the first two digits of what they hold.
+  void writeTable() const {
+    std::vector<DatabaseEntry> rows;
+    for (const SampleFile& file : m_backup.files) {
+      const std::uint64_t size = isRegular(file) ? file.content.size() : 0;
+      const std::int64_t birth = file.birthDate.value_or(file.modificationDate);
+      rows.push_back(
+          {.domain = file.domain,
+           .path = file.path,
+           .flags = isRegular(file)           ? 1
+                    : file.mode == folderMode ? 2
+                                              : 4,
+           .record = archivedRecord(file.path, size, birth, file.modificationDate, file.mode)});
+      if (hasContentFile(file)) {
+        const std::string name = contentName(file.domain, file.path);
+        writeFile(pathOf(name.substr(0, 2) + "/" + name), file.content);
+      }
+    }
+    writeManifestDatabase(pathOf("Manifest.db"), rows, m_backup.filesInLog);
+  }
+
 private:
   std::string pathOf(std::string_view name) const { return joinPath(m_folder, name); }
   std::string encoded(const PlistValue& value) const {
@@ -142,6 +171,7 @@ std::string_view photoDomain(Generation generation) {
     case Generation::Four:
       return "MediaDomain";
     case Generation::Five:
+    case Generation::Ten:
       return "CameraRollDomain";
   }
   throw std::logic_error("no such generation");
@@ -156,7 +186,8 @@ std::vector<ManifestEntry> manifestEntries(const std::vector<SampleFile>& files)
     entry.path = file.path;
     entry.linkTarget = file.linkTarget;
     entry.mode = file.mode;
-    entry.creationDate = entry.modificationDate = entry.addedDate = file.modificationDate;
+    entry.creationDate = entry.modificationDate = file.modificationDate;
+    entry.addedDate = file.birthDate.value_or(file.modificationDate);
     entry.filelength = isRegular(file) ? file.content.size() : 0;
     entry.flag = isRegular(file) ? 4 : 0;
     entry.properties = file.properties;
@@ -180,6 +211,11 @@ void writeBackup(const std::string& folder, const SampleBackup& backup) {
     case Generation::Five:
       writer.writeManifest({});
       writer.writeDatabase();
+      break;
+    case Generation::Ten:
+      writer.writeManifest({});
+      writer.writeStatus();
+      writer.writeTable();
       break;
   }
   writer.writeInfo();

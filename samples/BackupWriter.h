@@ -15,7 +15,7 @@ namespace snaplift::samples {
 
 // A layout of a backup folder. Generation 2 has two: one property list a file that holds path and
 // content ("mdbackup"), or a property list and a content file ("mdinfo" and "mddata").
-enum class Generation { TwoSingleForm, TwoPairForm, Three, Four, Five };
+enum class Generation { TwoSingleForm, TwoPairForm, Three, Four, Five, Ten };
 
 // The domain in which a backup of that generation keeps its photos. Their paths begin with
 // "Media/DCIM/" in all of them.
@@ -25,7 +25,8 @@ std::string_view photoDomain(Generation generation);
 // file; generations 2 and 3 do not list folders and links at all.
 struct SampleFile {
   std::string domain = {}, path = {}, content = {};
-  std::uint32_t modificationDate = 0;  // seconds since 1970
+  std::uint32_t modificationDate = 0;           // seconds since 1970
+  std::optional<std::uint32_t> birthDate = {};  // generation 4 and later; else the same
   std::uint16_t mode = regularFileMode;
   std::optional<std::string> linkTarget = {};
   std::vector<std::pair<std::string, std::string>> properties = {};  // generations 4 and 5 only
@@ -41,6 +42,8 @@ struct SampleBackup {
   std::vector<SampleFile> files = {};
   bool lowerCaseNames = false;  // "info.plist" where backups have "Info.plist"
   PropertyListEncoding encoding = PropertyListEncoding::Xml;  // of every property list
+  std::size_t filesInLog = 0;  // generation 10: so many at the end stand in a write-ahead log only
+  bool unfinished = false;     // generation 10: the device was interrupted, says "Status.plist"
 };
 
 // Writes the backup into `folder`, which is made where it does not exist. In generation 2 each

@@ -187,6 +187,12 @@ private:
     m_out += value.bytes;
   }
 
+  void appendValue(PlistValue::Uid value, const Object&) {
+    const unsigned width = widthFor(value.number);
+    m_out.push_back(static_cast<char>(0x80 | (width - 1)));
+    appendInteger(m_out, value.number, width);
+  }
+
   void appendValue(const PlistValue::Array& value, const Object& object) {
     appendMarker(m_out, 0xA0, value.size());
     appendReferences(object);

@@ -29,6 +29,10 @@ public:
   struct Data {
     std::string bytes;
   };
+  // A reference of a keyed archive: the number of another object. For the binary encoding only.
+  struct Uid {
+    std::uint64_t number;
+  };
 
   PlistValue(bool value) : m_value(value) {}
   PlistValue(std::signed_integral auto value) : m_value(static_cast<std::int64_t>(value)) {}
@@ -39,6 +43,7 @@ public:
   PlistValue(std::string value) : m_value(std::move(value)) {}
   PlistValue(Instant value) : m_value(value) {}
   PlistValue(Data value) : m_value(std::move(value)) {}
+  PlistValue(Uid value) : m_value(value) {}
   PlistValue(Array value) : m_value(std::move(value)) {}
   PlistValue(Dictionary value) : m_value(std::move(value)) {}
 
@@ -48,7 +53,7 @@ public:
   static PlistValue data(std::string bytes);
 
   using Variant = std::variant<bool, std::int64_t, std::uint64_t, double, std::string, Instant,
-                               Data, Array, Dictionary>;
+                               Data, Uid, Array, Dictionary>;
   const Variant& value() const { return m_value; }
 
 private:

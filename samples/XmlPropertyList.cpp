@@ -85,6 +85,9 @@ private:
     return text;
   }
 
+  // XML has no references; archives say them like this.
+  void write(PlistValue::Uid value) { write(PlistValue::Dictionary{{"CF$UID", value.number}}); }
+
   void write(const PlistValue::Array& value) {
     if (value.empty()) {
       return line("<array/>");

@@ -11,7 +11,6 @@ struct Image {
   int width = 0, height = 0;
   std::vector<std::uint8_t> bytes;
 
-  Image() = default;
   Image(int w, int h)
       : width(w), height(h), bytes(3 * static_cast<std::size_t>(w) * static_cast<std::size_t>(h)) {}
 
@@ -24,13 +23,5 @@ private:
            static_cast<std::size_t>(x);
   }
 };
-
-// The pixels that a camera stores for an upright picture when it records `orientation` (1 to 8, as
-// EXIF numbers them): a viewer that honours the number shows the picture upright again. From 5 on,
-// width and height change places.
-Image storedWithOrientation(const Image& upright, int orientation);
-
-// The picture in another, smaller size; each new pixel is the mean of those that it covers.
-Image scaledDown(const Image& image, int width, int height);
 
 }  // namespace snaplift::samples

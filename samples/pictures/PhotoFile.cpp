@@ -1,14 +1,12 @@
 #include "pictures/PhotoFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <stdexcept>
-#include <string_view>
 
 #include <jpeglib.h>
-#include <libexif/exif-data.h>
 #include <png.h>
 
 namespace snaplift::samples {
@@ -16,11 +14,54 @@ namespace {
 
 constexpr int photoQuality = 88;
 constexpr int previewQuality = 75;
-constexpr int previewWidth = 160;
-constexpr int previewHeight = 120;
+constexpr int previewSide = 160;
 
-// An APP1 segment states its length in 16 bits, and counts those two bytes.
-constexpr std::size_t maximumSegmentLength = 65533;
+// The pixels that a camera stores which holds `orientation`: a viewer that honours the number shows
+// the picture upright again. From 5 on, width and height change places.
+Image storedAs(const Image& upright, int orientation) {
+  const bool transposed = orientation >= 5;
+  // Where the stored rows and columns run against the upright picture's.
+  constexpr std::array<bool, 9> fromRight = {false, false, true, true, false, false, true, true};
+  constexpr std::array<bool, 9> fromBottom = {false, false, false, true, true,
+                                              false, false, true,  true};
+  const auto number = static_cast<std::size_t>(orientation);
+  Image stored(transposed ? upright.height : upright.width,
+               transposed ? upright.width : upright.height);
+  for (int row = 0; row < stored.height; ++row) {
+    for (int column = 0; column < stored.width; ++column) {
+      int x = transposed ? row : column;
+      int y = transposed ? column : row;
+      x = fromRight[number] ? upright.width - 1 - x : x;
+      y = fromBottom[number] ? upright.height - 1 - y : y;
+      std::copy_n(upright.pixel(x, y), 3, stored.pixel(column, row));
+    }
+  }
+  return stored;
+}
+
+// The picture in a smaller size; each new pixel is the mean of those that it covers.
+Image scaledDown(const Image& image, int width, int height) {
+  Image small(width, height);
+  for (int y = 0; y < height; ++y) {
+    const int top = y * image.height / height;
+    const int bottom = std::max(top + 1, (y + 1) * image.height / height);
+    for (int x = 0; x < width; ++x) {
+      const int left = x * image.width / width;
+      const int right = std::max(left + 1, (x + 1) * image.width / width);
+      for (int channel = 0; channel < 3; ++channel) {
+        int sum = 0;
+        for (int row = top; row < bottom; ++row) {
+          for (int column = left; column < right; ++column) {
+            sum += image.pixel(column, row)[channel];
+          }
+        }
+        small.pixel(x, y)[channel] =
+            static_cast<std::uint8_t>(sum / ((bottom - top) * (right - left)));
+      }
+    }
+  }
+  return small;
+}
 
 [[noreturn]] void failed(j_common_ptr) {
   throw std::runtime_error("cannot encode a JPEG");
@@ -33,7 +74,7 @@ struct JpegOutput {
   unsigned long size = 0;
 };
 
-std::string jpegOf(const Image& image, int quality, std::string_view exif) {
+std::string jpegOf(const Image& image, int quality) {
   jpeg_compress_struct encoder{};
   jpeg_error_mgr errors{};
   encoder.err = jpeg_std_error(&errors);
@@ -49,12 +90,8 @@ std::string jpegOf(const Image& image, int quality, std::string_view exif) {
   encoder.in_color_space = JCS_RGB;
   jpeg_set_defaults(&encoder);
   jpeg_set_quality(&encoder, quality, TRUE);
-  encoder.write_JFIF_header = exif.empty() ? TRUE : FALSE;  // EXIF wants to be the first segment
+  encoder.write_JFIF_header = FALSE;  // EXIF wants to be the first segment
   jpeg_start_compress(&encoder, TRUE);
-  if (!exif.empty()) {
-    jpeg_write_marker(&encoder, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()),
-                      static_cast<unsigned>(exif.size()));
-  }
   for (int y = 0; y < image.height; ++y) {
     auto* row = const_cast<JSAMPLE*>(image.pixel(0, y));  // the encoder only reads it
     jpeg_write_scanlines(&encoder, &row, 1);
@@ -63,83 +100,70 @@ std::string jpegOf(const Image& image, int quality, std::string_view exif) {
   return {reinterpret_cast<const char*>(output.bytes), output.size};
 }
 
-// "2011:10:12 08:30:00".
+std::string previewOf(const Image& stored) {
+  const int longSide = std::max(stored.width, stored.height);
+  return jpegOf(scaledDown(stored, stored.width * previewSide / longSide,
+                           stored.height * previewSide / longSide),
+                previewQuality);
+}
+
+std::string bigEndian(std::size_t value, int width) {
+  std::string bytes;
+  while (width > 0) {
+    bytes += static_cast<char>(value >> 8 * --width);
+  }
+  return bytes;
+}
+
+enum class TiffType { Text = 2, Short = 3, Long = 4 };
+
+// One entry of a TIFF directory; a short stands left in the four bytes of the value.
+std::string tiffEntry(unsigned tag, TiffType type, std::size_t value, std::size_t count = 1) {
+  return bigEndian(tag, 2) + bigEndian(static_cast<std::size_t>(type), 2) + bigEndian(count, 4) +
+         bigEndian(type == TiffType::Short ? value << 16 : value, 4);
+}
+
+// "2011:10:12 08:30:00" and its terminator.
 std::string exifTime(Instant instant) {
   std::string text = rfc3339Text(instant).substr(0, 19);
   std::replace(text.begin(), text.begin() + 10, '-', ':');
   text[10] = ' ';
-  return text;
-}
-
-class ExifWriter {
-public:
-  ExifWriter() : m_data(exif_data_new(), exif_data_unref) {
-    exif_data_set_byte_order(m_data.get(), m_order);
-  }
-
-  void addShort(ExifIfd directory, ExifTag tag, int value) {
-    const ExifEntry* entry = add(directory, tag, EXIF_FORMAT_SHORT, 1, 2);
-    exif_set_short(entry->data, m_order, static_cast<ExifShort>(value));
-  }
-
-  void addText(ExifIfd directory, ExifTag tag, const std::string& text) {
-    const std::size_t size = text.size() + 1;
-    const ExifEntry* entry = add(directory, tag, EXIF_FORMAT_ASCII, size, size);
-    std::memcpy(entry->data, text.c_str(), size);
-  }
-
-  // The whole block, with `preview` as its thumbnail.
-  std::string bytes(const std::string& preview) {
-    m_data->data = static_cast<unsigned char*>(std::malloc(preview.size()));  // freed by libexif
-    std::memcpy(m_data->data, preview.data(), preview.size());
-    m_data->size = static_cast<unsigned>(preview.size());
-    unsigned char* bytes = nullptr;
-    unsigned size = 0;
-    exif_data_save_data(m_data.get(), &bytes, &size);
-    const std::unique_ptr<unsigned char, decltype(&std::free)> guard(bytes, std::free);
-    return {reinterpret_cast<const char*>(bytes), size};
-  }
-
-private:
-  const ExifEntry* add(ExifIfd directory, ExifTag tag, ExifFormat format, std::size_t components,
-                       std::size_t size) {
-    ExifEntry* entry = exif_entry_new();
-    entry->tag = tag;
-    entry->format = format;
-    entry->components = components;
-    entry->size = static_cast<unsigned>(size);
-    entry->data = static_cast<unsigned char*>(std::calloc(size, 1));  // freed by libexif
-    exif_content_add_entry(m_data->ifd[directory], entry);
-    exif_entry_unref(entry);  // the directory holds it
-    return entry;
-  }
-
-  std::unique_ptr<ExifData, void (*)(ExifData*)> m_data;
-  const ExifByteOrder m_order = EXIF_BYTE_ORDER_MOTOROLA;
-};
-
-std::string previewOf(const Image& stored) {
-  const int longSide = std::max(stored.width, stored.height);
-  const int side = stored.width >= stored.height ? previewWidth : previewHeight;
-  const int longest = stored.width >= stored.height ? side : side * stored.height / stored.width;
-  return jpegOf(
-      scaledDown(stored, stored.width * longest / longSide, stored.height * longest / longSide),
-      previewQuality, {});
+  return text + '\0';
 }
 
 }  // namespace
 
 std::string jpegPhoto(const Image& upright, const CameraData& camera) {
-  const Image stored = storedWithOrientation(upright, camera.orientation);
-  ExifWriter exif;
-  exif.addShort(EXIF_IFD_0, EXIF_TAG_ORIENTATION, camera.orientation);
-  exif.addText(EXIF_IFD_0, EXIF_TAG_DATE_TIME, exifTime(camera.taken));
-  exif.addText(EXIF_IFD_EXIF, EXIF_TAG_DATE_TIME_ORIGINAL, exifTime(camera.taken));
-  const std::string block = exif.bytes(previewOf(stored));
-  if (block.size() > maximumSegmentLength) {
+  const Image stored = storedAs(upright, camera.orientation);
+  return withExif(jpegOf(stored, photoQuality), camera, previewOf(stored));
+}
+
+std::string withExif(std::string_view jpeg, const CameraData& camera, std::string_view preview) {
+  const std::string time = exifTime(camera.taken);
+  // A directory is the number of its entries, 12 bytes for each, and where the next one stands.
+  constexpr std::size_t firstDirectory = 8;
+  constexpr std::size_t timeAt = firstDirectory + 2 + std::size_t{2} * 12 + 4;
+  const std::size_t secondDirectory = timeAt + time.size();
+  const std::size_t previewAt = secondDirectory + 2 + std::size_t{3} * 12 + 4;
+  std::string tiff = "MM" + bigEndian(42, 2) + bigEndian(firstDirectory, 4);
+  tiff += bigEndian(2, 2) +
+          tiffEntry(0x0112, TiffType::Short, static_cast<std::size_t>(camera.orientation)) +
+          tiffEntry(0x0132, TiffType::Text, timeAt, time.size()) +
+          bigEndian(preview.empty() ? 0 : secondDirectory, 4) + time;
+  if (!preview.empty()) {
+    tiff += bigEndian(3, 2) + tiffEntry(0x0103, TiffType::Short, 6) +
+            tiffEntry(0x0201, TiffType::Long, previewAt) +
+            tiffEntry(0x0202, TiffType::Long, preview.size()) + bigEndian(0, 4);
+    tiff += preview;
+  }
+  constexpr std::string_view name("Exif\0\0", 6);
+  const std::size_t length = 2 + name.size() + tiff.size();
+  if (length > 0xFFFF) {
     throw std::runtime_error("a preview is too large for its segment");
   }
-  return jpegOf(stored, photoQuality, block);
+  std::string file(jpeg.substr(0, 2));
+  file.append("\xFF\xE1").append(bigEndian(length, 2)).append(name).append(tiff);
+  return file.append(jpeg.substr(2));
 }
 
 std::string pngPicture(const Image& image) {
@@ -148,15 +172,13 @@ std::string pngPicture(const Image& image) {
   encoder.width = static_cast<png_uint_32>(image.width);
   encoder.height = static_cast<png_uint_32>(image.height);
   encoder.format = PNG_FORMAT_RGB;
-  png_alloc_size_t size = 0;
-  std::string bytes;
-  if (png_image_write_to_memory(&encoder, nullptr, &size, 0, image.bytes.data(), 0, nullptr)) {
-    bytes.resize(size);
-    png_image_write_to_memory(&encoder, bytes.data(), &size, 0, image.bytes.data(), 0, nullptr);
-  }
-  if (PNG_IMAGE_FAILED(encoder)) {
+  png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(encoder);
+  std::string bytes(size, '\0');
+  if (png_image_write_to_memory(&encoder, bytes.data(), &size, 0, image.bytes.data(), 0, nullptr) ==
+      0) {
     throw std::runtime_error("cannot encode a PNG");
   }
+  bytes.resize(size);
   return bytes;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "foundation/Time.h"
 #include "pictures/Image.h"
@@ -14,8 +15,12 @@ struct CameraData {
 };
 
 // The JPEG file of a camera: the pixels turned as the orientation says, the date, and an embedded
-// preview of at most 160 by 120. Throws std::runtime_error where an encoder fails.
+// preview whose longer side is 160. Throws std::runtime_error where an encoder fails.
 std::string jpegPhoto(const Image& upright, const CameraData& camera);
+
+// `jpeg` with an EXIF segment in front; without a preview where that is empty. Neither is looked
+// into. Throws std::runtime_error for more than a segment holds.
+std::string withExif(std::string_view jpeg, const CameraData& camera, std::string_view preview);
 
 // The PNG file of a screen picture, upright, without further data. Throws std::runtime_error.
 std::string pngPicture(const Image& image);

@@ -6,18 +6,17 @@
 #include <thread>
 #include <utility>
 
+#include "pictures/Landscape.h"
 #include "pictures/PhotoFile.h"
-#include "pictures/Scene.h"
 
 namespace snaplift::samples {
 namespace {
 
 std::string painted(const Shot& shot) {
-  if (shot.subject == Subject::Charts) {
-    return pngPicture(paintCharts(shot.seed, shot.width, shot.height));
-  }
-  return jpegPhoto(paintLandscape(shot.seed, shot.width, shot.height),
-                   {.orientation = shot.orientation, .taken = shot.taken});
+  const Image picture = paintLandscape(shot.seed, shot.width, shot.height);
+  return shot.source == Source::Screen
+             ? pngPicture(picture)
+             : jpegPhoto(picture, {.orientation = shot.orientation, .taken = shot.taken});
 }
 
 }  // namespace

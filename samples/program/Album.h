@@ -9,11 +9,11 @@
 
 namespace snaplift::samples {
 
-enum class Subject { Landscape, Charts };
+enum class Source { Camera, Screen };
 
-// What one photo shows, and how its camera took it.
+// Which landscape one photo shows, and how it was taken.
 struct Shot {
-  Subject subject = Subject::Landscape;
+  Source source = Source::Camera;
   std::uint32_t seed = 0;  // of the picture
   int width = 0, height = 0;
   int orientation = 1;
@@ -28,7 +28,7 @@ class Album {
 public:
   explicit Album(const std::vector<Shot>& shots);
 
-  // The file of one of those shots: a JPEG, or a PNG for charts.
+  // The file of one of those shots: a JPEG, or a PNG from a screen.
   const std::string& fileOf(const Shot& shot) const { return m_files.at(shot); }
 
 private:

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 #include "program/Album.h"
 #include "samples/BackupWriter.h"
 
@@ -35,7 +35,7 @@ struct PlannedBackup {
   const char *deviceName, *version;
   std::int64_t day;  // since 1970
   Roll roll;
-  int charts = 0;  // screen pictures besides
+  int screens = 0;  // pictures of the screen besides
   bool encrypted = false;
 };
 
@@ -107,12 +107,12 @@ std::vector<Shot> shotsOf(const PlannedBackup& backup, bool small) {
     const bool portrait = orientation >= 5;
     const int width = backup.roll.camera.width / divisor;
     const int height = backup.roll.camera.height / divisor;
-    shots.push_back({Subject::Landscape, seed, portrait ? height : width, portrait ? width : height,
+    shots.push_back({Source::Camera, seed, portrait ? height : width, portrait ? width : height,
                      orientation, noonOf(backup.roll.firstDay + 23L * i)});
   }
-  for (int i = 0; i < backup.charts; ++i) {
+  for (int i = 0; i < backup.screens; ++i) {
     const std::uint32_t seed = backup.roll.firstSeed + 100 + static_cast<std::uint32_t>(i);
-    shots.push_back({Subject::Charts, seed, 640 / divisor, 960 / divisor, 1,
+    shots.push_back({Source::Screen, seed, 640 / divisor, 960 / divisor, 1,
                      noonOf(backup.roll.firstDay + 11L * i)});
   }
   return shots;
@@ -130,7 +130,7 @@ void addPhotos(SampleBackup& backup, const std::vector<Shot>& shots, const Album
   int number = 0;
   for (const Shot& shot : shots) {
     const std::string digits = std::to_string(10000 + ++number).substr(1);
-    const char* extension = shot.subject == Subject::Charts ? ".PNG" : ".JPG";
+    const char* extension = shot.source == Source::Screen ? ".PNG" : ".JPG";
     backup.files.push_back({.domain = domain,
                             .path = joinPath(folder, "IMG_" + digits + extension),
                             .content = album.fileOf(shot),
@@ -194,7 +194,7 @@ void writeSampleRoot(const std::string& root, bool small) {
                         .productVersion = planned.version,
                         .encrypted = planned.encrypted,
                         .date = noonOf(planned.day)};
-    if (planned.roll.photos + planned.charts > 0) {
+    if (planned.roll.photos + planned.screens > 0) {
       addPhotos(backup, shotsOf(planned, small), album);
     }
     addOtherFiles(backup);
