@@ -15,7 +15,8 @@ find_package(PkgConfig REQUIRED)
 
 add_library(snaplift_options INTERFACE)
 target_compile_options(snaplift_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  $<$<BOOL:${SNAPLIFT_WERROR}>:-Werror>
   # GCC 12 sees overlapping copies inside std::string where there are none, when it optimises.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 target_link_libraries(snaplift_options INTERFACE Threads::Threads)
@@ -25,6 +26,7 @@ if(SNAPLIFT_SANITIZE)
   target_compile_options(snaplift_options INTERFACE
     -fsanitize=${SNAPLIFT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(snaplift_options INTERFACE -fsanitize=${SNAPLIFT_SANITIZE})
+  target_compile_definitions(snaplift_options INTERFACE SNAPLIFT_SANITIZED)
 endif()
 
 # snaplift_headers(TARGET FOLDER): lets TARGET, and whoever links it, include <folder>/<Class>.h.

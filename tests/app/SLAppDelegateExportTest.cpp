@@ -1,17 +1,22 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFile>
+#include <QFileDialog>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
+#include <QTreeWidget>
 #include <QUrl>
 #include <filesystem>
 
 #include <gmock/gmock.h>
 
 #include "SLAppDelegateFixture.h"
+#include "app/ExportProgressBar.h"
 #include "app/PhotoPasteboard.h"
-#include "foundation/Path.h"
-#include "toolkit/ActivityIndicator.h"
+#include "faults/Volume.h"
+#include "widgets/desktop/ActivityIndicator.h"
+#include "widgets/desktop/NoticeBar.h"
 
 namespace snaplift {
 namespace {
@@ -20,13 +25,10 @@ namespace fs = std::filesystem;
 using testing::IsEmpty;
 
 TEST_F(SLAppDelegateTest, exportsIntoAFolderAndCountsDown) {
-  addBackup("a", 40, 100);
-  const std::string out = m_tree.makeFolder("out");
-  launch();
-  ASSERT_TRUE(waitForText("40 Photos"));
+  launchWith(40);
   action("actionSelectAll").trigger();
   EXPECT_TRUE(action("actionCopy").isEnabled());
-  const auto names = dropAllPhotosInto(out);
+  const auto names = dropAllPhotosInto("out");
   ASSERT_TRUE(names);
   EXPECT_EQ(names->size(), 40U);
   EXPECT_EQ(names->front(), "IMG_0001.PNG");
@@ -40,52 +42,126 @@ TEST_F(SLAppDelegateTest, exportsIntoAFolderAndCountsDown) {
   EXPECT_EQ(m_tree.read("out/IMG_0040.PNG"), m_picture);
 }
 
-TEST_F(SLAppDelegateTest, saysWhichPhotosWereNotExported) {
-  const std::string folder = addBackup("a", 9, 100);
-  const std::string out = m_tree.makeFolder("out");
-  launch();
-  ASSERT_TRUE(waitForText("9 Photos"));
-  const auto lose = [&](int photo) {
-    const std::string path = "Media/DCIM/100APPLE/IMG_000" + std::to_string(photo) + ".PNG";
-    fs::remove(joinPath(folder, samples::contentName("CameraRollDomain", path)));
-  };
-  lose(2);
-  dropAllPhotosInto(out);
-  QMessageBox* box = alert();
-  ASSERT_TRUE(box);
-  EXPECT_EQ(box->text(), "1 of 9 Photos Could Not Be Exported");
-  EXPECT_EQ(box->informativeText(),
-            "The backup is unchanged.\n\nIMG_0002.PNG: the file cannot be read");
-  EXPECT_EQ(m_tree.list("out").size(), 8U);
-  box->buttons().front()->click();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !m_delegate->window()->findChild<QMessageBox*>(); }));
+TEST(TransferRate, followsTheLastSeconds) {
+  TransferRate rate;
+  const TransferRate::Time start;
+  using std::chrono::seconds;
+  rate.update(start, 1000);
+  EXPECT_FALSE(rate.perSecond());
+  rate.update(start + std::chrono::milliseconds(10), 2000);
+  EXPECT_FALSE(rate.perSecond());  // too early to say
+  rate.update(start + seconds(10), 11'000);
+  EXPECT_DOUBLE_EQ(rate.perSecond().value_or(0), 1000);
+  rate.update(start + seconds(40), 11'000);
+  EXPECT_LT(rate.perSecond().value_or(1000), 10);
 
-  for (int photo = 3; photo <= 8; ++photo) {
-    lose(photo);
+  EXPECT_EQ(timeLeftText(59), "less than a minute left");
+  EXPECT_EQ(timeLeftText(61), "about 1 minute left");
+  EXPECT_EQ(timeLeftText(600), "about 10 minutes left");
+  EXPECT_EQ(timeLeftText(2 * 3600), "about 2 hours left");
+  EXPECT_EQ(timeLeftText(1e300), "more than 99 hours left");
+}
+
+class ExportNoticeTest : public SLAppDelegateTest {
+protected:
+  // An export ends when its disk has all of it: on a busy machine that takes long.
+  static constexpr int patienceInMilliseconds = 60000;
+
+  NoticeBar& notice() { return child<NoticeBar>("exportNotice"); }
+  QString noticeText() { return notice().isVisible() ? notice().accessibleName() : QString(); }
+  bool waitForNotice(const QString& expected) {
+    return QTest::qWaitFor([&] { return noticeText() == expected; }, patienceInMilliseconds);
   }
-  dropAllPhotosInto(out);
-  box = alert();
-  ASSERT_TRUE(box);
-  EXPECT_EQ(box->text(), "7 of 9 Photos Could Not Be Exported");
-  EXPECT_EQ(box->informativeText().count(": the file cannot be read\n"), 5);
-  EXPECT_TRUE(box->informativeText().endsWith("\nand 2 more"));
-  EXPECT_TRUE(waitForText("9 Photos"));
+  // The button of that name in a widget; null where there is none.
+  static QAbstractButton* button(const QWidget& widget, const QString& text) {
+    for (auto* button : widget.findChildren<QAbstractButton*>()) {
+      if (button->text() == text && button->isVisible()) {
+        return button;
+      }
+    }
+    return nullptr;
+  }
+};
+
+TEST_F(ExportNoticeTest, tellsWhatArrivedAndRetriesWhatDidNot) {
+  const std::string folder = launchWith(9);
+  fs::rename(contentOf(folder, 2), m_tree.path("2"));
+  fs::remove(contentOf(folder, 3));
+  fs::create_directory(contentOf(folder, 3));
+  dropAllPhotosInto("out");
+  ASSERT_TRUE(waitForNotice("7 photos exported to out, 2 failed"));
+  EXPECT_TRUE(button(notice(), "Show"));
+  EXPECT_EQ(m_tree.list("out").size(), 7U);
+
+  button(notice(), "Details...")->click();
+  auto* details = m_delegate->window()->findChild<QTreeWidget*>();
+  ASSERT_TRUE(details);
+  ASSERT_EQ(details->topLevelItemCount(), 2);
+  const QStringList reasons = {details->topLevelItem(0)->text(1),
+                               details->topLevelItem(1)->text(1)};
+  EXPECT_EQ(details->topLevelItem(0)->text(0), "IMG_0002.PNG");
+  EXPECT_NE(reasons[0], reasons[1]);
+  details->sortByColumn(0, Qt::DescendingOrder);
+  EXPECT_EQ(details->topLevelItem(0)->text(0), "IMG_0003.PNG");
+  details->window()->close();
+
+  fs::rename(m_tree.path("2"), contentOf(folder, 2));
+  button(notice(), "Retry Failed")->click();
+  ASSERT_TRUE(waitForNotice("1 photo exported to out, 1 failed"));
+  EXPECT_EQ(m_tree.read("out/IMG_0002.PNG"), m_picture);
+
+  m_delegate->window()->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(m_delegate->window()));
+  QTest::keyClick(&browser(), Qt::Key_Escape);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !notice().isVisible(); }));
+}
+
+TEST_F(ExportNoticeTest, beginsTheChoiceWhereTheLastExportWentAndLeavesOutWhatIsThere) {
+  const std::string home = m_tree.makeFolder("home");  // without pictures
+  qputenv("HOME", QByteArray::fromStdString(home));
+  launchWith(1);
+  const QString out = QString::fromStdString(m_tree.makeFolder("out"));
+  for (const auto& [start, result] :
+       {std::pair{QString::fromStdString(home), "1 photo exported to out"},
+        std::pair{out, "0 photos exported to out, 1 there already"}}) {
+    action("actionExportAll").trigger();
+    QPointer dialog = m_delegate->window()->findChild<QFileDialog*>();
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(dialog->directory().path(), start);
+    emit dialog->fileSelected(out);
+    dialog->close();
+    ASSERT_TRUE(waitForNotice(result));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !dialog; }));
+    action("actionSkipExisting").trigger();
+  }
+}
+
+TEST_F(ExportNoticeTest, stopsWhenAskedTo) {
+  launchWith(1000);
+  auto& progress = child<ExportProgressBar>("exportProgress");
+  EXPECT_FALSE(progress.isVisible());
+  dropAllPhotosInto("out");
+  ASSERT_TRUE(progress.isVisible());
+  EXPECT_TRUE(progress.findChild<QLabel*>()->text().contains(" of 1000"));
+  button(progress, "&Stop")->click();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return notice().isVisible(); }, patienceInMilliseconds));
+  const auto there = static_cast<int>(m_tree.list("out").size());
+  EXPECT_LT(there, 1000);
+  EXPECT_EQ(noticeText(),
+            QString("%1 photos exported to out, %2 not begun").arg(there).arg(1000 - there));
+  EXPECT_FALSE(progress.isVisible());
 }
 
 TEST_F(SLAppDelegateTest, exportsNothingIntoABackup) {
-  const std::string folder = addBackup("a", 2, 100);
-  launch();
-  ASSERT_TRUE(waitForText("2 Photos"));
+  launchWith(2);
   const auto before = m_tree.list("root");
-  EXPECT_THAT(*dropAllPhotosInto(folder), IsEmpty());
+  EXPECT_THAT(*dropAllPhotosInto("root/a"), IsEmpty());
   EXPECT_TRUE(alert());
   EXPECT_EQ(m_tree.list("root"), before);
 }
 
 TEST_F(SLAppDelegateTest, promisesPhotosOnThePasteboard) {
-  addBackup("a", 3, 100);
-  launch();
-  ASSERT_TRUE(waitForText("3 Photos"));
+  launchWith(3);
   action("actionSelectAll").trigger();
   action("actionCopy").trigger();
   const QMimeData* several = QApplication::clipboard()->mimeData();
@@ -125,24 +201,65 @@ TEST_F(SLAppDelegateTest, promisesPhotosOfOneNameFromTwoFolders) {
   }
 }
 
-TEST_F(SLAppDelegateTest, asksBeforeItStopsExporting) {
-  addBackup("a", 500, 100);
-  m_tree.makeFolder("out");
-  launch();
-  ASSERT_TRUE(waitForText("500 Photos"));
-  dropAllPhotosInto(m_tree.path("out"));
-  m_delegate->window()->close();
-  EXPECT_TRUE(m_delegate->window()->isVisible());
+TEST_F(ExportNoticeTest, asksBeforeItFillsTheDiskAndGoesOnWhenThereIsRoom) {
+  const std::string out = m_tree.makeFolder("out");
+  const auto volume = Volume::inMemory(out, 65536);
+  if (!volume) {
+    GTEST_SKIP() << "needs root to mount";
+  }
+  m_tree.write("out/filler", std::string(65536, 'x'));
+  launchWith(9);
+  dropAllPhotosInto("out");
   QMessageBox* box = alert();
   ASSERT_TRUE(box);
-  for (QAbstractButton* button : box->buttons()) {
-    if (button->text() == "Stop and Quit") {
-      button->click();
-    }
-  }
+  EXPECT_EQ(box->text(), "“out” Has Too Little Room");
+  EXPECT_TRUE(box->informativeText().endsWith(", and 0 bytes are free."));
+  EXPECT_EQ(centreText(), "9 Photos");
+  button(*box, "Export Anyway")->click();
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    box = m_delegate->window()->findChild<QMessageBox*>();
+    return box && box->text() == "Nothing More Can Be Written to “out”";
+  }));
+  fs::remove(m_tree.path("out/filler"));
+  button(*box, "Retry")->click();
+  ASSERT_TRUE(waitForNotice("9 photos exported to out"));
+}
+
+TEST_F(ExportNoticeTest, tellsThatACopyFailed) {
+  const std::string folder = launchWith(3);
+  fs::remove(contentOf(folder, 2));
+  action("actionSelectAll").trigger();
+  action("actionCopy").trigger();
+  const QMimeData* copied = QApplication::clipboard()->mimeData();
+  EXPECT_EQ(copied->data("text/uri-list").count("\r\n"), 2);
+  static_cast<void>(copied->data("text/uri-list"));
+  QMessageBox* box = alert();
+  ASSERT_TRUE(box);
+  EXPECT_EQ(box->text(), "1 of 3 Photos Could Not Be Copied");
+  EXPECT_THAT(box->informativeText().toStdString(), testing::HasSubstr("\nIMG_0002.PNG: "));
+  EXPECT_EQ(m_delegate->window()->findChildren<QMessageBox*>().size(), 1);
+  box->buttons().front()->click();
+  QApplication::clipboard()->clear();
+}
+
+TEST_F(ExportNoticeTest, asksBeforeItStopsExportingAndNoLonger) {
+  launchWith(500);
+  dropAllPhotosInto("out");
+  m_delegate->window()->close();
+  EXPECT_TRUE(m_delegate->window()->isVisible());
+  ASSERT_TRUE(alert());
+  ASSERT_TRUE(waitForNotice("500 photos exported to out"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !m_delegate->window()->findChild<QMessageBox*>(); }));
+  EXPECT_TRUE(m_delegate->window()->isVisible());
+
+  dropAllPhotosInto("more");
+  m_delegate->window()->close();
+  QMessageBox* box = alert();
+  ASSERT_TRUE(box);
+  button(*box, "Stop and Quit")->click();
   EXPECT_TRUE(QTest::qWaitFor([&] { return !m_delegate->window()->isVisible(); }));
-  for (const std::string& name : m_tree.list("out")) {
-    EXPECT_EQ(m_tree.read("out/" + name), m_picture) << name;
+  for (const std::string& name : m_tree.list("more")) {
+    EXPECT_EQ(m_tree.read("more/" + name), m_picture) << name;
   }
 }
 

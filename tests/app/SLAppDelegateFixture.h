@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <QTest>
 #include <memory>
@@ -16,9 +18,10 @@
 
 #include "app/SLAppDelegate.h"
 #include "foundation/Log.h"
+#include "foundation/files/Path.h"
 #include "samples/BackupWriter.h"
 #include "support/TemporaryTree.h"
-#include "toolkit/MainThread.h"
+#include "widgets/desktop/MainThread.h"
 
 namespace snaplift {
 
@@ -38,7 +41,7 @@ protected:
 
   // A backup with photos IMG_0001.PNG and so on; a later date is a newer backup.
   std::string addBackup(const std::string& name, int photos, std::int64_t date,
-                        bool encrypted = false) {
+                        bool encrypted = false, const std::string& root = "root/") {
     samples::SampleBackup backup{.generation = samples::Generation::Five,
                                  .deviceName = "Anna's Phone",
                                  .productVersion = "5.0",
@@ -50,14 +53,30 @@ protected:
                               .path = "Media/DCIM/100APPLE/IMG_" + number + ".PNG",
                               .content = m_picture});
     }
-    const std::string folder = m_tree.path("root/" + name);
+    const std::string folder = m_tree.path(root + name);
     samples::writeBackup(folder, backup);
     return folder;
   }
 
-  void launch() {
+  // The file of a photo of the backup that addBackup() made in `folder`.
+  static std::string contentOf(const std::string& folder, int photo) {
+    const std::string path = "Media/DCIM/100APPLE/IMG_000" + std::to_string(photo) + ".PNG";
+    return joinPath(folder, samples::contentName("CameraRollDomain", path));
+  }
+
+  void launch(const std::vector<std::string>& folders = {}, bool keepsState = false) {
+    m_delegate.reset();
+    mainThread::resume();
     m_delegate = std::make_unique<SLAppDelegate>();
-    m_delegate->applicationDidFinishLaunching(m_tree.path("root"));
+    m_delegate->applicationDidFinishLaunching(m_tree.path("root"), folders, keepsState);
+  }
+
+  // The window on one backup, whose photos are shown; returns the backup's folder.
+  std::string launchWith(int photos) {
+    const std::string folder = addBackup("a", photos, 100);
+    launch();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return browser().itemCount() == photos; }));
+    return folder;
   }
 
   template <class Child>
@@ -86,11 +105,24 @@ protected:
     return found;
   }
 
-  QMenu* contextMenu(int row, Qt::MouseButton button = Qt::RightButton) {
-    QMouseEvent press(QEvent::MouseButtonPress, QPointF(), QPointF(), button, button,
-                      Qt::NoModifier);
+  QMenu* contextMenu(int row, Qt::MouseButton button = Qt::RightButton,
+                     Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(), QPointF(), button, button, modifiers);
     return m_delegate->sourceListMenuForEventItem(sourceList(), press, sourceList().itemAtRow(row))
         .value_or(nullptr);
+  }
+
+  // Clicks a button of the alert that is up; the alert is gone then.
+  void answer(QMessageBox* box, const QString& button) {
+    for (QAbstractButton* each : box->buttons()) {
+      if (each->text() == button) {
+        const QPointer<QMessageBox> shown(box);
+        each->click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !shown; }));
+        return;
+      }
+    }
+    ADD_FAILURE() << "no button " << button.toStdString();
   }
 
   std::optional<std::vector<std::string>> dropAllPhotosInto(const std::string& folder) {
@@ -98,7 +130,8 @@ protected:
     for (int i = 0; i < browser().itemCount(); ++i) {
       items.push_back(browser().itemAtIndex(i));
     }
-    return m_delegate->imageBrowserExportItemsToDestination(browser(), items, folder);
+    return m_delegate->imageBrowserExportItemsToDestination(browser(), items,
+                                                            m_tree.makeFolder(folder));
   }
 
   const std::string m_picture = encodedPicture();

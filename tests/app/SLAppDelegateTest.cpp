@@ -1,101 +1,85 @@
 #include <QApplication>
-#include <QIcon>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QSlider>
+#include <filesystem>
+#include <functional>
 #include <latch>
 
 #include "SLAppDelegateFixture.h"
-#include "app/StatusText.h"
 
 namespace snaplift {
 namespace {
 
-TEST(StatusText, countsPhotosAndSelections) {
-  struct Case {
-    int photos, selected;
-    const char* text;
-  };
-  for (const Case& c : {Case{0, 0, "No Photos"}, Case{0, 3, "No Photos"}, Case{1, 0, "1 Photo"},
-                        Case{1, 1, "1 of 1 Photos Selected"}, Case{5, 0, "5 Photos"},
-                        Case{5, 2, "2 of 5 Photos Selected"}, Case{12345, 0, "12345 Photos"}}) {
-    EXPECT_EQ(photoCountText(c.photos, c.selected), c.text);
-  }
-  EXPECT_EQ(exportProgressText(1), "Exporting: 1 Photos Remaining");
-}
-
-TEST_F(SLAppDelegateTest, showsDevicesAndLoadsTheFirstBackup) {
-  addBackup("a", 3, 100);
-  addBackup("b", 1, 50);
-  launch();
-  EXPECT_EQ(sourceList().numberOfRows(), 3);
-  EXPECT_EQ(sourceList().objectValueForItem(sourceList().itemAtRow(0)), "ANNA'S PHONE");
-  EXPECT_EQ(sourceList().objectValueForItem(sourceList().itemAtRow(1)),
-            QString::fromStdString(longDateText(instantFromUnixTime(100))));
-  EXPECT_TRUE(waitForText("3 Photos"));
-  EXPECT_TRUE(showsBrowser());
-  EXPECT_EQ(browser().titleAtIndex(0), "IMG_0001.PNG");
-  EXPECT_EQ(browser().itemAtIndex(0)->imageOrigin(), "Media/DCIM/100APPLE");
-  select(2);
-  EXPECT_TRUE(waitForText("1 Photo"));
-  select(1);
-  EXPECT_TRUE(waitForText("3 Photos"));
-}
-
-TEST_F(SLAppDelegateTest, carriesItsPictures) {
-  addBackup("a", 1, 100);
-  launch();
-  const auto icon = m_delegate->sourceListIconForItem(sourceList(), backupAtRow(1));
-  EXPECT_EQ(icon.value_or(QPixmap()).deviceIndependentSize(), QSizeF(16, 16));
-  EXPECT_EQ(child<QLabel>("smallPictureMark").pixmap().deviceIndependentSize(), QSizeF(12, 12));
-  EXPECT_EQ(child<QLabel>("largePictureMark").pixmap().deviceIndependentSize(), QSizeF(18, 18));
-  const QIcon windowIcon = m_delegate->window()->windowIcon();
-  for (const QSize size : {QSize(16, 16), QSize(128, 128)}) {
-    EXPECT_EQ(windowIcon.pixmap(size).toImage().size(), size);
-  }
-}
-
 TEST_F(SLAppDelegateTest, followsTheSelectionOfPhotos) {
-  addBackup("a", 5, 100);
-  launch();
-  ASSERT_TRUE(waitForText("5 Photos"));
+  launchWith(5);
   EXPECT_FALSE(m_delegate->hasSelection());
   EXPECT_FALSE(action("actionExportSelected").isEnabled());
   EXPECT_TRUE(action("actionExportAll").isEnabled());
+  auto& button = child<QPushButton>("exportButton");
+  EXPECT_TRUE(button.isEnabled());
+  QSignalSpy exportsAll(&action("actionExportAll"), &QAction::triggered);
+  QSignalSpy exportsSelected(&action("actionExportSelected"), &QAction::triggered);
+  button.click();
+  EXPECT_EQ(exportsAll.count(), 1);
+  EXPECT_EQ(button.toolTip(), action("actionExportAll").toolTip());
   browser().stepTo(2);
+  button.click();
+  EXPECT_EQ(exportsSelected.count(), 1);
+  EXPECT_EQ(button.accessibleDescription(), action("actionExportSelected").toolTip());
   EXPECT_EQ(centreText(), "1 of 5 Photos Selected");
-  EXPECT_TRUE(action("actionExportSelected").isEnabled());
-  action("actionSelectAll").trigger();
-  EXPECT_EQ(centreText(), "5 of 5 Photos Selected");
   action("actionDeselect").trigger();
   EXPECT_EQ(centreText(), "5 Photos");
   EXPECT_FALSE(m_delegate->property("hasSelection").toBool());
 }
 
-TEST_F(SLAppDelegateTest, saysThatABackupHasNoPhotos) {
-  addBackup("a", 0, 100);
+TEST_F(SLAppDelegateTest, tellsMissingAndShortPhotosApart) {
+  const std::string folder = addBackup("a", 3, 100);
+  std::filesystem::remove(contentOf(folder, 1));
+  std::filesystem::resize_file(contentOf(folder, 2), m_picture.size() - 1);
   launch();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return text() == "No Photos Found in This Backup"; }));
-  EXPECT_FALSE(showsBrowser());
-  EXPECT_EQ(centreText(), "No Photos");
-  EXPECT_FALSE(action("actionExportAll").isEnabled());
-  EXPECT_TRUE(action("actionReveal").isEnabled());
+  ASSERT_TRUE(waitForText("3 Photos"));
+  const auto isKnown = [this](int index) { return browser().thumbnailAtIndex(index) != nullptr; };
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] { return isKnown(0) && isKnown(1) && isKnown(2) && !browser().isLoadingThumbnails(); }));
+  EXPECT_EQ(browser().thumbnailAtIndex(0)->state, Thumbnail::State::Missing);
+  EXPECT_STREQ(troubleOf(*browser().thumbnailAtIndex(1)).word, "Incomplete");
+  EXPECT_STREQ(troubleOf(*browser().thumbnailAtIndex(2)).word, "");
 }
 
-TEST_F(SLAppDelegateTest, saysThatABackupIsEncrypted) {
+TEST_F(SLAppDelegateTest, saysThatABackupIsEncryptedWheneverItsPhotosAreAskedFor) {
   addBackup("a", 2, 100, true);
+  addBackup("b", 3, 50);
   launch();
-  QMessageBox* box = alert();
-  ASSERT_TRUE(box);
-  EXPECT_EQ(box->text(), "This Backup is Encrypted");
-  EXPECT_EQ(box->informativeText(),
-            "Snaplift cannot recover photos from this backup because it is encrypted.  You must "
-            "use iTunes to restore them to an iOS device.");
+  const auto dismissAlert = [&] {
+    QMessageBox* box = alert();
+    ASSERT_TRUE(box);
+    EXPECT_EQ(box->text(), "This Backup is Encrypted");
+    EXPECT_EQ(box->informativeText(),
+              "Snaplift cannot recover photos from this backup because it is encrypted.  You must "
+              "use iTunes to restore them to an iOS device.");
+    EXPECT_EQ(centreText(), "2 Photos");  // of this backup, while the alert stands
+    answer(box, "Ok");
+    EXPECT_FALSE(m_delegate->window()->findChild<QFileDialog*>());
+  };
+  dismissAlert();
   EXPECT_EQ(text(), "Backup is Encrypted");
   EXPECT_FALSE(showsBrowser());
-  box->buttons().front()->click();
-  EXPECT_TRUE(waitForText("2 Photos"));
-  EXPECT_FALSE(action("actionExportAll").isEnabled());
+  select(2);
+  ASSERT_TRUE(waitForText("3 Photos"));
+  select(1);
+  dismissAlert();
+  action("actionExportAll").trigger();
+  dismissAlert();
+  QAction* item = contextMenu(1)->actions().front();
+  EXPECT_EQ(item->text(), "Export All...");
+  item->trigger();
+  dismissAlert();
+  EXPECT_FALSE(action("actionExportSelected").isEnabled());
 }
 
 TEST_F(SLAppDelegateTest, saysOnceThatABackupIsDamaged) {
@@ -107,6 +91,10 @@ TEST_F(SLAppDelegateTest, saysOnceThatABackupIsDamaged) {
   ASSERT_TRUE(box);
   EXPECT_EQ(box->text(), "This Backup is Damaged");
   EXPECT_EQ(text(), "No Photos Found in This Backup");
+  EXPECT_FALSE(showsBrowser());
+  EXPECT_FALSE(action("actionExportAll").isEnabled());
+  EXPECT_FALSE(child<QPushButton>("exportButton").isEnabled());
+  EXPECT_TRUE(action("actionReveal").isEnabled());
   box->buttons().front()->click();
   select(2);
   ASSERT_TRUE(waitForText("3 Photos"));
@@ -123,28 +111,123 @@ TEST_F(SLAppDelegateTest, withoutBackupsSaysSoAndQuits) {
   EXPECT_EQ(box->informativeText(),
             "Snaplift could not locate any valid iOS backups in your ~/Library/Application "
             "Support/MobileSync/Backups/ folder.");
-  QMetaObject::invokeMethod(box->buttons().front(), "click", Qt::QueuedConnection);
+  answer(box, "Choose Folder...");
+  EXPECT_TRUE(m_delegate->window()->findChild<QFileDialog*>());
+
+  launch();
+  box = alert();
+  ASSERT_TRUE(box);
+  QMetaObject::invokeMethod(box->defaultButton(), "click", Qt::QueuedConnection);
   QApplication::exec();  // returns because the application quits
 }
 
-TEST_F(SLAppDelegateTest, ignoresALoadThatFinishesTooLate) {
+// Holds the thread of a backup's load at its beginning, and tells of its end.
+class HeldLoad {
+public:
+  explicit HeldLoad(BackupModel* backup)
+      : m_hold(observe(startedLoadingNotification, backup, [this] { m_release.wait(); })),
+        m_watch(observe(finishedLoadingNotification, backup, [this] { m_finished = true; })) {}
+
+  void release() { m_release.count_down(); }
+  bool waitForFinish() {
+    return QTest::qWaitFor([this] { return m_finished.load(); });
+  }
+
+private:
+  static NotificationCenter::Token observe(std::string_view name, BackupModel* backup,
+                                           const std::function<void()>& act) {
+    return NotificationCenter::defaultCenter().addObserver(std::string(name), backup,
+                                                           [act](const Notification&) { act(); });
+  }
+
+  std::latch m_release{1};
+  std::atomic<bool> m_finished = false;
+  NotificationCenter::Token m_hold, m_watch;
+};
+
+TEST_F(SLAppDelegateTest, showsTheOldPhotosUntilALoadEndsAndIgnoresOneThatComesTooLate) {
   addBackup("a", 3, 100);
   addBackup("b", 7, 50);
   launch();
   ASSERT_TRUE(waitForText("3 Photos"));
-  std::latch release(1);
-  std::atomic<bool> finished = false;
-  NotificationCenter& center = NotificationCenter::defaultCenter();
-  const auto hold = center.addObserver(std::string(startedLoadingNotification), backupAtRow(2),
-                                       [&](const Notification&) { release.wait(); });
-  const auto watch = center.addObserver(std::string(finishedLoadingNotification), backupAtRow(2),
-                                        [&](const Notification&) { finished = true; });
+  HeldLoad late(backupAtRow(2));
   select(2);
-  select(1);
-  release.count_down();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return finished.load(); }));
-  EXPECT_TRUE(waitForText("3 Photos"));
+  browser().stepTo(1);
+  EXPECT_EQ(centreText(), "1 of 3 Photos Selected");
+  {
+    HeldLoad again(backupAtRow(1));
+    again.release();
+    select(1);
+    ASSERT_TRUE(again.waitForFinish());  // so that nothing but the late load can come now
+  }
+  late.release();
+  ASSERT_TRUE(late.waitForFinish());
   EXPECT_EQ(browser().itemCount(), 3);
+  EXPECT_EQ(centreText(), "3 Photos");
+}
+
+TEST_F(SLAppDelegateTest, everyCommandDoesWhatItSays) {
+  addBackup("a", 3, 100);
+  addBackup("b", 2, 50);
+  launch();
+  ASSERT_TRUE(waitForText("3 Photos"));
+  const auto dialog = [&] { return m_delegate->window()->findChild<QFileDialog*>(); };
+  const auto zoom = [&] { return browser().zoomValue(); };
+  const auto selected = [&] { return browser().selectionIndexes().count(); };
+  const float start = zoom();
+  const std::pair<const char*, std::function<bool()>> commands[] = {
+      {"actionSelectAll", [&] { return selected() == 3; }},
+      {"actionInvertSelection", [&] { return selected() == 0; }},
+      {"actionInvertSelection", [&] { return selected() == 3; }},
+      {"actionExportSelected", [&] { return dialog() && dialog()->windowTitle() == "Export"; }},
+      {"actionCopy", [] { return QApplication::clipboard()->mimeData()->hasUrls(); }},
+      {"actionDeselect", [&] { return selected() == 0; }},
+      {"actionExportAll", [&] { return dialog() && dialog()->windowTitle() == "Export"; }},
+      {"actionOpenFolder", [&] { return dialog() && dialog()->windowTitle() == "Open"; }},
+      {"actionZoomIn", [&] { return zoom() > start; }},
+      {"actionStartSize", [&] { return zoom() == start; }},
+      {"actionZoomOut", [&] { return zoom() < start; }},
+      {"actionPreview", [&] { return browser().isPreviewOpen(); }},
+      {"actionPreview", [&] { return !browser().isPreviewOpen(); }},
+      {"actionCloseFolder", [&] { return sourceList().numberOfRows() == 0; }},
+      {"actionQuit", [&] { return !m_delegate->window()->isVisible(); }}};
+  for (const auto& [name, isDone] : commands) {
+    EXPECT_TRUE(action(name).isEnabled()) << name;
+    action(name).trigger();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isDone(); })) << name;
+    delete dialog();
+  }
+}
+
+TEST_F(SLAppDelegateTest, tellsApartRowsOfOneNameAndDescribesThem) {
+  const std::string first = addBackup("one", 3, 1318420800);
+  addBackup("two", 1, 1318420900);
+  addBackup("three", 1, 1318420900);
+  addBackup("other", 1, 1318020900);
+  launch();
+  EXPECT_EQ(sourceList().objectValueForItem(sourceList().itemAtRow(0)), "ANNA'S PHONE");
+  QStringList titles;
+  for (int row = 1; row < sourceList().numberOfRows(); ++row) {
+    titles << sourceList().objectValueForItem(sourceList().itemAtRow(row)).toString();
+  }
+  const auto date = [](std::int64_t seconds) {
+    return QString::fromStdString(longDateText(instantFromUnixTime(seconds)));
+  };
+  const auto time = [](std::int64_t seconds) {
+    return ", " + QString::fromStdString(timeOfDayText(instantFromUnixTime(seconds)));
+  };
+  const QString late = date(1318420900) + time(1318420900);
+  EXPECT_EQ(titles, QStringList({late + " (three)", late + " (two)",
+                                 date(1318420800) + time(1318420800), date(1318020900)}));
+  const auto described = [&] {
+    return m_delegate->sourceListDescriptionOfItem(sourceList(), backupAtRow(3)).value_or("");
+  };
+  const QString known = date(1318420800) + time(1318420800) + "\nSystem version 5.0\n" +
+                        QString::fromStdString(first);
+  EXPECT_EQ(described(), known);
+  select(3);
+  EXPECT_TRUE(waitForText("3 Photos"));
+  EXPECT_EQ(described(), known + "\n3 Photos");
 }
 
 TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
@@ -154,6 +237,9 @@ TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
   ASSERT_TRUE(waitForText("2 Photos"));
   EXPECT_EQ(contextMenu(0), nullptr);
   EXPECT_EQ(contextMenu(1, Qt::LeftButton), nullptr);
+  EXPECT_EQ(contextMenu(1, Qt::LeftButton, Qt::ShiftModifier), nullptr);
+  EXPECT_NE(contextMenu(1, Qt::LeftButton, Qt::ControlModifier), nullptr);
+  EXPECT_EQ(contextMenu(1, Qt::MiddleButton, Qt::ControlModifier), nullptr);
   EXPECT_EQ(contextMenu(99), nullptr);
 
   const auto titles = [](const QMenu* menu) {
@@ -164,23 +250,21 @@ TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
     return all;
   };
   EXPECT_EQ(titles(contextMenu(1)), QStringList({"Export All...", "", "Reveal In Finder"}));
-  std::latch release(1);
-  const auto hold = NotificationCenter::defaultCenter().addObserver(
-      std::string(startedLoadingNotification), backupAtRow(2),
-      [&](const Notification&) { release.wait(); });
+  contextMenu(1)->actions().front()->trigger();
+  EXPECT_TRUE(m_delegate->window()->findChild<QFileDialog*>());
+  EXPECT_TRUE(contextMenu(1)->actions().back()->isEnabled());
+  HeldLoad held(backupAtRow(2));
   QMenu* pending = contextMenu(2);
   EXPECT_EQ(titles(pending), QStringList({"Loading...", "", "Reveal In Finder"}));
   EXPECT_FALSE(pending->actions().front()->isEnabled());
-  release.count_down();
+  held.release();
   EXPECT_TRUE(QTest::qWaitFor([&] { return pending->actions().front()->text() == "No Photos"; }));
   EXPECT_FALSE(pending->actions().front()->isEnabled());
   EXPECT_EQ(titles(contextMenu(2)), QStringList({"No Photos", "", "Reveal In Finder"}));
 }
 
 TEST_F(SLAppDelegateTest, zoomsBackAndForthWithADoubleClick) {
-  addBackup("a", 3, 100);
-  launch();
-  ASSERT_TRUE(waitForText("3 Photos"));
+  launchWith(3);
   auto& slider = child<QSlider>("zoomSlider");
   EXPECT_FLOAT_EQ(browser().zoomValue(), 0.3F);
   m_delegate->imageBrowserCellWasDoubleClickedAtIndex(browser(), 0);
@@ -189,6 +273,9 @@ TEST_F(SLAppDelegateTest, zoomsBackAndForthWithADoubleClick) {
   EXPECT_EQ(browser().zoomValue(), 1.0F);
   m_delegate->imageBrowserCellWasDoubleClickedAtIndex(browser(), 0);
   EXPECT_TRUE(QTest::qWaitFor([&] { return m_delegate->zoomLevel() == 0.3F; }));
+  QTest::keyClick(&slider, Qt::Key_Right);
+  EXPECT_FLOAT_EQ(browser().zoomValue(), 0.35F) << "a step that one sees";
+  EXPECT_EQ(slider.accessibleDescription(), "Pictures at 35 percent of their largest size");
   slider.setValue(slider.minimum());
   EXPECT_FLOAT_EQ(browser().zoomValue(), 0.1F);
   browser().setZoomValue(1.15F);

@@ -1,47 +1,104 @@
-// An export that is ended by a signal at any moment.
+// Exports onto file systems of every kind, ended by a signal at any moment, several at once, and
+// onto a disk that is full.
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <map>
+#include <memory>
+#include <optional>
 #include <random>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "CommandLineTest.h"
+#include "faults/SystemCalls.h"
+#include "faults/Volume.h"
+#include "foundation/files/File.h"
+#include "foundation/files/OutputFolder.h"
+#include "foundation/files/Path.h"
 #include "support/TreeState.h"
 
 namespace snaplift {
 namespace {
 
 namespace fs = std::filesystem;
-using std::chrono::steady_clock;
+using testing::AnyOf;
+using testing::IsEmpty;
+using testing::SizeIs;
 
-constexpr int photoCount = 100;
-constexpr std::size_t photoSize = 20'000;
+constexpr int folders = 4;
+constexpr int namesPerFolder = 12;
+constexpr int photoCount = folders * namesPerFolder;
+constexpr std::size_t photoSize = 50'000;
 
-class EndedExportTest : public CommandLineTest, public testing::WithParamInterface<int> {
+// A backup of photos, the same names in several folders, and processes that export them.
+class EndedExportTest : public CommandLineTest {
 protected:
   EndedExportTest() {
     samples::SampleBackup backup{.generation = samples::Generation::Five, .productVersion = "5.0"};
     for (int i = 0; i < photoCount; ++i) {
-      const std::string name = "IMG_" + std::to_string(1000 + i) + ".JPG";
-      m_photos[name] = std::string(photoSize - 1, static_cast<char>('!' + i % 90)) + '\n';
-      backup.files.push_back(photo(layouts[4], name, m_photos[name]));
+      const int number = 10 + i % namesPerFolder;
+      const std::string path = "10" + std::to_string(i / namesPerFolder) + "/IMG_00" +
+                               std::to_string(number) + (number % 4 == 0 ? ".PNG" : ".JPG");
+      std::string content;
+      while (content.size() < photoSize) {
+        content += path + '\n';
+      }
+      backup.files.push_back(photo(layouts[4], path, content));
+      m_photos.emplace(path, std::move(content));
     }
     m_backup = write("backup", backup);
     m_before = treeState(m_backup);
   }
 
+  void TearDown() override { EXPECT_EQ(treeState(m_backup), m_before); }
+
+  // The call of an export by two threads.
   ProgramCall exporting() const {
-    return call({"export", "--json", m_backup, "-o", m_tree.path("out")});
+    return call({"export", "--json", "-j", "2", m_backup, "-o", m_destination});
   }
 
-  void emptyDestination() const {
-    fs::remove_all(m_tree.path("out"));
-    m_tree.makeFolder("out");
+  // What was reported of the photos; a line that a kill has cut off counts for nothing.
+  static std::vector<Json> reports(const ProgramResult& result) {
+    std::vector<Json> all = jsonLines(result);
+    std::erase_if(
+        all, [](const Json& line) { return !line.is_object() || line["message_type"] != "photo"; });
+    return all;
+  }
+
+  static std::string readFrom(const std::string& path) {
+    const std::optional<Bytes> content = readFile(path);
+    return content ? std::string(textOf(*content)) : "(" + path + " cannot be read)";
+  }
+
+  // What is called a photo in the destination and is none: not the whole bytes of a photo with that
+  // stem.
+  std::vector<std::string> damage(bool claimsMayBeLeft) const {
+    std::vector<std::string> names = m_tree.list("out");
+    std::erase_if(names, [&](const std::string& name) {
+      const std::string content = readFrom(joinPath(m_destination, name));
+      return isPartName(name) || content == "old" || (claimsMayBeLeft && content.empty()) ||
+             std::ranges::any_of(m_photos, [&](const auto& photo) {
+               return photo.second == content && name.starts_with(pathStem(photo.first));
+             });
+    });
+    return names;
+  }
+
+  // The photos that were reported as written and are not there.
+  std::vector<Json> lost(std::vector<Json> all) const {
+    std::erase_if(all, [&](const Json& report) {
+      const std::string path = report["uniquePath"];
+      return report["written"].is_null() ||
+             readFrom(report["written"]) == m_photos.at(path.substr(m_backup.size() + 1));
+    });
+    return all;
   }
 
   // Temporary folders of the program. A sanitizer makes a file for a moment there, too.
@@ -51,66 +108,169 @@ protected:
     return names;
   }
 
-  // How many photos are there, whole all of them, when the export has ended normally or not.
-  int wholePhotos(bool wasKilled) const {
-    int count = 0;
-    for (const std::string& name : m_tree.list("out")) {
-      if (name.ends_with(".part")) {
-        EXPECT_TRUE(wasKilled) << name;
-      } else {
-        EXPECT_TRUE(m_tree.read("out/" + name) == m_photos.at(name)) << name;
-        ++count;
-      }
-    }
-    return count;
-  }
-
   std::string m_backup;
-  std::map<std::string, std::string> m_photos;  // contents by name
+  const std::string m_destination = m_tree.makeFolder("out");
+  std::map<std::string, std::string> m_photos;  // contents by path
   std::map<std::string, EntryState> m_before;
 };
 
-INSTANTIATE_TEST_SUITE_P(, EndedExportTest, testing::Values(SIGKILL, SIGTERM),
-                         [](const auto& number) {
-                           return number.param == SIGKILL ? "KILL" : "TERM";
-                         });
+// The kinds of file systems: played (see FileSystemKind), and real ones.
+enum class Way { Link, Rename, PartLink, Claim, ExFat, Fat, Btrfs, Xfs };
 
-// SNAPLIFT_KILLS sets how often.
-TEST_P(EndedExportTest, leavesWholePhotosOrNone) {
+class ExportWayTest : public EndedExportTest, public testing::WithParamInterface<Way> {
+protected:
+  void SetUp() override {
+    using Mount = std::unique_ptr<Volume> (*)(const std::string&, const std::string&);
+    constexpr Mount mounts[] = {Volume::exFat, Volume::fat, Volume::btrfs, Volume::xfs};
+    if (GetParam() < Way::ExFat) {
+      return;
+    }
+    if (GetParam() != Way::ExFat && std::getenv("SNAPLIFT_KILLS") == nullptr) {
+      GTEST_SKIP() << "takes half a minute; SNAPLIFT_KILLS is not set";
+    }
+    const auto mount = mounts[static_cast<int>(GetParam()) - static_cast<int>(Way::ExFat)];
+    m_volume = mount(m_destination, m_tree.path("image"));
+    if (!m_volume) {
+      GTEST_SKIP() << "needs root, and the programs that Volume names";
+    }
+  }
+
+  ProgramCall exporting() const {
+    ProgramCall call = EndedExportTest::exporting();
+    if (GetParam() > Way::Link && GetParam() <= Way::Claim) {
+      call.environment.insert(
+          call.environment.end(),
+          {{"LD_PRELOAD", FAULT_PRELOAD},
+           {"ASAN_OPTIONS", "verify_asan_link_order=0"},
+           {"SNAPLIFT_FAULT", "open:0:0"},
+           {"SNAPLIFT_FAULT_MARK", m_tree.path("mark")},
+           {"SNAPLIFT_FAULT_KIND", std::to_string(static_cast<int>(GetParam()))}});
+    }
+    return call;
+  }
+
+  // Where files have no name until they are whole.
+  bool leavesNothing() const {
+    return GetParam() == Way::Link || GetParam() == Way::Btrfs || GetParam() == Way::Xfs;
+  }
+
+  // Waits until there is so much in the destination.
+  void awaitEntries(int count) const {
+    const auto entryCount = [this] {
+      return std::distance(fs::directory_iterator(m_destination), fs::directory_iterator());
+    };
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (entryCount() < count && std::chrono::steady_clock::now() < deadline) {
+      std::this_thread::yield();
+    }
+  }
+
+  void emptyDestination() const {
+    for (const std::string& name : m_tree.list("out")) {
+      fs::remove_all(joinPath(m_destination, name));
+    }
+  }
+
+  std::unique_ptr<Volume> m_volume;
+};
+
+std::string nameOf(const testing::TestParamInfo<Way>& way) {
+  constexpr const char* names[] = {"link",  "rename", "partLink", "claim",
+                                   "exFat", "fat",    "btrfs",    "xfs"};
+  return names[static_cast<int>(way.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(, ExportWayTest,
+                         testing::Values(Way::Link, Way::Rename, Way::PartLink, Way::Claim,
+                                         Way::ExFat, Way::Fat, Way::Btrfs, Way::Xfs),
+                         nameOf);
+
+// By SIGKILL and SIGTERM in turn. SNAPLIFT_KILLS sets how often.
+TEST_P(ExportWayTest, leavesWholePhotosOrNoneWhereverItIsEnded) {
   const char* chosen = std::getenv("SNAPLIFT_KILLS");
-  const int times = chosen != nullptr ? std::atoi(chosen) : 15;
+  const int times = chosen != nullptr ? std::atoi(chosen) : 30;
   const unsigned seed = std::random_device()();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
-  emptyDestination();
-  const auto begin = steady_clock::now();
-  ASSERT_EQ(Program::run(exporting()).status, 0);
-  const auto longest = std::chrono::microseconds(
-      std::chrono::duration_cast<std::chrono::microseconds>(steady_clock::now() - begin));
+  const bool claims = GetParam() >= Way::Claim && !leavesNothing();
   int ended = 0;
   for (int i = 0; i < times; ++i) {
     emptyDestination();
+    m_tree.write("out/IMG_0012.PNG", "old");
+    const int number = i % 2 == 0 ? SIGKILL : SIGTERM;
     Program program(exporting());
-    std::this_thread::sleep_for(std::chrono::microseconds(
-        std::uniform_int_distribution<std::int64_t>(0, longest.count())(random)));
-    program.signal(GetParam());
+    awaitEntries(std::uniform_int_distribution(0, photoCount)(random));
+    std::this_thread::sleep_for(
+        std::chrono::microseconds(std::uniform_int_distribution(0, 1000)(random)));
+    program.signal(number);
     const ProgramResult result = program.finish();
     // A signal before the first photo finds the program not yet prepared for it.
-    EXPECT_THAT(result.status, testing::AnyOf(0, -GetParam(), 130)) << result.errors;
+    EXPECT_THAT(result.status, AnyOf(0, -number, 130)) << result.errors;
     ended += result.status == 0 ? 0 : 1;
-    const int there = wholePhotos(result.status == -SIGKILL);
-    if (result.status >= 0) {
-      EXPECT_EQ(jsonLines(result).back()["exported"], there);
-      EXPECT_THAT(temporaryFolders(), testing::IsEmpty());
+    const std::vector<Json> reported = reports(result);
+    const std::vector<std::string> names = m_tree.list("out");
+    EXPECT_THAT(damage(claims && result.status < 0), IsEmpty());
+    EXPECT_THAT(lost(reported), IsEmpty());
+    EXPECT_EQ(m_tree.read("out/IMG_0012.PNG"), "old");
+    if (leavesNothing() || result.status >= 0) {
+      EXPECT_EQ(std::ranges::count_if(names, isPartName), 0);
     }
-    EXPECT_TRUE(result.status != 0 || there == photoCount) << there;
+    if (result.status >= 0) {
+      EXPECT_THAT(names, SizeIs(reported.size() + 1));
+      EXPECT_EQ(jsonLines(result).back()["exported"], reported.size());
+      EXPECT_TRUE(result.status != 0 || reported.size() == photoCount) << reported.size();
+      EXPECT_THAT(temporaryFolders(), IsEmpty());
+    }
   }
-  EXPECT_GT(ended, times / 4);
+  EXPECT_GT(ended, times / 3);
   emptyDestination();
-  EXPECT_EQ(Program::run(exporting()).status, 0);
-  EXPECT_EQ(wholePhotos(false), photoCount);
-  EXPECT_THAT(temporaryFolders(), testing::IsEmpty());
-  EXPECT_EQ(treeState(m_backup), m_before);
+  const ProgramResult result = Program::run(exporting());
+  EXPECT_THAT(lost(reports(result)), IsEmpty());
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_THAT(m_tree.list("out"), SizeIs(photoCount));
+  EXPECT_THAT(temporaryFolders(), IsEmpty());
+}
+
+TEST_P(ExportWayTest, arrivesWholeFromFourProcessesAtOnce) {
+  constexpr int processCount = 4;
+  m_tree.write("out/img_0012.png", "old");  // the same name, where letter case is folded
+  std::vector<std::unique_ptr<Program>> processes;
+  for (int i = 0; i < processCount; ++i) {
+    processes.push_back(std::make_unique<Program>(exporting()));
+  }
+  std::set<std::string> written;
+  for (const auto& process : processes) {
+    const ProgramResult result = process->finish();
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(reports(result), SizeIs(photoCount));
+    EXPECT_THAT(lost(reports(result)), IsEmpty());
+    for (const Json& report : reports(result)) {
+      EXPECT_TRUE(written.insert(report["written"]).second) << report;
+    }
+  }
+  EXPECT_THAT(m_tree.list("out"), SizeIs(processCount * photoCount + 1));
+  EXPECT_EQ(m_tree.read("out/img_0012.png"), "old");
+}
+
+// A full disk: nobody who was at work fails more than once, and nobody begins any more.
+TEST_F(EndedExportTest, fillsADestinationWithWholePhotos) {
+  const auto volume = Volume::inMemory(m_destination, photoSize * photoCount / 3);
+  if (!volume) {
+    GTEST_SKIP() << "needs root";
+  }
+  const ProgramResult result = Program::run(exporting());
+  std::vector<Json> failed = reports(result);
+  EXPECT_EQ(result.status, 3);
+  EXPECT_THAT(lost(failed), IsEmpty());
+  EXPECT_THAT(damage(false), IsEmpty());
+  const std::size_t arrived =
+      std::erase_if(failed, [](const Json& report) { return report["error"].is_null(); });
+  EXPECT_THAT(failed, SizeIs(testing::AllOf(testing::Ge(1U), testing::Le(2U))));
+  for (const Json& report : failed) {
+    EXPECT_THAT(std::string(report["error"]), testing::HasSubstr("No space left on device"));
+  }
+  EXPECT_THAT(m_tree.list("out"), SizeIs(arrived));
+  EXPECT_GE(arrived, photoCount / 4U);
 }
 
 }  // namespace

@@ -1,8 +1,12 @@
 // What list, photos, files and check print, as text and as JSON.
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 #include "CommandLineTest.h"
 
@@ -34,22 +38,19 @@ TEST_F(ListCommandsTest, listsARootNewestFirst) {
   const std::string root = m_tree.path("root");
   const ProgramResult text = run({"list", root + "//"});
   EXPECT_EQ(text.status, 0);
-  EXPECT_EQ(text.output,
-            "Anna's Phone\n"
-            "  October 15, 2011  (5.0.1)  " +
-                root +
-                "/a2\n"
-                "  October 12, 2011  (1.1.4)  " +
-                root +
-                "/a1\n"
-                "B\xc3\xb6rn\n"
-                "  October 14, 2011  (4.2.1)  " +
-                root +
-                "/b\n"
-                "(device without a name)\n"
-                "  October 13, 2011  (3.1.3)  " +
-                root + "/n\n");
-  EXPECT_THAT(text.errors, HasSubstr("no backup has no info.plist"));
+  const std::string rows[] = {"Anna's Phone\n  October 15, 2011  (5.0.1)  ",
+                              "/a2\n",
+                              "  October 12, 2011  (1.1.4)  ",
+                              "/a1\n",
+                              "B\xc3\xb6rn\n  October 14, 2011  (4.2.1)  ",
+                              "/b\n",
+                              "Unnamed Device\n  October 13, 2011  (3.1.3)  ",
+                              "/n\n"};
+  std::string expected;
+  for (std::size_t i = 0; i < std::size(rows); i += 2) {
+    expected += rows[i] + root + rows[i + 1];
+  }
+  EXPECT_EQ(text.output, expected);
 
   const ProgramResult json = run({"list", "--json", root});
   EXPECT_EQ(json.status, 0);
@@ -91,19 +92,31 @@ TEST_F(ListCommandsTest, findsTheUsersRootThroughTheHomeFolder) {
   EXPECT_THAT(nothing.errors, HasSubstr("without a home folder"));
 }
 
-TEST_F(ListCommandsTest, takesOneBackupForARoot) {
-  const std::string backup = writeBackup("root/b", layouts[2], "One");
-  const ProgramResult listed = run({"list", backup + "/", "--json"});
-  EXPECT_EQ(listed.status, 0);
-  const Json list = jsonLines(listed).at(0);
-  EXPECT_EQ(list["root"], backup);
-  EXPECT_EQ(list["devices"][0]["backups"][0]["path"], backup);
-  EXPECT_EQ(jsonLines(run({"check", "--json", backup})).at(0)["listed"], 2);
+TEST_F(ListCommandsTest, wordsDatesInTheLocaleOfTimes) {
+  const std::string backup = writeBackup("b", layoutFive, "Phone");
+  struct Case {
+    const char *all, *time, *lang, *date;
+  };
+  for (const Case& c : {Case{"", "de_DE.UTF-8", "en_US.UTF-8", "12. Oktober 2011"},
+                        Case{"en_GB.UTF-8", "de_DE.UTF-8", "", "12 October 2011"},
+                        Case{"", "", "fr_FR.UTF-8", "12 octobre 2011"},
+                        Case{"C.UTF-8", "de_DE.UTF-8", "", "October 12, 2011"},
+                        Case{"", "", "", "October 12, 2011"}}) {
+    ProgramCall call = this->call({"list", backup});
+    call.environment.insert(
+        call.environment.end(),
+        {{"LC_ALL", c.all}, {"LC_TIME", c.time}, {"LANG", c.lang}, {"LC_MESSAGES", "es_ES.UTF-8"}});
+    EXPECT_THAT(Program::run(call).output, HasSubstr(c.date));
+  }
 }
 
 TEST_F(ListCommandsTest, saysWhatIsNoBackup) {
   const std::string good = writeBackup("root/good", layoutFive, "Good");
   writeBackup("root/old", {Generation::Five, "0.9", ""}, "Old");
+  writeBackup("several/one", layoutFive, "One");
+  writeBackup("several/two", layoutFive, "Two");
+  writeBackup("same/b1", layoutFive, "Same");
+  writeBackup("same/b12", layoutFive, "Same");
   const std::string damaged = writeBackup("damaged", layoutFive, "Bad");
   m_tree.write("damaged/Info.plist", "no property list");
   const std::string file = m_tree.write("file", "");
@@ -116,16 +129,29 @@ TEST_F(ListCommandsTest, saysWhatIsNoBackup) {
   };
   const Case cases[] = {
       {{"list", m_tree.path("gone")}, 10, "no such folder"},
-      {{"list", file}, 10, "not a folder that can be read"},
+      {{"list", file}, 10, "not a folder: "},
       {{"list", damaged}, 10, "not a backup that can be read"},
       {{"list", m_tree.path("empty")}, 0, "no backups in"},
       {{"list", m_tree.path("root")}, 0, "no decoder available for version 0.9 backup"},
       {{"check", m_tree.path("gone")}, 10, "no such folder"},
+      {{"check", m_tree.path("empty")}, 10, "no backups in"},
       {{"photos", m_tree.path("gone")}, 10, "no such folder"},
-      {{"photos", m_tree.path("root")}, 10, "not a backup that can be read"},
+      {{"photos", m_tree.path("several")}, 10, "several backups in"},
       {{"files", damaged}, 10, "not a backup that can be read"},
       {{"files", ""}, 10, "no"},
       {{"photos", good}, 0, "2 photos"},
+      {{"photos", m_tree.path("root")}, 0, "2 photos"},  // there is one
+      {{"photos", good + "/Info.plist"}, 0, "2 photos"},
+      {{"photos", good + "/Manifest.plist"}, 0, "2 photos"},
+      {{"photos", good + "/Manifest.nothing"}, 10, "no such folder"},
+      {{"photos", "tw", "--root", m_tree.path("several")}, 0, "2 photos"},
+      {{"photos", "o", "-r", m_tree.path("several")}, 0, "2 photos"},
+      {{"photos", "latest", "-r", m_tree.path("several")}, 0, "2 photos"},
+      {{"photos", "lat", "-r", m_tree.path("several")}, 10, "no backup of that name in"},
+      {{"photos", "b", "-r", m_tree.path("same")}, 10, "several backups begin with b in"},
+      {{"photos", "b1", "-r", m_tree.path("same")}, 0, "2 photos"},  // and no other
+      {{"find", m_tree.path("gone")}, 10, "no such folder"},
+      {{"find", m_tree.path("empty")}, 10, "0 backups in 1 folder"},
   };
   for (const Case& c : cases) {
     const ProgramResult result = run(c.arguments);
@@ -138,29 +164,49 @@ TEST_F(ListCommandsTest, saysWhatIsNoBackup) {
   EXPECT_THAT(run({"list", m_tree.path("root")}).output, HasSubstr("good\n"));
 }
 
+TEST_F(ListCommandsTest, findsBackupsBelowAFolderAndNamesThemAsOthersDo) {
+  writeRoot("disk/Library/Application Support/MobileSync/Backup");
+  const std::string copy = writeBackup("disk/old/copy", layoutFive, "Copy");
+  ASSERT_EQ(::symlink(copy.c_str(), m_tree.path("link").c_str()), 0);
+  const ProgramResult found = run({"find", m_tree.path("disk"), m_tree.path("link")});
+  EXPECT_EQ(found.status, 0);
+  std::vector<Json> listed;
+  const Json list = jsonLines(run({"list", "--json", m_tree.path("disk")})).at(0);
+  for (const Json& device : list["devices"]) {
+    listed.insert(listed.end(), device["backups"].begin(), device["backups"].end());
+  }
+  EXPECT_THAT(jsonLines(found), testing::UnorderedElementsAreArray(listed));
+  EXPECT_THAT(listed, testing::SizeIs(5));
+  EXPECT_THAT(jsonLines(run({"check", "--json", m_tree.path("disk")})), testing::SizeIs(5));
+  EXPECT_THAT(jsonLines(run({"check", "--json", copy, m_tree.path("link")})), testing::SizeIs(1));
+
+  const ProgramResult quiet = run({"find", "--quiet", m_tree.path("disk"), m_tree.path("gone")});
+  EXPECT_EQ(quiet.status, 10);
+  EXPECT_EQ(quiet.errors, "snaplift-cli: no such folder: " + m_tree.path("gone") + "\n");
+}
+
 TEST_F(ListCommandsTest, listsThePhotosOfEveryGeneration) {
   for (const Layout& layout : layouts) {
     SCOPED_TRACE(layout.version);
     const std::string name = std::string("of ") + layout.version + layout.decoder;
     const std::string backup = writeBackup(name, layout, "Phone");
+    std::vector<std::pair<std::string, std::string>> photos = {{"IMG_0001.JPG", "JPG"},
+                                                               {"IMG_0002.PNG", "PNG"}};
+    if (layout.generation <= Generation::Three) {
+      std::ranges::reverse(photos);  // the newest first
+    }
+    std::string lines;
+    Json list = Json::array();
+    for (const auto& [file, type] : photos) {
+      const std::string path = "Media/DCIM/100APPLE/" + file;
+      lines += path + "\n";
+      list.push_back({{"uniquePath", backup + "/" + path}, {"fileName", file}, {"fileType", type}});
+    }
     const ProgramResult text = run({"photos", backup});
     EXPECT_EQ(text.status, 0);
-    const ProgramResult json = run({"photos", backup, "--json"});
-    EXPECT_EQ(json.status, 0);
-    const Json one = {{"uniquePath", backup + "/Media/DCIM/100APPLE/IMG_0001.JPG"},
-                      {"fileName", "IMG_0001.JPG"},
-                      {"fileType", "JPG"}};
-    const Json two = {{"uniquePath", backup + "/Media/DCIM/100APPLE/IMG_0002.PNG"},
-                      {"fileName", "IMG_0002.PNG"},
-                      {"fileType", "PNG"}};
-    const bool newestFirst = layout.generation <= Generation::Three;
-    EXPECT_THAT(jsonLines(json),
-                ElementsAre(Json{{"path", backup},
-                                 {"encrypted", false},
-                                 {"photos", newestFirst ? Json{two, one} : Json{one, two}}}));
-    EXPECT_EQ(text.output,
-              newestFirst ? "Media/DCIM/100APPLE/IMG_0002.PNG\nMedia/DCIM/100APPLE/IMG_0001.JPG\n"
-                          : "Media/DCIM/100APPLE/IMG_0001.JPG\nMedia/DCIM/100APPLE/IMG_0002.PNG\n");
+    EXPECT_EQ(text.output, lines);
+    EXPECT_THAT(jsonLines(run({"photos", backup, "--json"})),
+                ElementsAre(Json{{"path", backup}, {"encrypted", false}, {"photos", list}}));
   }
 }
 
@@ -169,19 +215,21 @@ TEST_F(ListCommandsTest, saysThatABackupIsEncrypted) {
                                          .productVersion = "5.0",
                                          .encrypted = true,
                                          .files = {photo(layoutFive, "a.jpg", "x")}});
-  EXPECT_THAT(run({"photos", backup}).errors, HasSubstr("1 photo, encrypted"));
-  EXPECT_EQ(jsonLines(run({"photos", backup, "--json"})).at(0)["encrypted"], true);
-  EXPECT_THAT(run({"check", backup}).output, HasSubstr("encrypted"));
-  EXPECT_EQ(jsonLines(run({"check", backup, "--json"})).at(0)["encrypted"], true);
+  for (const char* command : {"photos", "check"}) {
+    const ProgramResult text = run({command, backup});
+    EXPECT_THAT(text.output + text.errors, HasSubstr("encrypted")) << command;
+    EXPECT_EQ(jsonLines(run({command, backup, "--json"})).at(0)["encrypted"], true) << command;
+  }
 }
 
 TEST_F(ListCommandsTest, listsEveryFileWithContentByDomain) {
-  samples::SampleBackup sample{.generation = Generation::Four, .productVersion = "4.2.1"};
-  sample.files = {{"ADomain", "Library/a.db", "12345", 1318420800},
-                  {"ADomain", "empty", "", 1318420800},
-                  {"MediaDomain", "Media/DCIM/IMG_0001.JPG", "1234", 0xFFFFFFFF},
-                  {"MediaDomain", "Media/clip.mov", "123", 0}};
-  const std::string backup = write("b", sample);
+  const std::string backup =
+      write("b", {.generation = Generation::Four,
+                  .productVersion = "4.2.1",
+                  .files = {{"ADomain", "Library/a.db", "12345", 1318420800},
+                            {"ADomain", "empty", "", 1318420800},
+                            {"MediaDomain", "Media/DCIM/IMG_0001.JPG", "1234", 0xFFFFFFFF},
+                            {"MediaDomain", "Media/clip.mov", "123", 0}}});
   const auto file = [](const char* domain, const char* path, int size, const char* date) {
     return Json{{"path", path},
                 {"filename", samples::contentName(domain, path)},
@@ -189,10 +237,7 @@ TEST_F(ListCommandsTest, listsEveryFileWithContentByDomain) {
                 {"modificationDate", date},
                 {"type", 1}};
   };
-  const ProgramResult result = run({"files", "--json", backup});
-  EXPECT_EQ(result.status, 0);
-  ASSERT_THAT(jsonLines(result), testing::SizeIs(1)) << result.output;
-  const Json json = jsonLines(result)[0];
+  const Json json = jsonLines(run({"files", "--json", backup})).at(0);
   EXPECT_EQ(json["path"], backup);
   const Json photo = file("MediaDomain", "Media/DCIM/IMG_0001.JPG", 4, "1969-12-31T23:59:59Z");
   const Json film = file("MediaDomain", "Media/clip.mov", 3, "1970-01-01T00:00:00Z");
@@ -202,6 +247,7 @@ TEST_F(ListCommandsTest, listsEveryFileWithContentByDomain) {
                        {"files", {file("ADomain", "Library/a.db", 5, "2011-10-12T12:00:00Z")}}},
                   Json{{"domain", "MediaDomain"}, {"files", {photo, film}}}));
   const ProgramResult text = run({"files", backup});
+  EXPECT_EQ(text.status, 0);
   EXPECT_THAT(text.output, HasSubstr("MediaDomain\n  "));
   EXPECT_THAT(text.output, HasSubstr("Media/clip.mov\n"));
   EXPECT_THAT(text.errors, HasSubstr("3 files, 12 bytes"));
@@ -209,28 +255,40 @@ TEST_F(ListCommandsTest, listsEveryFileWithContentByDomain) {
   EXPECT_THAT(run({"files", "--json", five}).output, testing::Not(HasSubstr("\"type\"")));
 }
 
-TEST_F(ListCommandsTest, checksForMissingPhotos) {
-  const std::string whole = writeBackup("root/a", layoutFive, "Phone");
+TEST_F(ListCommandsTest, checksForMissingAndShortPhotos) {
   const std::string backup = writeBackup("root/b", layoutFive, "Phone");
   const std::string lost = "Media/DCIM/100APPLE/IMG_0002.PNG";
-  std::filesystem::remove(backup + "/" + samples::contentName("CameraRollDomain", lost));
-  const ProgramResult json = run({"check", m_tree.path("root"), "--json"});
-  EXPECT_EQ(json.status, 3);
-  const auto state = [](const std::string& path, int present, const Json& missing) {
-    return Json{{"path", path},
-                {"encrypted", false},
-                {"listed", 2},
-                {"present", present},
-                {"missing", missing}};
+  const std::string content = "root/b/" + samples::contentName("CameraRollDomain", lost);
+  const Json none = Json::array(), one = Json::array({backup + "/" + lost});
+  struct Case {
+    int status, present;
+    Json missing, cut;
+    std::string text;
   };
-  EXPECT_THAT(jsonLines(json),
-              testing::UnorderedElementsAre(state(whole, 2, Json::array()),
-                                            state(backup, 1, Json::array({backup + "/" + lost}))));
-  const ProgramResult text = run({"check", backup});
-  EXPECT_EQ(text.status, 3);
-  EXPECT_EQ(text.output,
-            backup + "\n  2 photos listed, 1 present, 1 missing\n  missing: " + lost + "\n");
-  EXPECT_EQ(run({"check", whole}).output, whole + "\n  2 photos listed, 2 present, 0 missing\n");
+  const Case cases[] = {{0, 2, none, none, "2 present, 0 missing\n"},
+                        {3, 1, none, one, "1 present, 0 missing, 1 short\n  short: " + lost + "\n"},
+                        {3, 1, one, none, "1 present, 1 missing\n  missing: " + lost + "\n"}};
+  for (const Case& c : cases) {
+    if (c.cut == one) {
+      m_tree.write(content, "");
+    } else if (c.missing == one) {
+      std::filesystem::remove(m_tree.path(content));
+    }
+    const ProgramResult text = run({"check", backup});
+    EXPECT_EQ(text.status, c.status);
+    EXPECT_EQ(text.output, backup + "\n  2 photos listed, " + c.text);
+    const ProgramResult json = run({"check", m_tree.path("root"), "--json"});
+    EXPECT_EQ(json.status, c.status);
+    EXPECT_THAT(jsonLines(json), ElementsAre(Json{{"path", backup},
+                                                  {"encrypted", false},
+                                                  {"incomplete", false},
+                                                  {"unfinished", false},
+                                                  {"listed", 2},
+                                                  {"present", c.present},
+                                                  {"missing", c.missing},
+                                                  {"short", c.cut},
+                                                  {"unreadable", none}}));
+  }
 }
 
 TEST_F(ListCommandsTest, replacesBytesThatAreNoUtf8) {

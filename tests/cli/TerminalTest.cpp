@@ -16,7 +16,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 constexpr const Layout& layoutFive = layouts[4];
-constexpr const char* bold = "\x1b[1m";
 
 class TerminalTest : public CommandLineTest {
 protected:
@@ -39,13 +38,14 @@ protected:
 
 TEST_F(TerminalTest, headingsAreBoldWhereColourIsWanted) {
   const std::string backup = writeBackup("root/b", layoutFive, "Phone");
-  const std::string heading = std::string(bold) + "Phone\x1b[0m\r\n";
-  EXPECT_THAT(Program::run(onTerminal({"list", backup})).terminal, HasSubstr(heading));
-  EXPECT_THAT(Program::run(withoutColour(onTerminal({"list", backup}))).terminal,
-              testing::AllOf(HasSubstr("Phone\r\n"), Not(HasSubstr("\x1b"))));
-  ProgramCall emptySetting = onTerminal({"list", backup});
-  emptySetting.environment.back() = {"NO_COLOR", ""};
-  EXPECT_THAT(Program::run(emptySetting).terminal, HasSubstr(heading));
+  ProgramCall call = onTerminal({"list", backup});
+  for (const char* setting : {"", "1"}) {
+    call.environment.emplace_back("NO_COLOR", setting);
+    const std::string heading = *setting ? "Phone\r\n" : "\x1b[1mPhone\x1b[0m\r\n";
+    const std::string terminal = Program::run(call).terminal;
+    EXPECT_THAT(terminal, HasSubstr(heading));
+    EXPECT_EQ(terminal.find('\x1b') == std::string::npos, *setting != 0);
+  }
   for (const char* command : {"list", "check", "files"}) {
     EXPECT_THAT(run({command, backup}).output, Not(HasSubstr("\x1b"))) << command;
   }
@@ -63,6 +63,10 @@ TEST_F(TerminalTest, theProgressOfAnExportIsDrawnOnATerminalOnly) {
     EXPECT_THAT(terminal, Not(HasSubstr("\x1b")));
     // The line is taken away before the summary, which begins a line of its own.
     EXPECT_THAT(terminal, HasSubstr("\r" + std::string(full.size(), ' ') + "\rsnaplift-cli: 2"));
+    if (call.output == Stream::Terminal) {  // no photo's line begins in the midst of another
+      EXPECT_THAT(terminal, testing::ContainsRegex("[\r\n]" + m_tree.path("out") + "/IMG_0001"));
+      EXPECT_THAT(terminal, testing::ContainsRegex("[\r\n]" + m_tree.path("out") + "/IMG_0002"));
+    }
   }
   const ProgramResult files = run(exporting(backup));
   EXPECT_THAT(files.errors + files.output, Not(HasSubstr(" of 2 photos")));
@@ -71,21 +75,11 @@ TEST_F(TerminalTest, theProgressOfAnExportIsDrawnOnATerminalOnly) {
   EXPECT_THAT(Program::run(outputOnly).terminal, Not(HasSubstr(" of 2 photos")));
 }
 
-TEST_F(TerminalTest, linesDoNotMixWithTheProgress) {
-  const std::string backup = writeBackup("b", layoutFive, "Phone");
-  const std::string terminal = Program::run(onTerminal(exporting(backup))).terminal;
-  for (const char* name : {"/IMG_0001.JPG\r\n", "/IMG_0002.PNG\r\n"}) {
-    const std::size_t line = terminal.find(m_tree.path("out") + name);
-    ASSERT_NE(line, std::string::npos) << terminal;
-    EXPECT_TRUE(line == 0 || terminal[line - 1] == '\r' || terminal[line - 1] == '\n') << terminal;
-  }
-}
-
 TEST_F(TerminalTest, noNameForgesALineOrCommandsTheTerminal) {
   const std::string evil =
       "a\n\x1b[31mb\x7f\r\xc2\x9b"
       "2J\x9b"
-      "c";
+      "c\xe2\x80\xae\xe2\x81\xa6\xe2\x80\xa8\xd8\x9c";
   samples::SampleBackup sample{.generation = Generation::Five,
                                .deviceName =
                                    "d\n\xc2\x9b"
@@ -106,7 +100,8 @@ TEST_F(TerminalTest, noNameForgesALineOrCommandsTheTerminal) {
       {"files", backup},
       {"check", root},
       exporting(backup),
-      {"list", backup, "extra\x1b[31m"},
+      {"photos", backup, "extra\x1b[31m"},
+      {"find", root},
       {"photos", evil},
       {"export", root, "-d", evil, "-o", m_tree.path("out")},
       {"export", root, "-o", evil}};
@@ -121,7 +116,9 @@ TEST_F(TerminalTest, noNameForgesALineOrCommandsTheTerminal) {
     EXPECT_TRUE(std::ranges::all_of(text, [](char c) {
       return !std::iscntrl(static_cast<unsigned char>(c)) || c == '\n' || c == '\r';
     }));
-    EXPECT_THAT(text, Not(testing::AnyOf(HasSubstr("\xc2\x9b"), HasSubstr("\x9b"))));
+    EXPECT_THAT(text,
+                Not(testing::AnyOf(HasSubstr("\xc2\x9b"), HasSubstr("\x9b"), HasSubstr("\xe2\x80"),
+                                   HasSubstr("\xe2\x81"), HasSubstr("\xd8\x9c"))));
     EXPECT_THAT(text, Not(HasSubstr("\n[31m")));
   }
   // Nothing is lost from the data either.

@@ -1,9 +1,9 @@
 // The contract that the rest of the system knows a decoder by, proved over every generation.
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,12 +13,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "decoders/iOS10Decoder.h"
 #include "decoders/iOS2Decoder.h"
 #include "decoders/iOS3Decoder.h"
 #include "decoders/iOS4Decoder.h"
 #include "decoders/iOS5Decoder.h"
 #include "foundation/Log.h"
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 #include "samples/BackupWriter.h"
 #include "support/TemporaryTree.h"
 #include "support/TreeState.h"
@@ -39,10 +40,6 @@ struct Layout {
   bool canBeEncrypted;
 };
 
-void PrintTo(const Layout& layout, std::ostream* out) {
-  *out << layout.name;
-}
-
 template <class Decoder>
 std::unique_ptr<BackupDecoderDelegate> make(const std::string& path) {
   return std::make_unique<Decoder>(path);
@@ -60,16 +57,20 @@ protected:
     samples::SampleBackup backup{
         .generation = GetParam().generation, .deviceName = "Phone", .productVersion = "5.0"};
     for (std::size_t i = 0; i < photoCount; ++i) {
-      const std::string name = "Media/DCIM/IMG_" + std::to_string(i) + (i % 2 ? ".JPG" : ".png");
-      backup.files.push_back({.domain = domain,
-                              .path = name,
-                              .content = "photo " + std::to_string(i),
-                              .modificationDate = static_cast<std::uint32_t>(i * 7 % photoCount)});
+      const std::string name =
+          "Media/DCIM/100APPLE/IMG_" + std::to_string(i) + (i % 2 ? ".JPG" : ".png");
+      backup.files.push_back(
+          {.domain = domain,
+           .path = name,
+           .content = "photo " + std::to_string(i),
+           .modificationDate = static_cast<std::uint32_t>(1 + i * 7 % photoCount)});
     }
     for (const char* other : {"Media/a.mov", "Media/b.jpeg", "Media/plain"}) {
-      backup.files.push_back({.domain = domain, .path = other, .content = "other"});
+      backup.files.push_back(
+          {.domain = domain, .path = other, .content = "other", .modificationDate = 1});
     }
-    backup.files.push_back({.domain = "OtherDomain", .path = "x.jpg", .content = "elsewhere"});
+    backup.files.push_back(
+        {.domain = "OtherDomain", .path = "x.jpg", .content = "elsewhere", .modificationDate = 1});
     return backup;
   }
 
@@ -79,12 +80,23 @@ protected:
 
   bool hasDatabase() const { return GetParam().generation >= Generation::Four; }
 
+  // The database of generation 10 may be encrypted as well.
+  bool listsWhenEncrypted() const { return GetParam().generation != Generation::Ten; }
+
   // The name of the file that holds the bytes of that one.
   std::string contentFile(const samples::SampleFile& file) const {
-    const bool isSingle = GetParam().generation == Generation::TwoSingleForm;
-    return samples::contentName(file.domain, file.path) + (hasDatabase() ? ""
-                                                           : isSingle    ? ".mdbackup"
-                                                                         : ".mddata");
+    const std::string name = samples::contentName(file.domain, file.path);
+    switch (GetParam().generation) {
+      case Generation::TwoSingleForm:
+        return name + ".mdbackup";
+      case Generation::TwoPairForm:
+      case Generation::Three:
+        return name + ".mddata";
+      case Generation::Ten:
+        return name.substr(0, 2) + "/" + name;
+      default:
+        return name;
+    }
   }
 
   // The unique paths of the photos, in the order of backup().
@@ -97,34 +109,71 @@ protected:
     return paths;
   }
 
+  std::size_t numberOf(const std::string& path) const {
+    const auto paths = photoPaths();
+    return static_cast<std::size_t>(std::ranges::find(paths, path) - paths.begin());
+  }
+
   TemporaryTree m_tree;
 };
 
-TEST_P(DecoderContract, listsThePhotosAndHandsOutTheirBytes) {
+TEST_P(DecoderContract, listsThePhotosWithTheirBytesAndWhatItKnowsAndWritesNothing) {
   samples::writeBackup(folder(), backup());
+  const auto before = treeState(folder());
   const auto decoder = this->decoder();
-  decoder->loadContents();
+  EXPECT_EQ(decoder->photoInfo(0).devicePath, "");
+  const std::vector<std::string> listed = decoder->imageFilePaths();
   const std::vector<std::string> paths = photoPaths();
-  EXPECT_THAT(decoder->imageFilePaths(), UnorderedElementsAreArray(paths));
+  EXPECT_THAT(listed, UnorderedElementsAreArray(paths));
   for (std::size_t i = 0; i < photoCount; ++i) {
     const auto bytes = decoder->dataForFileAtPath(paths[i]);
     ASSERT_TRUE(bytes) << paths[i];
     EXPECT_EQ(textOf(*bytes), "photo " + std::to_string(i));
-    EXPECT_TRUE(decoder->holdsFileAtPath(paths[i]));
   }
   EXPECT_FALSE(decoder->dataForFileAtPath(folder() + "/Media/a.mov"));
-  EXPECT_FALSE(decoder->dataForFileAtPath("/another/backup/Media/DCIM/IMG_1.JPG"));
-  EXPECT_FALSE(decoder->holdsFileAtPath(""));
+  EXPECT_FALSE(decoder->dataForFileAtPath("/another/backup/Media/DCIM/100APPLE/IMG_1.JPG"));
+  for (std::size_t i = 0; i < photoCount; ++i) {
+    const PhotoInfo info = decoder->photoInfo(i);
+    EXPECT_EQ(folder() + "/" + std::string(info.devicePath), listed[i]);
+    const samples::SampleFile file = backup().files[numberOf(listed[i])];
+    EXPECT_EQ(info.size, hasDatabase() ? std::optional(file.content.size()) : std::nullopt);
+    EXPECT_EQ(info.date(), knownTime(instantFromUnixTime(file.modificationDate)));
+    EXPECT_EQ(info.birthDate.has_value(), hasDatabase() && info.date());
+    EXPECT_EQ(decoder->contentState(i), ContentState::Whole);
+  }
+  EXPECT_EQ(decoder->photoInfo(photoCount).devicePath, "");
+  EXPECT_EQ(decoder->contentState(photoCount), ContentState::Missing);
+  decoder->visitFiles([](const BackedUpFile&) {});
+  EXPECT_EQ(treeState(folder()), before);
 }
 
-TEST_P(DecoderContract, readsNothingBeforeItIsAskedAndThenTheSame) {
+TEST_P(DecoderContract, tellsAContentFileOfAnotherLengthWhereTheBackupStatesOne) {
+  for (const bool encrypted : {false, listsWhenEncrypted()}) {
+    samples::SampleBackup sample = backup();
+    sample.encrypted = encrypted;
+    samples::writeBackup(folder(), sample);
+    const auto decoder = this->decoder();
+    const std::size_t number = numberOf(decoder->imageFilePaths().front());
+    const std::string file = "backup/" + contentFile(sample.files[number]);
+    const std::string whole = m_tree.read(file);
+    for (const std::string& changed : {std::string(), whole.substr(1), whole + "x"}) {
+      m_tree.write(file, changed);
+      EXPECT_EQ(decoder->contentState(0),
+                hasDatabase() && !encrypted ? ContentState::Short : ContentState::Whole);
+    }
+  }
+}
+
+TEST_P(DecoderContract, readsNothingBeforeItIsAskedAndAStoppedLoadCountsAsNone) {
   const auto early = decoder();
   samples::writeBackup(folder(), backup());
   EXPECT_FALSE(early->dataForFileAtPath(photoPaths()[0]));
   EXPECT_FALSE(early->encrypted());
-  const auto loaded = decoder();
-  loaded->loadContents();
-  EXPECT_EQ(early->imageFilePaths(), loaded->imageFilePaths());
+  std::stop_source stop;
+  stop.request_stop();
+  early->loadContents(stop.get_token());
+  EXPECT_FALSE(early->dataForFileAtPath(photoPaths()[0]));
+  EXPECT_THAT(early->imageFilePaths(), SizeIs(photoCount));
   EXPECT_TRUE(early->dataForFileAtPath(photoPaths()[0]));
 }
 
@@ -136,24 +185,25 @@ TEST_P(DecoderContract, findsTheManifestInEitherLetterCaseAndEncoding) {
       sample.encrypted = true;
       sample.encoding = encoding;
       sample.lowerCaseNames = lowerCase;
-      const TemporaryTree tree;
-      samples::writeBackup(tree.path("b"), sample);
-      const auto decoder = GetParam().makeDecoder(tree.path("b"));
+      fs::remove_all(folder());
+      samples::writeBackup(folder(), sample);
+      const auto decoder = this->decoder();
       decoder->loadContents();
       EXPECT_EQ(decoder->encrypted(), GetParam().canBeEncrypted);
-      EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
+      EXPECT_TRUE(decoder->isComplete());
+      EXPECT_THAT(decoder->imageFilePaths(), SizeIs(listsWhenEncrypted() ? photoCount : 0));
     }
   }
 }
 
 TEST_P(DecoderContract, aBackupWithoutAnythingHasNoPhotos) {
   const auto decoder = this->decoder();
+  const LogCapture quietly([](const std::string&) {});
   decoder->loadContents();
   EXPECT_THAT(decoder->imageFilePaths(), IsEmpty());
   EXPECT_FALSE(decoder->encrypted());
-  int files = 0;
-  decoder->visitFiles([&](const BackedUpFile&) { ++files; });
-  EXPECT_EQ(files, 0);
+  EXPECT_FALSE(decoder->isComplete());
+  decoder->visitFiles([](const BackedUpFile& file) { ADD_FAILURE() << file.path; });
 }
 
 TEST_P(DecoderContract, tellsWhetherItCouldReadWhatListsThePhotos) {
@@ -166,8 +216,12 @@ TEST_P(DecoderContract, tellsWhetherItCouldReadWhatListsThePhotos) {
   };
   EXPECT_TRUE(isComplete());
   int listing = 0;
+  int missing = 0;
   for (const std::string& name : m_tree.list("backup")) {
     const std::string file = "backup/" + name;
+    if (fs::is_directory(m_tree.path(file))) {
+      continue;
+    }
     const std::string whole = m_tree.read(file);
     const bool holdsAPhoto = whole.starts_with("photo");
     if (equalsIgnoringCase(name, "info.plist") || holdsAPhoto) {
@@ -176,11 +230,13 @@ TEST_P(DecoderContract, tellsWhetherItCouldReadWhatListsThePhotos) {
     m_tree.write(file, whole.substr(0, whole.size() / 2));
     listing += isComplete() ? 0 : 1;
     fs::remove(m_tree.path(file));
-    EXPECT_TRUE(isComplete()) << name;  // what is not there is not damaged
+    missing += isComplete() ? 0 : 1;
     m_tree.write(file, whole);
   }
   // The manifest lists itself, and either a database or a small file for each photo.
   EXPECT_EQ(listing, hasDatabase() ? 2 : 1 + static_cast<int>(photoCount) + 3);
+  // A database lists the photos without "Manifest.plist".
+  EXPECT_EQ(missing, hasDatabase() ? 1 : listing);
 }
 
 TEST_P(DecoderContract, aPhotoWithoutARegularFileIsListedAndHasNoBytes) {
@@ -194,12 +250,14 @@ TEST_P(DecoderContract, aPhotoWithoutARegularFileIsListedAndHasNoBytes) {
   samples::writeBackup(folder(), sample);
   const auto decoder = this->decoder();
   EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
+  const std::vector<std::string> listed = decoder->imageFilePaths();
   const std::string path = folder() + "/" + contentFile(sample.files[replaced]);
   ASSERT_EQ(::unlink(path.c_str()), 0);
   ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
   for (const int photo : {missing, replaced}) {
     EXPECT_FALSE(decoder->dataForFileAtPath(photoPaths()[photo]));
-    EXPECT_FALSE(decoder->holdsFileAtPath(photoPaths()[photo]));
+    const std::size_t index = std::ranges::find(listed, photoPaths()[photo]) - listed.begin();
+    EXPECT_EQ(decoder->contentState(index), ContentState::Missing);
     EXPECT_TRUE(decoder->dataForFileAtPath(photoPaths()[photo + 1]));
   }
 }
@@ -227,55 +285,29 @@ TEST_P(DecoderContract, handsOutBytesToManyThreadsWhileAnotherBackupLoads) {
   EXPECT_EQ(right, 8 * photoCount);
 }
 
-TEST_P(DecoderContract, aStoppedLoadCountsAsNone) {
-  samples::writeBackup(folder(), backup());
-  const auto decoder = this->decoder();
-  std::stop_source stop;
-  stop.request_stop();
-  decoder->loadContents(stop.get_token());
-  EXPECT_FALSE(decoder->dataForFileAtPath(photoPaths()[0]));
-  EXPECT_THAT(decoder->imageFilePaths(), SizeIs(photoCount));
-}
-
 TEST_P(DecoderContract, visitsEveryFileWithAllThatIsKnownOfIt) {
   samples::writeBackup(folder(), backup());
-  const auto lineOf = [](std::string_view path, std::string_view filename, std::uint64_t length,
-                         Instant date) {
-    std::string text(path);
-    text.append(" in ").append(filename).append(", ").append(std::to_string(length));
-    return text + " bytes of " + rfc3339Text(date);
-  };
-  std::vector<std::string> visited;
+  using Line = std::tuple<std::string, std::string, std::uint64_t, std::optional<Instant>>;
+  std::vector<Line> visited;
   this->decoder()->visitFiles([&](const BackedUpFile& file) {
     EXPECT_EQ(file.domain == "OtherDomain", file.path == "x.jpg");
-    ASSERT_TRUE(file.modificationDate) << file.path;
-    visited.push_back(lineOf(file.path, file.filename, file.filelength, *file.modificationDate));
+    visited.emplace_back(file.path, file.filename, file.filelength, file.modificationDate);
     EXPECT_EQ(file.type.has_value(), GetParam().generation == Generation::Four);
   });
-  std::vector<std::string> expected;
+  std::vector<Line> expected;
   for (const samples::SampleFile& file : backup().files) {
     if (hasDatabase() || file.domain != "OtherDomain") {
-      expected.push_back(lineOf(file.path, contentFile(file), file.content.size(),
-                                instantFromUnixTime(file.modificationDate)));
+      expected.emplace_back(file.path, contentFile(file), file.content.size(),
+                            instantFromUnixTime(file.modificationDate));
     }
   }
   EXPECT_THAT(visited, UnorderedElementsAreArray(expected));
 }
 
-TEST_P(DecoderContract, neverWrites) {
-  samples::writeBackup(folder(), backup());
-  const auto before = treeState(folder());
-  const auto decoder = this->decoder();
-  for (const std::string& path : decoder->imageFilePaths()) {
-    EXPECT_TRUE(decoder->dataForFileAtPath(path));
-  }
-  decoder->visitFiles([](const BackedUpFile&) {});
-  EXPECT_EQ(treeState(folder()), before);
-}
-
 INSTANTIATE_TEST_SUITE_P(
     Generations, DecoderContract,
-    testing::Values(Layout{"iOS5", Generation::Five, make<iOS5Decoder>, true},
+    testing::Values(Layout{"iOS10", Generation::Ten, make<iOS10Decoder>, true},
+                    Layout{"iOS5", Generation::Five, make<iOS5Decoder>, true},
                     Layout{"iOS4", Generation::Four, make<iOS4Decoder>, true},
                     Layout{"iOS3", Generation::Three, make<iOS3Decoder>, true},
                     Layout{"iOS2Pairs", Generation::TwoPairForm, make<iOS2Decoder>, false},

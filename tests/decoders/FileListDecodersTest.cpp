@@ -2,6 +2,7 @@
 // theirs can do.
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "ListedPhotos.h"
 #include "decoders/iOS2Decoder.h"
 #include "decoders/iOS3Decoder.h"
+#include "foundation/Log.h"
 #include "samples/BackupWriter.h"
 #include "samples/PropertyListWriter.h"
 #include "support/TemporaryTree.h"
@@ -23,13 +25,12 @@ using samples::PlistValue;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-PlistValue mediaFile() {
-  return PlistValue::dictionary({{"Domain", "MediaDomain"}});
-}
-
-PlistValue mediaFile(std::int64_t modificationTime) {
-  return PlistValue::dictionary(
-      {{"Domain", "MediaDomain"}, {"ModificationTime", instantFromUnixTime(modificationTime)}});
+PlistValue mediaFile(std::optional<std::int64_t> modificationTime = {}) {
+  PlistValue::Dictionary file = {{"Domain", "MediaDomain"}};
+  if (modificationTime) {
+    file.emplace_back("ModificationTime", instantFromUnixTime(*modificationTime));
+  }
+  return file;
 }
 
 PlistValue homeFile() {
@@ -46,11 +47,16 @@ std::string infoWithPath(const std::string& path) {
       {{"Path", path}, {"Metadata", nested(PlistValue::dictionary({{"Path", path}}))}}));
 }
 
+// Generation 2's one file of a photo's path and bytes.
+std::string singleForm(const std::string& path, const std::string& content) {
+  return binaryPropertyList(
+      PlistValue::dictionary({{"Path", path}, {"Data", PlistValue::data(content)}}));
+}
+
 class FileListDecoders : public testing::Test {
 protected:
-  void writeManifest(PlistValue data) {
-    m_tree.write("Manifest.plist",
-                 binaryPropertyList(PlistValue::dictionary({{"Data", std::move(data)}})));
+  void writeManifest(const PlistValue& data) {
+    m_tree.write("Manifest.plist", binaryPropertyList(PlistValue::dictionary({{"Data", data}})));
   }
 
   void writeListing(PlistValue files) {
@@ -74,12 +80,15 @@ TEST_F(FileListDecoders, generation3OrdersByTheManifestsDates) {
   writeListing(PlistValue::dictionary({{"none2", mediaFile()},
                                        {"old", mediaFile(1246406400)},
                                        {"none1", mediaFile()},
-                                       {"equal2", mediaFile(5)},
-                                       {"equal1", mediaFile(5)},
+                                       {"tied2", mediaFile(5)},
+                                       {"tied1", mediaFile(5)},
                                        {"new", mediaFile(1262649600)}}));
-  for (const std::string base : {"none1", "none2", "old", "new", "equal1", "equal2"}) {
+  for (const std::string base : {"none1", "none2", "old", "new"}) {
     writePhoto(base, base + ".jpg");
   }
+  // A tie goes by path, not by base name or listing.
+  writePhoto("tied1", "equal2.jpg");
+  writePhoto("tied2", "equal1.jpg");
   EXPECT_THAT(photos<iOS3Decoder>(), ElementsAre("new.jpg", "old.jpg", "equal1.jpg", "equal2.jpg",
                                                  "none1.jpg", "none2.jpg"));
 }
@@ -107,41 +116,22 @@ TEST_F(FileListDecoders, askForARealExtension) {
   EXPECT_THAT(photos<iOS3Decoder>(), ElementsAre("a.JPG", "b.Png", "c.jpg", "g.jpg/"));
 }
 
-TEST_F(FileListDecoders, takeOnlyTheirDomain) {
-  writeListing(
-      PlistValue::dictionary({{"media", mediaFile()},
-                              {"home", homeFile()},
-                              {"roll", PlistValue::dictionary({{"Domain", "CameraRollDomain"}})},
-                              {"case", PlistValue::dictionary({{"Domain", "mediadomain"}})},
-                              {"none", PlistValue::dictionary({})},
-                              {"odd", PlistValue("MediaDomain")}}));
-  for (const std::string base : {"media", "home", "roll", "case", "none", "odd"}) {
-    writePhoto(base, base + ".jpg");
-  }
-  EXPECT_THAT(photos<iOS3Decoder>(), ElementsAre("media.jpg"));
-  EXPECT_THAT(photos<iOS2Decoder>(), ElementsAre("home.jpg"));
-}
-
 TEST_F(FileListDecoders, generation2PrefersThePairAndKeepsTheSingleFormInMemory) {
   writeListing(PlistValue::dictionary(
       {{"both", homeFile()}, {"single", homeFile()}, {"broken", homeFile()}}));
-  const auto single = [](const char* path, const std::string& content) {
-    return binaryPropertyList(
-        PlistValue::dictionary({{"Path", path}, {"Data", PlistValue::data(content)}}));
-  };
   writePhoto("both", "both.jpg");
-  m_tree.write("both.mdbackup", single("both.jpg", "ignored"));
+  m_tree.write("both.mdbackup", singleForm("both.jpg", "ignored"));
   const std::string content(1234, '\xFF');
-  m_tree.write("single.mdbackup", single("Media/DCIM/100APPLE/IMG_0007.JPG", content));
+  m_tree.write("single.mdbackup", singleForm("Media/DCIM/100APPLE/IMG_0007.JPG", content));
   m_tree.write("broken.mdinfo", "rubbish");
-  m_tree.write("broken.mdbackup", single("broken.png", "saved"));
+  m_tree.write("broken.mdbackup", singleForm("broken.png", "saved"));
 
   iOS2Decoder decoder(m_tree.root());
   decoder.loadContents();
   EXPECT_EQ(decoder.imageFilePaths().size(), 3u);
   EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("both.jpg"))), "content of both");
   EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("broken.png"))), "saved");
-  m_tree.write("single.mdbackup", "gone since");
+  std::filesystem::remove(m_tree.path("single.mdbackup"));
   const std::string path = m_tree.path("Media/DCIM/100APPLE/IMG_0007.JPG");
   EXPECT_EQ(textOf(*decoder.dataForFileAtPath(path)), content);
 }
@@ -151,10 +141,7 @@ TEST_F(FileListDecoders, generation2ReadsAgainWhatWouldBeTooMuchToHold) {
   for (int i = 0; i < 10; ++i) {
     const std::string base = "base" + std::to_string(i);
     files.emplace_back(base, homeFile());
-    m_tree.write(
-        base + ".mdbackup",
-        binaryPropertyList(PlistValue::dictionary(
-            {{"Path", base + ".jpg"}, {"Data", PlistValue::data(std::string(100, 'x'))}})));
+    m_tree.write(base + ".mdbackup", singleForm(base + ".jpg", std::string(100, 'x')));
   }
   writeListing(std::move(files));
   iOS2Decoder decoder(m_tree.root(), 350);
@@ -192,7 +179,12 @@ TEST_F(FileListDecoders, namesInAManifestCannotLeaveTheBackup) {
 }
 
 TEST_F(FileListDecoders, dropEntriesThatLackSomethingAndKeepTheRest) {
-  PlistValue::Dictionary files = {{"good", mediaFile()}, {"missing", mediaFile()}};
+  PlistValue::Dictionary files = {
+      {"good", mediaFile()},
+      {"missing", mediaFile()},
+      {"otherCase", PlistValue::dictionary({{"Domain", "mediadomain"}})},
+      {"noDomain", PlistValue::dictionary({})},
+      {"noDictionary", "MediaDomain"}};
   writePhoto("good", "good.jpg");
   const auto add = [&](const std::string& base, const std::string& info) {
     files.emplace_back(base, mediaFile());
@@ -206,59 +198,43 @@ TEST_F(FileListDecoders, dropEntriesThatLackSomethingAndKeepTheRest) {
   addMetadata("rubbishInside", PlistValue::data("rubbish"));
   addMetadata("noPath", nested(PlistValue::dictionary({})));
   addMetadata("numberPath", nested(PlistValue::dictionary({{"Path", 7}})));
-  addMetadata("noDictionary", nested("good.jpg"));
+  addMetadata("textInside", nested("good.jpg"));
   writeListing(std::move(files));
+  std::vector<std::string> log;
+  const LogCapture capture([&](std::string line) { log.push_back(std::move(line)); });
   EXPECT_THAT(photos<iOS3Decoder>(), ElementsAre("good.jpg"));
+  EXPECT_EQ(log.size(), 7u);
 }
 
 TEST_F(FileListDecoders, aListingOfTheWrongTypeIsEmpty) {
+  const LogCapture quietly([](const std::string&) {});
   writePhoto("x", "x.jpg");
-  for (const PlistValue& files :
-       {PlistValue("x"), PlistValue::array({mediaFile()}), PlistValue(1)}) {
-    writeListing(files);
-    EXPECT_THAT(photos<iOS3Decoder>(), IsEmpty());
-  }
+  const auto listing = [](const PlistValue& files) {
+    return nested(PlistValue::dictionary({{"Files", files}}));
+  };
   for (const PlistValue& data :
-       {PlistValue("x"), PlistValue::data("rubbish"), PlistValue::dictionary({})}) {
+       {listing("x"), listing(PlistValue::array({mediaFile()})), listing(1), PlistValue("x"),
+        PlistValue::data("rubbish"), PlistValue::dictionary({})}) {
     writeManifest(data);
-    EXPECT_THAT(photos<iOS3Decoder>(), IsEmpty());
+    iOS3Decoder decoder(m_tree.root());
+    EXPECT_THAT(decoder.imageFilePaths(), IsEmpty());
+    EXPECT_FALSE(decoder.isComplete());
   }
+  writeListing(PlistValue::dictionary({}));
+  iOS3Decoder empty(m_tree.root());
+  EXPECT_THAT(empty.imageFilePaths(), IsEmpty());
+  EXPECT_TRUE(empty.isComplete());
 }
 
-TEST_F(FileListDecoders, aBaseNameThatIsListedTwiceCountsOnce) {
-  PlistValue::Dictionary files;
-  for (int i = 0; i < 1000; ++i) {
+TEST_F(FileListDecoders, aRecordThatIsListedTwiceCountsOnceAndTheOldestOfAPathAnswers) {
+  PlistValue::Dictionary files = {{"old", mediaFile(1)}};
+  for (int i = 2; i < 1000; ++i) {
     files.emplace_back("base", i % 2 ? mediaFile(i) : homeFile());
   }
   writeListing(std::move(files));
-  writePhoto("base", "a.jpg");
-  EXPECT_THAT(photos<iOS3Decoder>(), ElementsAre("a.jpg"));
-  EXPECT_THAT(photos<iOS2Decoder>(), ElementsAre("a.jpg"));
-}
-
-TEST_F(FileListDecoders, anInventoryTellsOfFilesWithoutContent) {
-  writeListing(PlistValue::dictionary({{"gone", mediaFile()}, {"bare", homeFile()}}));
-  m_tree.write("gone.mdinfo", infoWithPath("gone.mov"));
-  const std::string bare = binaryPropertyList(PlistValue::dictionary({{"Path", "bare.mov"}}));
-  m_tree.write("bare.mdbackup", bare);
-  int files = 0;
-  iOS3Decoder(m_tree.root()).visitFiles([&](const BackedUpFile& file) {
-    ++files;
-    EXPECT_EQ(file.path, "gone.mov");
-    EXPECT_EQ(file.filelength, 0u);
-  });
-  iOS2Decoder(m_tree.root()).visitFiles([&](const BackedUpFile& file) {
-    ++files;
-    EXPECT_EQ(file.path, "bare.mov");
-    EXPECT_EQ(file.filelength, bare.size());
-  });
-  EXPECT_EQ(files, 2);
-}
-
-TEST_F(FileListDecoders, theOldestOfTwoRecordsOfOnePathAnswers) {
-  writeListing(PlistValue::dictionary({{"old", mediaFile(1)}, {"new", mediaFile(2)}}));
   writePhoto("old", "same.jpg");
-  writePhoto("new", "same.jpg");
+  writePhoto("base", "same.jpg");
+  EXPECT_THAT(photos<iOS2Decoder>(), ElementsAre("same.jpg"));
   iOS3Decoder decoder(m_tree.root());
   EXPECT_EQ(decoder.imageFilePaths().size(), 2u);
   EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("same.jpg"))), "content of old");

@@ -43,16 +43,6 @@ protected:
   TemporaryTree m_tree;
 };
 
-TEST_F(ManifestDecoders, takeTheirPhotosFromTheirOwnDomain) {
-  m_tree.write("Manifest.mbdb",
-               samples::manifestDatabase(
-                   {{.domain = "CameraRollDomain", .path = "five.jpg", .filelength = 1},
-                    {.domain = "MediaDomain", .path = "four.jpg", .filelength = 1},
-                    {.domain = "mediaDomain", .path = "none.jpg", .filelength = 1}}));
-  EXPECT_THAT(photos<iOS5Decoder>(), ElementsAre("five.jpg"));
-  EXPECT_THAT(photos<iOS4Decoder>(), ElementsAre("four.jpg"));
-}
-
 // In the manifest the newest comes first: generation 5 keeps that order, 4 goes by the date.
 TEST_F(ManifestDecoders, askForLettersAtTheEndAndForNoDot) {
   std::vector<ManifestEntry> entries;
@@ -72,9 +62,26 @@ TEST_F(ManifestDecoders, onlyGeneration4ListsEmptyFilesAndLinks) {
                  {.path = "folder.png", .mode = samples::folderMode}});
   EXPECT_THAT(photos<iOS5Decoder>(), ElementsAre());
   EXPECT_THAT(photos<iOS4Decoder>(), ElementsAre("empty.jpg", "link.jpg"));
-  iOS4Decoder decoder(m_tree.root());
-  decoder.loadContents();
-  EXPECT_FALSE(decoder.dataForFileAtPath(m_tree.path("empty.jpg")));
+}
+
+TEST_F(ManifestDecoders, takeAPhotosDatesFromTheFirstAndTheThirdTime) {
+  writeManifest({{.path = "a.jpg",
+                  .creationDate = 20,
+                  .modificationDate = 30,
+                  .addedDate = 10,
+                  .filelength = 7},
+                 {.path = "b.jpg", .creationDate = 40, .modificationDate = 50, .filelength = 1}});
+  iOS5Decoder five(m_tree.root());
+  iOS4Decoder four(m_tree.root());
+  for (BackupDecoderDelegate* decoder :
+       std::initializer_list<BackupDecoderDelegate*>{&five, &four}) {
+    decoder->loadContents();
+    const PhotoInfo info = decoder->photoInfo(0);
+    EXPECT_EQ(info.modificationDate, instantFromUnixTime(20));
+    EXPECT_EQ(info.birthDate, instantFromUnixTime(10));
+    EXPECT_EQ(info.date(), instantFromUnixTime(10));
+    EXPECT_EQ(decoder->photoInfo(1).date(), instantFromUnixTime(40));
+  }
 }
 
 TEST_F(ManifestDecoders, theLastOfTwoEntriesOfOneUniquePathAnswers) {
@@ -86,46 +93,24 @@ TEST_F(ManifestDecoders, theLastOfTwoEntriesOfOneUniquePathAnswers) {
   EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("a.jpg"))), "last");
 }
 
-TEST_F(ManifestDecoders, findEachOfManyPhotos) {
-  std::vector<ManifestEntry> entries;
-  for (int i = 0; i < 2000; ++i) {
-    entries.push_back({.path = "IMG_" + std::to_string(i) + ".JPG", .filelength = 1});
-  }
-  writeManifest(entries);
-  for (const int i : {0, 777, 1999}) {
-    const std::string number = std::to_string(i);
-    m_tree.write(samples::contentName("CameraRollDomain", "IMG_" + number + ".JPG"), number);
-  }
-  iOS5Decoder decoder(m_tree.root());
-  int held = 0;
-  for (const std::string& path : decoder.imageFilePaths()) {
-    held += decoder.holdsFileAtPath(path);
-  }
-  EXPECT_EQ(held, 3);
-  EXPECT_EQ(textOf(*decoder.dataForFileAtPath(m_tree.path("IMG_777.JPG"))), "777");
-  EXPECT_FALSE(decoder.dataForFileAtPath(m_tree.path("IMG_777.jpg")));
-}
-
 TEST_F(ManifestDecoders, takeBooleansAndNumbersAsTheFlagOfEncryption) {
-  struct Case {
-    PlistValue value;
-    bool encrypted;
+  const auto isEncrypted = [this](std::string_view manifest) {
+    m_tree.write("Manifest.plist", manifest);
+    iOS5Decoder decoder(m_tree.root());
+    decoder.loadContents();
+    return decoder.encrypted();
   };
-  for (const Case& c :
-       {Case{true, true}, Case{false, false}, Case{1, true}, Case{0, false}, Case{-1, true},
-        Case{0.5, true}, Case{"true", false}, Case{PlistValue::data("1"), false},
-        Case{PlistValue::array({true}), false}}) {
-    m_tree.write("Manifest.plist",
-                 samples::binaryPropertyList(PlistValue::dictionary({{"IsEncrypted", c.value}})));
-    iOS5Decoder decoder(m_tree.root());
-    decoder.loadContents();
-    EXPECT_EQ(decoder.encrypted(), c.encrypted) << samples::xmlPropertyList(c.value);
+  const auto flag = [](const PlistValue& value) {
+    return samples::binaryPropertyList(PlistValue::dictionary({{"IsEncrypted", value}}));
+  };
+  for (const PlistValue& value : std::vector<PlistValue>{true, 1, -1, 0.5}) {
+    EXPECT_TRUE(isEncrypted(flag(value))) << samples::xmlPropertyList(value);
   }
-  for (const char* rubbish : {"", "bplist00", "rubbish", "<plist><array/></plist>"}) {
-    m_tree.write("Manifest.plist", rubbish);
-    iOS5Decoder decoder(m_tree.root());
-    decoder.loadContents();
-    EXPECT_FALSE(decoder.encrypted()) << rubbish;
+  for (const std::string& manifest :
+       {flag(false), flag(0), flag("true"), flag(PlistValue::data("1")),
+        flag(PlistValue::array({true})), std::string(), std::string("bplist00"),
+        std::string("rubbish"), std::string("<plist><array/></plist>")}) {
+    EXPECT_FALSE(isEncrypted(manifest)) << manifest;
   }
 }
 

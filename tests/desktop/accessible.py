@@ -30,12 +30,10 @@ def objects(top):
             waiting += [child for child in safe(lambda: list(one), []) if child]
 
 
-def application(name):
-    def found():
-        for one in safe(lambda: list(pyatspi.Registry.getDesktop(0)), []):
-            if one and safe(lambda: one.name) == name:
-                return one
-    return wait_for(f"{name} on the accessibility bus", found)
+def application(process):
+    """What the bus knows of a process, if anything."""
+    return next((one for one in safe(lambda: list(pyatspi.Registry.getDesktop(0)), [])
+                 if one and safe(one.get_process_id) == process), None)
 
 
 def is_showing(one):

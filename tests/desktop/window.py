@@ -13,8 +13,8 @@ import tempfile
 
 from accessible import (FocusedMenu, application, extents, find, has_state, matching, middle,
                         names, objects, press, safe)
-from desktop import (PATIENCE, make_home, start_display, start_file_manager, started, wait_for,
-                     xdotool)
+from desktop import (PATIENCE, again, bring_to_front, drag_pointer, make_home, place_window,
+                     start_display, start_file_manager, started, visible_window, wait_for, xdotool)
 
 ROW = "table cell"  # what Qt tells of a tree's row
 ROOT = "Library/Application Support/MobileSync/Backup"
@@ -37,19 +37,6 @@ def contents(folder):
     return sorted(digest for digest, _ in digests(folder).values())
 
 
-def again(what, act, condition, looks=100):
-    """Acts, and once more whenever nothing has come of it for a while: no file manager tells when it
-    is ready to take something."""
-    looked = 0
-    def came():
-        nonlocal looked
-        if looked % looks == 0:
-            act()
-        looked += 1
-        return condition()
-    wait_for(what, came)
-
-
 def answer_questions(manager, window):
     """With no: a photo that was pasted twice makes the file manager ask, and take nothing meanwhile."""
     def is_in_front():
@@ -62,17 +49,26 @@ def answer_questions(manager, window):
 
 
 class Window:
-    def __init__(self, stack, program, errors):
-        self.process = started(stack, [program], stderr=errors,
-                               env=dict(os.environ, QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR="1"))
-        self.application = application("Snaplift")
+    def __init__(self, stack, program, errors, *arguments):
+        self.process = None
+        def start():
+            if self.process:
+                self.process.kill()  # it asks for the bus once, and nobody answered in time
+            self.process = started(stack, [program, *arguments], stderr=errors, env=dict(
+                os.environ, QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR="1"))
+        self.application = again("Snaplift on the accessibility bus", start,
+                                 lambda: self.process and application(self.process.pid), 40)
+
+    def window(self):
+        return wait_for("the window", lambda: visible_window("^Snaplift$"))
 
     def activate(self):
         """Brings the window to the front, and waits until keys go to it."""
-        window = wait_for("the window", lambda: xdotool(
-            "search", "--onlyvisible", "--name", "^Snaplift$").split("\n")[0])
-        xdotool("windowactivate", "--sync", window)
-        return window
+        bring_to_front(self.window())
+
+    def keys(self, keys, what, condition):
+        """Types them, in the window that is in front, until what they are for has come."""
+        return again(what, lambda: xdotool("key", *keys.split()), condition)
 
     def text(self, text):
         """Waits until a label says so."""
@@ -90,9 +86,11 @@ class Window:
         xdotool("mousemove", *middle(one))
         xdotool("click", button)
 
+    def says(self, text):
+        return text in names(self.application, "label")
+
     def select(self, row, text):
-        self.click(self.row(row))
-        self.text(text)
+        again(text, lambda: self.click(self.row(row)), lambda: self.says(text))
 
     def photos(self):
         return find(self.application, "list", "Photos")
@@ -102,35 +100,55 @@ class Window:
         return middle(wait_for(f"photo {index}", lambda: safe(
             lambda: self.photos().getChildAtIndex(index))))
 
-    def click_photo(self, index, *modifiers):
-        xdotool("mousemove", *self.photo(index))
-        for key in modifiers:
-            xdotool("keydown", key)
-        xdotool("click", 1)
-        for key in modifiers:
-            xdotool("keyup", key)
+    def select_photos(self, *indexes):
+        """Clicks them, all but the first with Ctrl held."""
+        def click():
+            for index in indexes:
+                xdotool("mousemove", *self.photo(index))
+                xdotool(*(["keydown", "ctrl"] if index != indexes[0] else []), "click", 1,
+                        "keyup", "ctrl")
+        text = f"{len(indexes)} of {self.photos().childCount} Photos Selected"
+        again(text, click, lambda: self.says(text) and all(
+            has_state(self.photos().getChildAtIndex(index), "selected") for index in indexes))
 
-    def alert(self, text):
-        """The alert that says so."""
-        return wait_for(f"the alert {text}", lambda: next(
-            (one for one in matching(self.application, "alert")
-             + matching(self.application, "dialog") if names(one, "label")[:1] == [text]), None))
+    def alerts(self, text):
+        return [one for one in matching(self.application, "alert")
+                + matching(self.application, "dialog") if names(one, "label")[:1] == [text]]
 
-    def dismiss(self, alert, button="Ok"):
-        press(find(alert, "push button", button))
+    def provoke(self, row, text):
+        """The alert that comes of clicking a row."""
+        return again(f"the alert {text}", lambda: self.click(self.row(row)),
+                     lambda: self.alerts(text))[0]
 
-    def choose_folder(self, folder):
-        dialog = find(self.application, "dialog", "Export")
-        name = wait_for("the field of the folder's name",
-                        lambda: next(iter(matching(dialog, "text")), None))
-        wait_for("keys to go to the chooser", lambda: has_state(name, "focused"))
-        xdotool("key", "ctrl+a")
-        xdotool("type", "--delay", "1", folder)
-        wait_for("the folder's name", lambda: safe(
+    def dismiss(self, text, button="Ok"):
+        """Answers the alert that says so."""
+        def answer():
+            for alert in self.alerts(text):
+                press(find(alert, "push button", button))
+        again(f"the end of the alert {text}", answer, lambda: not self.alerts(text))
+
+    def export(self, keys, folder):
+        """What those keys export, into a folder."""
+        self.choose("Export", lambda: xdotool("key", keys), folder)
+
+    def choose(self, title, ask, folder):
+        """A folder, in the chooser of that title that comes of asking."""
+        def dialogs():
+            return matching(self.application, "dialog", title)
+        again("the chooser", ask, dialogs)
+        def field():
+            return next((one for dialog in dialogs() for one in matching(dialog, "text")), None)
+        name = wait_for("the field of the folder's name", field)
+        def type_name():
+            if has_state(name, "focused"):
+                xdotool("key", "ctrl+a")
+                xdotool("type", "--delay", "1", folder)
+        again("the folder's name", type_name, lambda: safe(
             lambda: name.queryText().getText(0, -1)) == folder)
-        xdotool("key", "Return")
-        wait_for("the chooser to close",
-                 lambda: not matching(self.application, "dialog", "Export"))
+        self.keys("Return", "the chooser to close", lambda: not dialogs())
+
+    def has_ended(self):
+        return self.process.poll() is not None
 
     def exit_status(self):
         return self.process.wait(PATIENCE)
@@ -152,12 +170,11 @@ def states(test):
     window.select("October 14, 2011", "1 Photo")
     window.select("December 13, 2011", "No Photos Found in This Backup")
     window.text("No Photos")
-    window.click(window.row("January 12, 2012"))
-    alert = window.alert("This Backup is Encrypted")
+    alert = window.provoke("January 12, 2012", "This Backup is Encrypted")
     assert names(alert, "label")[1] == (
         "Snaplift cannot recover photos from this backup because it is encrypted.  You must use "
         "iTunes to restore them to an iOS device."), names(alert, "label")
-    window.dismiss(alert)
+    window.dismiss("This Backup is Encrypted")
     window.text("Backup is Encrypted")
     window.text("1 Photo")
     window.select("May 11, 2012", "5 Photos")
@@ -168,17 +185,40 @@ def states(test):
             assert safe(lambda: one.name), f"a nameless {safe(lambda: one.getRoleName())}"
 
 
-def nothing(test):
-    """No backups: the alert, and then the end."""
+def folders(test):
+    """Folders without the root's help: chosen, remembered, closed, named on the command line."""
+    rows = ["ANNA", "May 11, 2012"]
+    first = os.path.join(os.path.dirname(test.root), "Backup")
     with tempfile.TemporaryDirectory() as home:
         os.environ["HOME"] = home
         window = test.window()
-        alert = window.alert("No backup folders found")
-        assert names(alert, "label")[1] == (
-            "Snaplift could not locate any valid iOS backups in your "
-            "~/Library/Application Support/MobileSync/Backups/ folder."), names(alert, "label")
-        window.dismiss(alert)
-        assert window.exit_status() == 0
+        def ask():
+            for alert in window.alerts("No backup folders found"):
+                press(find(alert, "push button", "Choose Folder..."))
+        window.choose("Open", ask, os.path.dirname(first))
+        window.text("5 Photos")
+        assert window.rows()[:2] == rows, window.rows()
+        window.activate()
+        window.keys("ctrl+q", "the end", window.has_ended)
+
+        window = test.window()
+        window.text("5 Photos")  # without a question
+        assert window.rows()[:2] == rows, window.rows()
+        window.activate()
+        def close_folder():
+            xdotool("key", "alt+f")
+            xdotool("key", "c")
+        again("the empty window", close_folder, lambda: not window.rows() and window.says(
+            "Choose a folder that holds backups, or drop one on this window."))
+        window.choose("Open", lambda: xdotool("key", "ctrl+o"), os.path.join(first, "Anna-5.1"))
+        wait_for("one backup", lambda: len(window.rows()) == 2)
+        window.activate()
+        window.keys("ctrl+q", "the end", window.has_ended)
+
+        window = test.window("--no-state", home)
+        alert = wait_for("the answer", lambda: window.alerts(
+            f"No Backups Found in “{os.path.basename(home)}”"))[0]
+        assert "Info.plist" in names(alert, "label")[1], names(alert, "label")
 
 
 def menu(test):
@@ -186,27 +226,32 @@ def menu(test):
     window = test.window()
     window.text("5 Photos")
     menu = FocusedMenu()
-    def shows(first):
-        """Waits for the menu that begins so, and closes it."""
+    def is_open():
+        """Beside the window another one of the program shows."""
+        return "\n" in xdotool("search", "--onlyvisible", "--pid", window.process.pid)
+
+    def shows(first, ask):
+        """Asks for a menu, waits until it begins so, and closes it."""
+        again("a menu", ask, is_open)
         def found():
             if menu.items() != [first, "", "Reveal In Finder"]:
                 xdotool("key", "Down")  # to the next item that can be chosen
                 return False
             return True
         wait_for(f"the menu {first}", found)
-        xdotool("key", "Escape")
+        window.keys("Escape", "the menu to close", lambda: not is_open())
         menu.item = None
 
-    window.click(window.row("February 11, 2012"), 3)
-    shows("Export All...")  # "Loading..." until the load has ended
+    def pointed(row):
+        return lambda: window.click(window.row(row), 3)
+
+    shows("Export All...", pointed("February 11, 2012"))  # "Loading..." until the load has ended
     window.text("1000 Photos")
     assert has_state(window.row("February 11, 2012"), "selected")
-    window.click(window.row("December 13, 2011"), 3)
-    shows("No Photos")
+    shows("No Photos", pointed("December 13, 2011"))
     window.select("April 11, 2012", "3 Photos")
-    xdotool("key", "shift+F10")
-    shows("Export All...")
-    window.click(window.row("ANNA"), 3)  # no menu: the next click selects
+    shows("Export All...", lambda: xdotool("key", "shift+F10"))
+    pointed("ANNA")()  # no menu: the next click selects
     window.select("May 11, 2012", "5 Photos")
 
 
@@ -214,11 +259,8 @@ def export(test):
     """A selection, then a thousand photos; what arrives is what the backup holds."""
     window = test.window()
     window.text("5 Photos")
-    window.click_photo(0)
-    window.click_photo(4, "ctrl")
-    window.text("2 of 5 Photos Selected")
-    xdotool("key", "ctrl+e")
-    window.choose_folder(test.folder)
+    window.select_photos(0, 4)
+    window.export("ctrl+e", test.folder)
     wait_for("two photos of one name", lambda: sorted(os.listdir(test.folder)) == [
         "IMG_0001 1.JPG", "IMG_0001.JPG"])
     window.text("2 of 5 Photos Selected")
@@ -227,11 +269,10 @@ def export(test):
     many = os.path.join(test.folder, "many")
     os.mkdir(many)
     said = set()
-    xdotool("key", "ctrl+shift+e")
-    window.choose_folder(many)
+    window.export("ctrl+shift+e", many)
     def ended():
         said.update(names(window.application, "label"))
-        return len(os.listdir(many)) == 1000 and "1000 Photos" in names(window.application, "label")
+        return len(os.listdir(many)) == 1000 and window.says("1000 Photos")
     wait_for("a thousand photos", ended)
     wait_for("the spinner to stop", lambda: not [
         one for one in objects(window.application)
@@ -247,33 +288,31 @@ def copy(test):
     """Copied photos are pasted in a file manager, and dragged ones dropped into it."""
     window = test.window()
     window.text("5 Photos")
-    xdotool("windowsize", "--sync", window.activate(), 640, 500)
-    xdotool("windowmove", "--sync", window.activate(), 0, 30)
+    place_window(window.window(), 0, 30, 640, 500)
     manager, place = start_file_manager(test.stack, test.manager, test.folder, 660, 120, 560, 500)
-    window.activate()
-    window.click_photo(1)
-    window.text("1 of 5 Photos Selected")
-    xdotool("key", "ctrl+c")
-    xdotool("windowactivate", "--sync", manager)
-    xdotool("mousemove", *place)
-    xdotool("click", 1)
-    again("the pasted photo", lambda: xdotool("key", "ctrl+v"),
-          lambda: "IMG_0002.JPG" in os.listdir(test.folder))
+    def paste():
+        window.activate()
+        window.select_photos(1)
+        xdotool("key", "ctrl+c")
+        answer_questions(manager, window.window())
+        xdotool("mousemove", *place)
+        xdotool("click", 1)
+        xdotool("key", "ctrl+v")
+    again("the pasted photo", paste, lambda: "IMG_0002.JPG" in os.listdir(test.folder))
 
-    window.activate()
-    window.click_photo(2)
-    window.text("1 of 5 Photos Selected")
-    start = window.photo(2)
-    def drag():
-        answer_questions(manager, window.activate())
-        xdotool("mousemove", *start)
-        xdotool("mousedown", 1)
-        for step in range(1, 6):
-            xdotool("mousemove", start[0] + 6 * step, start[1] + 4 * step)
-        for tremble in range(40):
-            xdotool("mousemove", place[0] + tremble % 7, place[1] + tremble % 5)
+    def drag(target):
+        answer_questions(manager, window.window())
+        window.activate()
+        window.select_photos(1, 2, 3)
+        drag_pointer(window.photo(2), target)
         xdotool("mouseup", 1)
-    again("the dropped photo", drag, lambda: "IMG_0003.JPG" in os.listdir(test.folder))
+    before = contents(test.folder)
+    drag((400, 700))  # nobody takes files on the bare desktop
+    assert contents(test.folder) == before, "a refused drag exported"
+    os.remove(os.path.join(test.folder, "IMG_0002.JPG"))
+    wanted = ["IMG_0002.JPG", "IMG_0003.JPG", "IMG_0004.JPG"]
+    again("the dropped photos", lambda: drag(place),
+          lambda: set(wanted) <= set(os.listdir(test.folder)), 10)
     source = contents(os.path.join(test.root, "Anna-5.1"))
     wait_for("whole photos", lambda: all(digest in source for digest in contents(test.folder)))
 
@@ -285,42 +324,7 @@ def reveal(test):
     start_file_manager(test.stack, test.manager, test.folder, 660, 120, 560, 500)
     window.activate()
     window.select("April 11, 2012", "3 Photos")
-    xdotool("key", "ctrl+r")
-    wait_for("the backup's folder", lambda: xdotool(
-        "search", "--onlyvisible", "--name", "Anna-4.3"))
-
-
-def zoom(test):
-    """A double-click zooms in and back; the divider keeps its limits."""
-    window = test.window()
-    window.text("5 Photos")
-    slider = find(window.application, "slider", "Zoom")
-    value = lambda: safe(lambda: slider.queryValue().currentValue, -1)
-    largest = wait_for("the slider's range", lambda: safe(lambda: slider.queryValue().maximumValue))
-    start = value()
-    def double_click():
-        xdotool("mousemove", *window.photo(0))
-        xdotool("click", "--repeat", 2, "--delay", 40, 1)
-    double_click()
-    wait_for("the largest size", lambda: value() == largest)
-    double_click()
-    wait_for("the size at the start", lambda: value() == start)
-    window.activate()
-    xdotool("key", "ctrl+plus")
-    wait_for("larger pictures", lambda: value() > start)
-    xdotool("key", "ctrl+0")
-    wait_for("the size at the start", lambda: value() == start)
-
-    tree = find(window.application, "tree", "Backups")
-    box = lambda: extents(tree)
-    for aim, wanted in ((900, 300), (20, 200)):
-        edge = (box().x + box().width, box().y + box().height // 2)
-        xdotool("mousemove", *edge)
-        xdotool("mousedown", 1)
-        for step in range(1, 4):
-            xdotool("mousemove", edge[0] + (aim - edge[0]) * step // 3, edge[1])
-        xdotool("mouseup", 1)
-        wait_for(f"a sidebar of {wanted}", lambda: box().width == wanted)
+    window.keys("ctrl+r", "the backup's folder", lambda: visible_window("Anna-4.3"))
 
 
 def keyboard(test):
@@ -328,29 +332,27 @@ def keyboard(test):
     window = test.window()
     window.text("5 Photos")
     window.activate()
-    wait_for("keys to go to the tree", lambda: has_state(
-        find(window.application, "tree", "Backups"), "focused") or has_state(
-        window.row("May 11, 2012"), "focused") or xdotool("key", "Tab"))
-    xdotool("key", "Down")
-    window.text("3 Photos")
+    tree = find(window.application, "tree", "Backups")
+    window.keys("Tab", "keys to go to the tree", lambda: has_state(tree, "focused")
+                or has_state(window.row("May 11, 2012"), "focused"))
+    def down():
+        if has_state(window.row("May 11, 2012"), "selected"):  # not beyond the next
+            xdotool("key", "Down")
+    again("the next backup", down, lambda: window.says("3 Photos"))
     assert has_state(window.row("April 11, 2012"), "selected")
-    xdotool("key", "Tab")
-    wait_for("keys to go to the grid", lambda: has_state(window.photos(), "focused"))
-    xdotool("key", "Home")
-    window.text("1 of 3 Photos Selected")
-    xdotool("key", "space")
-    xdotool("key", "Escape")
-    xdotool("key", "shift+Right")
-    window.text("2 of 3 Photos Selected")
-    xdotool("key", "ctrl+i")
-    window.text("1 of 3 Photos Selected")
-    xdotool("key", "ctrl+a")
+    window.keys("Tab", "keys to go to the grid", lambda: has_state(window.photos(), "focused"))
+    def selected(*indexes):
+        return lambda: [index for index in range(3) if has_state(
+            window.photos().getChildAtIndex(index), "selected")] == list(indexes)
+    window.keys("Home", "one photo", selected(0))
+    window.keys("Home space Escape shift+Right", "two photos", selected(0, 1))
+    window.keys("Home shift+Right ctrl+i", "the third photo", selected(2))
+    window.keys("ctrl+a", "all photos", selected(0, 1, 2))
     window.text("3 of 3 Photos Selected")
-    xdotool("key", "ctrl+e")
-    window.choose_folder(test.folder)
+    window.export("ctrl+e", test.folder)
     wait_for("three photos", lambda: len(os.listdir(test.folder)) == 3)
     window.text("3 of 3 Photos Selected")
-    xdotool("key", "ctrl+q")
+    window.keys("ctrl+q", "the end", window.has_ended)
     assert window.exit_status() == 0
 
 
@@ -359,35 +361,31 @@ def quit(test):
     window = test.window()
     window.text("5 Photos")
     window.click(window.row("February 11, 2012"))
-    xdotool("key", "ctrl+q")
+    window.keys("ctrl+q", "the end", window.has_ended)
     assert window.exit_status() == 0, "while a backup loads"
 
     window = test.window()
     window.text("5 Photos")
-    window.click(window.row("January 12, 2012"))
-    alert = window.alert("This Backup is Encrypted")
-    xdotool("windowquit", xdotool("search", "--onlyvisible", "--name", "^Snaplift$").split("\n")[0])
-    window.dismiss(alert)  # it comes first: the window waits behind it
+    window.provoke("January 12, 2012", "This Backup is Encrypted")
+    xdotool("windowquit", window.window())
+    window.dismiss("This Backup is Encrypted")  # it comes first: the window waits behind it
     window.text("Backup is Encrypted")
     window.activate()
-    xdotool("key", "ctrl+q")
+    window.keys("ctrl+q", "the end", window.has_ended)
     assert window.exit_status() == 0, "after an alert"
 
     window = test.window()
     window.text("5 Photos")
     window.select("February 11, 2012", "1000 Photos")
-    xdotool("key", "ctrl+shift+e")
-    window.choose_folder(test.folder)
-    xdotool("key", "ctrl+q")
-    def ended():
-        question = [one for one in matching(window.application, "alert")
-                    + matching(window.application, "dialog")
-                    if names(one, "label")[:1] == ["Photos Are Still Being Exported"]]
-        if question:
-            window.dismiss(question[0], "Stop and Quit")
-        return window.process.poll() is not None
-    wait_for("the end", ended)
-    assert window.process.returncode == 0, "while photos are exported"
+    window.export("ctrl+shift+e", test.folder)
+    question = "Photos Are Still Being Exported"
+    window.keys("ctrl+q", "the question or the end",
+                lambda: window.alerts(question) or window.has_ended())
+    if not window.has_ended():
+        window.dismiss(question, "Stop and Quit")
+    # The question goes away by itself when there is nothing more to stop.
+    window.keys("ctrl+q", "the end", window.has_ended)
+    assert window.exit_status() == 0, "while photos are exported"
     source = contents(os.path.join(test.root, "Big-9.3"))
     assert all(re.fullmatch(r"BIG_\d+\.JPG", name) for name in os.listdir(test.folder))
     assert all(digest in source for digest in contents(test.folder)), "a part of a photo"
@@ -403,8 +401,8 @@ class Test:
         self.errors = stack.enter_context(tempfile.TemporaryFile("w+"))
         subprocess.run([writer, self.root], check=True)
 
-    def window(self):
-        return Window(self.stack, self.program, self.errors)
+    def window(self, *arguments):
+        return Window(self.stack, self.program, self.errors, *arguments)
 
     def sanitizer_reports(self):
         """What a sanitizer had to say, in a build with one."""

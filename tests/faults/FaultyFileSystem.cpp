@@ -31,7 +31,7 @@ CallFault FaultyFileSystem::faultOf(SystemCall call) {
   if (isDue && faults.errorNumber == 0) {
     ::kill(::getpid(), SIGKILL);
   }
-  return {isDue ? faults.errorNumber : 0, faults.withoutLinks, faults.maximumWrite};
+  return {isDue ? faults.errorNumber : 0, faults.kind, faults.maximumWrite};
 }
 
 }  // namespace snaplift

@@ -12,7 +12,7 @@ namespace snaplift {
 struct Faults {
   int faultyCall = 0;   // this call goes wrong; 0: none does
   int errorNumber = 0;  // how: it fails with this error; 0: the process is killed right before it
-  bool withoutLinks = false;  // see CallFault
+  FileSystemKind kind = FileSystemKind::Whole;
   std::size_t maximumWrite = std::numeric_limits<std::size_t>::max();
 };
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <type_traits>
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -27,7 +28,11 @@ template <typename Call>
 auto unlessFaulty(int errorNumber, Call call) -> decltype(call()) {
   if (errorNumber != 0) {
     errno = errorNumber;
-    return decltype(call())(-1);
+    if constexpr (std::is_pointer_v<decltype(call())>) {
+      return nullptr;
+    } else {
+      return -1;
+    }
   }
   return call();
 }
@@ -35,6 +40,15 @@ auto unlessFaulty(int errorNumber, Call call) -> decltype(call()) {
 template <typename Call>
 auto faulty(SystemCall kind, Call call) -> decltype(call()) {
   return unlessFaulty(faultOf(kind).errorNumber, call);
+}
+
+// As faulty(), of a call that a file system of the kind `refusing` and of those after it refuses.
+template <typename Call>
+auto faultyOrRefused(SystemCall kind, FileSystemKind refusing, int refusal, Call call)
+    -> decltype(call()) {
+  const CallFault fault = faultOf(kind);
+  const int error = fault.kind >= refusing ? refusal : 0;
+  return unlessFaulty(fault.errorNumber != 0 ? fault.errorNumber : error, call);
 }
 
 mode_t modeOf(int flags, va_list arguments) {
@@ -50,6 +64,7 @@ void setFaultPolicy(FaultPolicy policy) {
 }  // namespace snaplift
 
 using snaplift::faulty;
+using snaplift::FileSystemKind;
 using snaplift::SystemCall;
 
 // The version that ours stands before: the system's, or that of a sanitizer, which wants to know
@@ -74,25 +89,21 @@ int openat(int folder, const char* path, int flags, ...) {
   va_start(arguments, flags);
   const mode_t mode = snaplift::modeOf(flags, arguments);
   va_end(arguments);
-  return faulty(SystemCall::Open, [&] { return next(folder, path, flags, mode); });
+  const auto call = [&] { return next(folder, path, flags, mode); };
+  return (flags & O_TMPFILE) == O_TMPFILE
+             ? snaplift::faultyOrRefused(SystemCall::Open, FileSystemKind::WithoutNameless,
+                                         EOPNOTSUPP, call)
+             : faulty(SystemCall::Open, call);
 }
 
 DIR* opendir(const char* path) {
   static const auto next = NEXT_VERSION(opendir);
-  if (const int error = snaplift::faultOf(SystemCall::Open).errorNumber) {
-    errno = error;
-    return nullptr;
-  }
-  return next(path);
+  return faulty(SystemCall::Open, [&] { return next(path); });
 }
 
 dirent* readdir(DIR* listing) {
   static const auto next = NEXT_VERSION(readdir);
-  if (const int error = snaplift::faultOf(SystemCall::List).errorNumber) {
-    errno = error;
-    return nullptr;
-  }
-  return next(listing);
+  return faulty(SystemCall::List, [&] { return next(listing); });
 }
 
 ssize_t read(int descriptor, void* bytes, size_t size) {
@@ -128,6 +139,15 @@ ssize_t write(int descriptor, const void* bytes, size_t size) {
   return snaplift::unlessFaulty(fault.errorNumber, [&] { return next(descriptor, bytes, taken); });
 }
 
+ssize_t copy_file_range(int from, off64_t* fromOffset, int to, off64_t* toOffset, size_t size,
+                        unsigned flags) {
+  static const auto next = NEXT_VERSION(copy_file_range);
+  const snaplift::CallFault fault = snaplift::faultOf(SystemCall::Copy);
+  const size_t taken = std::min(size, fault.maximumWrite);
+  return snaplift::unlessFaulty(fault.errorNumber,
+                                [&] { return next(from, fromOffset, to, toOffset, taken, flags); });
+}
+
 // A close that fails has closed the file all the same.
 int close(int descriptor) {
   static const auto next = NEXT_VERSION(close);
@@ -139,9 +159,7 @@ int close(int descriptor) {
 int linkat(int oldFolder, const char* oldPath, int newFolder, const char* newPath,
            int flags) noexcept {
   static const auto next = NEXT_VERSION(linkat);
-  const snaplift::CallFault fault = snaplift::faultOf(SystemCall::Link);
-  const int refusal = fault.withoutLinks ? EPERM : 0;
-  return snaplift::unlessFaulty(fault.errorNumber != 0 ? fault.errorNumber : refusal, [&] {
+  return snaplift::faultyOrRefused(SystemCall::Link, FileSystemKind::WithoutLinks, EPERM, [&] {
     return next(oldFolder, oldPath, newFolder, newPath, flags);
   });
 }
@@ -153,11 +171,10 @@ int link(const char* oldPath, const char* newPath) noexcept {
 int renameat2(int oldFolder, const char* oldPath, int newFolder, const char* newPath,
               unsigned flags) noexcept {
   static const auto next = NEXT_VERSION(renameat2);
-  const snaplift::CallFault fault = snaplift::faultOf(SystemCall::Rename);
-  const int refusal = fault.withoutLinks && flags != 0 ? EINVAL : 0;
-  return snaplift::unlessFaulty(fault.errorNumber != 0 ? fault.errorNumber : refusal, [&] {
-    return next(oldFolder, oldPath, newFolder, newPath, flags);
-  });
+  const auto call = [&] { return next(oldFolder, oldPath, newFolder, newPath, flags); };
+  return flags == 0 ? faulty(SystemCall::Rename, call)
+                    : snaplift::faultyOrRefused(SystemCall::Rename, FileSystemKind::WithoutRename,
+                                                EINVAL, call);
 }
 
 int renameat(int oldFolder, const char* oldPath, int newFolder, const char* newPath) noexcept {

@@ -16,6 +16,7 @@ enum class SystemCall {
   List,
   Status,
   Write,
+  Copy,
   Close,
   Link,
   Rename,
@@ -24,14 +25,19 @@ enum class SystemCall {
   Flush
 };
 
-inline constexpr std::array<std::string_view, 11> systemCallNames{
-    "open", "read",   "list",   "status", "write", "close",
-    "link", "rename", "unlink", "mkdir",  "flush"};
+inline constexpr std::array<std::string_view, 12> systemCallNames{
+    "open",  "read", "list",   "status", "write", "copy",
+    "close", "link", "rename", "unlink", "mkdir", "flush"};
+
+// What a file system offers to who makes a file that replaces nothing. Each kind lacks what the one
+// before it has: files without a name (as network file systems, FAT and exFAT), a rename that
+// refuses a taken name (network file systems), links (FAT and exFAT through FUSE).
+enum class FileSystemKind { Whole, WithoutNameless, WithoutRename, WithoutLinks };
 
 // What one call meets.
 struct CallFault {
-  int errorNumber = 0;        // it fails with this error; 0: it does not
-  bool withoutLinks = false;  // as on FAT and exFAT through FUSE: no links, no rename that refuses
+  int errorNumber = 0;  // it fails with this error; 0: it does not
+  FileSystemKind kind = FileSystemKind::Whole;
   std::size_t maximumWrite = std::numeric_limits<std::size_t>::max();  // bytes that one call takes
 };
 

@@ -11,7 +11,8 @@
 namespace snaplift {
 namespace {
 
-constexpr std::size_t imageSize = std::size_t{64} << 20;
+// The least that mkfs.xfs takes. A sparse file.
+constexpr std::size_t imageSize = std::size_t{320} << 20;
 
 bool run(const std::string& command) {
   return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
@@ -51,6 +52,18 @@ std::unique_ptr<Volume> Volume::exFat(const std::string& folder, const std::stri
 
 std::unique_ptr<Volume> Volume::fat(const std::string& folder, const std::string& image) {
   return fromImage(folder, image, "mkfs.vfat -F 32", {"mount -t vfat -o loop", "fusefat -o rw+"});
+}
+
+std::unique_ptr<Volume> Volume::btrfs(const std::string& folder, const std::string& image) {
+  return fromImage(folder, image, "mkfs.btrfs", {"mount -o loop"});
+}
+
+std::unique_ptr<Volume> Volume::xfs(const std::string& folder, const std::string& image) {
+  return fromImage(folder, image, "mkfs.xfs", {"mount -o loop"});
+}
+
+std::unique_ptr<Volume> Volume::ext4(const std::string& folder, const std::string& image) {
+  return fromImage(folder, image, "mkfs.ext4", {"mount -o loop"});
 }
 
 Volume::~Volume() {

@@ -23,6 +23,11 @@ public:
   // FAT, as a stick has it: by the kernel, else through FUSE.
   static std::unique_ptr<Volume> fat(const std::string& folder, const std::string& image);
 
+  // File systems of the kernel that share blocks (btrfs-progs, xfsprogs), and one that does not.
+  static std::unique_ptr<Volume> btrfs(const std::string& folder, const std::string& image);
+  static std::unique_ptr<Volume> xfs(const std::string& folder, const std::string& image);
+  static std::unique_ptr<Volume> ext4(const std::string& folder, const std::string& image);
+
   Volume(const Volume&) = delete;
   Volume& operator=(const Volume&) = delete;
   ~Volume();

@@ -16,14 +16,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(MBDBXRow, readsAnEntryOfTheIndexFile) {
-  std::string entry;
-  for (char byte = 0; byte < 20; ++byte) {
-    entry.push_back(byte);
-  }
-  entry += std::string("\x00\x00\x01\x00\x81\xA4", 6);
-  ASSERT_EQ(entry.size(), MBDBXRow::indexEntryLength);
+  const std::string entry =
+      std::string("\0abcdefghijklmnopqr\xFF", 20) + std::string("\0\0\1\0\x81\xA4", 6);
   const MBDBXRow row = MBDBXRow::initWithRow(bytesOf(entry));
-  EXPECT_EQ(row.hash(), "000102030405060708090a0b0c0d0e0f10111213");
+  EXPECT_EQ(row.hash(), "006162636465666768696a6b6c6d6e6f707172ff");
   EXPECT_EQ(row.index(), 256u);
   EXPECT_EQ(row.typeHex(), "81a4");
   EXPECT_EQ(row.type(), MBDBXRow::RegularFile);
@@ -55,6 +51,13 @@ TEST(MBDBXRow, describesAnEntryOfEitherFile) {
             "+0000, type (null), type: 1, domain: MediaDomain, path: "
             "Media/DCIM/100APPLE/IMG_0001.JPG, uniquePath: "
             "/root/backup/Media/DCIM/100APPLE/IMG_0001.JPG}");
+
+  // What the manifest leaves empty is not unknown.
+  iOS5MBDBReader nameless(Bytes::copyOf(bytesOf(samples::manifestDatabase({{.filelength = 1}}))));
+  record = nameless.nextEntry();
+  record->setBackupFolder(&folder);
+  EXPECT_THAT(MBDBXRow::initWithRecord(*record).description(),
+              testing::HasSubstr("domain: , path: , uniquePath: /root/backup}"));
 
   const std::string entry = std::string(20, '\x0F') + std::string("\0\0\0\7\xA1\xED", 6);
   EXPECT_EQ(MBDBXRow::initWithRow(bytesOf(entry)).description(),

@@ -7,7 +7,7 @@
 
 #include <sys/types.h>
 
-#include "foundation/FileDescriptor.h"
+#include "foundation/files/FileDescriptor.h"
 
 namespace snaplift {
 

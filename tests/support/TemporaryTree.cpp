@@ -8,7 +8,7 @@
 
 #include <stdlib.h>
 
-#include "foundation/Path.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
 namespace {

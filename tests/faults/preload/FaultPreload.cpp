@@ -1,6 +1,6 @@
 // A library for LD_PRELOAD that lets one call of a whole program fail. SNAPLIFT_FAULT says which:
 // "KIND:N:ERROR", the kind by its name in systemCallNames, N counted from 1 over all threads, and
-// the number of the error. Where SNAPLIFT_FAULT_LINKS is "no", the file system has no links. When
+// the number of the error. SNAPLIFT_FAULT_KIND is the number of a FileSystemKind. When
 // the call comes to pass the empty file SNAPLIFT_FAULT_MARK is made. A program that does not end in
 // time is ended by SIGALRM.
 
@@ -23,17 +23,17 @@ constexpr unsigned longestRunInSeconds = 30;
 SystemCall faultyKind;
 int faultyCall = 0;
 int errorNumber = 0;
-bool withoutLinks = false;
+FileSystemKind fileSystemKind = FileSystemKind::Whole;
 const char* mark = nullptr;
 std::atomic<int> calls = 0;
 
 CallFault faultOf(SystemCall call) {
   if (call != faultyKind || ++calls != faultyCall) {
-    return {.withoutLinks = withoutLinks};
+    return {.kind = fileSystemKind};
   }
   // Past our own versions, which would ask for this file as well.
   ::syscall(SYS_close, ::syscall(SYS_openat, AT_FDCWD, mark, O_WRONLY | O_CREAT, 0666));
-  return {.errorNumber = errorNumber, .withoutLinks = withoutLinks};
+  return {.errorNumber = errorNumber, .kind = fileSystemKind};
 }
 
 [[gnu::constructor]] void readOrders() {
@@ -51,8 +51,8 @@ CallFault faultOf(SystemCall call) {
   faultyKind = static_cast<SystemCall>(kind - systemCallNames.begin());
   faultyCall = static_cast<int>(std::strtol(orders + kind->size() + 1, &rest, 10));
   errorNumber = static_cast<int>(std::strtol(rest + 1, nullptr, 10));
-  const char* links = std::getenv("SNAPLIFT_FAULT_LINKS");
-  withoutLinks = links != nullptr && std::string_view(links) == "no";
+  const char* kindNumber = std::getenv("SNAPLIFT_FAULT_KIND");
+  fileSystemKind = static_cast<FileSystemKind>(kindNumber != nullptr ? std::atoi(kindNumber) : 0);
   ::alarm(longestRunInSeconds);
   setFaultPolicy(faultOf);
 }

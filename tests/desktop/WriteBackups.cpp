@@ -1,0 +1,80 @@
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "samples/BackupWriter.h"
+#include "support/photos/TestPictures.h"
+
+// usage: writebackups ROOT
+// Writes backups in every state that the window knows, newest first:
+//   Anna      generation 5 with five photos, two of them of one name; 4 with three; 3 with two
+//   Big       generation 5 with a thousand photos
+//   Grandma   encrypted
+//   Music     generation 4 without photos
+//   Ben       generation 2, a photo in either form
+namespace snaplift::samples {
+namespace {
+
+std::string photoContent(int number) {
+  const QByteArray picture = test::encoded(test::quadrants({160, 120 + number % 40}));
+  // What follows the end of the picture tells one photo from another.
+  return picture.toStdString() + "photo " + std::to_string(number);
+}
+
+class Root {
+public:
+  explicit Root(std::string path) : m_path(std::move(path)) {}
+
+  void add(const std::string& device, Generation generation, const std::string& version,
+           const std::vector<std::string>& photos, bool encrypted = false) {
+    SampleBackup backup{.generation = generation,
+                        .deviceName = device,
+                        .productVersion = version,
+                        .encrypted = encrypted,
+                        .date = instantFromUnixTime(m_date -= 30L * 86'400)};
+    for (const std::string& photo : photos) {
+      backup.files.push_back({.domain = std::string(photoDomain(generation)),
+                              .path = "Media/DCIM/" + photo,
+                              .content = photoContent(++m_photos),
+                              .modificationDate = static_cast<std::uint32_t>(m_date) -
+                                                  static_cast<std::uint32_t>(m_photos)});
+    }
+    writeBackup(m_path + "/" + device + "-" + version, backup);
+  }
+
+private:
+  std::string m_path;
+  std::int64_t m_date = 1'339'329'600;  // June 10, 2012, noon
+  int m_photos = 0;
+};
+
+void writeBackups(const std::string& path) {
+  Root root(path);
+  root.add("Anna", Generation::Five, "5.1",
+           {"100APPLE/IMG_0001.JPG", "100APPLE/IMG_0002.JPG", "100APPLE/IMG_0003.JPG",
+            "100APPLE/IMG_0004.JPG", "101APPLE/IMG_0001.JPG"});
+  root.add("Anna", Generation::Four, "4.3",
+           {"100APPLE/IMG_0011.JPG", "100APPLE/IMG_0012.JPG", "100APPLE/IMG_0013.JPG"});
+  root.add("Anna", Generation::Three, "3.1", {"100APPLE/IMG_0021.JPG", "100APPLE/IMG_0022.JPG"});
+  std::vector<std::string> many;
+  for (int i = 1; i <= 1'000; ++i) {
+    many.push_back("100APPLE/BIG_" + std::to_string(1'000 + i) + ".JPG");
+  }
+  root.add("Big", Generation::Five, "9.3", many);
+  root.add("Grandma", Generation::Five, "6.0", {"100APPLE/IMG_0031.JPG"}, true);
+  root.add("Music", Generation::Four, "4.1", {});
+  root.add("Ben", Generation::TwoPairForm, "2.2", {"100APPLE/IMG_0041.JPG"});
+  root.add("Ben", Generation::TwoSingleForm, "1.1", {"100APPLE/IMG_0051.JPG"});
+}
+
+}  // namespace
+}  // namespace snaplift::samples
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: writebackups ROOT\n";
+    return 2;
+  }
+  snaplift::samples::writeBackups(argv[1]);
+  return 0;
+}

@@ -1,0 +1,208 @@
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <list>
+#include <map>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "export/ExportJob.h"
+#include "faults/FaultyFileSystem.h"
+#include "faults/Volume.h"
+#include "foundation/files/Path.h"
+#include "support/TemporaryTree.h"
+
+namespace snaplift {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// Photos that contain their own path; "lost" ones cannot be read, those in "files" are files.
+class Photos : public ImageDataSource {
+public:
+  explicit Photos(const TemporaryTree& tree) : m_tree(tree) {}
+
+  std::optional<Bytes> imageDataForPath(const std::string& path, Bytes) const override {
+    m_onRead(path);
+    return path.find("lost") != std::string::npos ? std::nullopt
+                                                  : std::optional(Bytes::copyOf(bytesOf(path)));
+  }
+  std::string contentFileForPath(const std::string& path) const override {
+    return path.starts_with("files/") ? m_tree.path(path) : std::string();
+  }
+  bool encrypted() const override { return m_isEncrypted; }
+
+  std::function<void(const std::string&)> m_onRead = [](const std::string&) {};
+  bool m_isEncrypted = false;
+
+private:
+  const TemporaryTree& m_tree;
+};
+
+class ExportJobTest : public testing::Test, public ExportObserver {
+protected:
+  void photoDidEnd(const ExportedPhoto& photo) override { m_ended.push_back(photo); }
+  void exportDidEnd(const ExportSummary& summary) override { m_summary = summary; }
+
+  std::vector<PhotoToExport> photos(const std::vector<std::string>& paths) {
+    std::vector<PhotoToExport> list;
+    for (const std::string& path : paths) {
+      list.push_back({&m_items.emplace_back(path, m_photos)});
+    }
+    return list;
+  }
+
+  void run(const std::vector<PhotoToExport>& list, ExportOptions options = {.workers = 1}) {
+    m_ended.clear();
+    ExportJob job(list, m_out, options, *this);
+    job.run();
+    EXPECT_EQ(job.remaining(), 0U);
+  }
+
+  // What stands in the destination, by name.
+  std::map<std::string, std::string> exported() const {
+    std::map<std::string, std::string> contents;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(m_out)) {
+      if (entry.is_regular_file()) {
+        const std::string name = entry.path().lexically_relative(m_out).string();
+        contents[name] = m_tree.read("out/" + name);
+      }
+    }
+    return contents;
+  }
+
+  TemporaryTree m_tree;
+  std::string m_out = m_tree.makeFolder("out");
+  Photos m_photos{m_tree};
+  std::list<ImageItem> m_items;
+  std::vector<ExportedPhoto> m_ended;
+  ExportSummary m_summary;
+};
+
+// Namesakes, a name that is another's numbered one, and failures between them: the names are those
+// of the list's order, however many workers there are and whoever of them is slow.
+TEST_F(ExportJobTest, namesDoNotDependOnTheNumberOfWorkers) {
+  std::vector<std::string> paths;
+  for (int i = 0; i < 60; ++i) {
+    const std::string folder = std::to_string(i) + "/";
+    paths.insert(paths.end(), {folder + "a.jpg", folder + (i % 7 == 0 ? "lost/a.jpg" : "b.jpg"),
+                               folder + "A 1.JPG", folder + (i % 2 ? "a 2.jpg" : "a 1.jpg")});
+  }
+  paths.insert(paths.begin(), "lost/first/a.jpg");
+  m_photos.m_onRead = [](const std::string& path) {
+    std::this_thread::sleep_for(std::chrono::microseconds(std::hash<std::string>()(path) % 400));
+  };
+  run(photos(paths));
+  const auto alone = exported();
+  EXPECT_EQ(alone.at("a.jpg"), "0/a.jpg");
+  EXPECT_GT(m_summary.failed, 5U);  // among them those that found 51 names taken
+  const ExportSummary first = m_summary;
+  for (const unsigned workers : {2U, 8U}) {
+    fs::remove_all(m_out);
+    fs::create_directory(m_out);
+    run(photos(paths), {.workers = workers});
+    EXPECT_EQ(exported(), alone);
+    EXPECT_EQ(m_summary.failed, first.failed);
+    EXPECT_EQ(m_summary.renamed, first.renamed);
+    ASSERT_THAT(m_ended, SizeIs(paths.size()));
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+      ASSERT_EQ(m_ended[i].photo->path(), paths[i]);  // told in the order of the list
+    }
+  }
+}
+
+TEST_F(ExportJobTest, tellsWhatCameOfEachPhoto) {
+  m_tree.write("files/whole.jpg", std::string(3'000'000, 'x'));
+  m_tree.write("out/taken.jpg", "old");
+  m_tree.write("out/file", "old");
+  std::vector<PhotoToExport> list = photos({"files/whole.jpg", "files/gone.jpg", "taken.jpg", "..",
+                                            "..jpg", "below.jpg", "below.jpg", "none.jpg"});
+  list[5].folder = list[6].folder = "2011/10";
+  list[7].folder = "file/below";
+  run(list);
+  EXPECT_EQ(m_ended[0].bytes, 3'000'000U);
+  EXPECT_EQ(m_ended[1].error, FileError::missing("files/gone.jpg"));
+  EXPECT_EQ(m_ended[2].written, m_out + "/taken 1.jpg");
+  EXPECT_TRUE(m_ended[2].isRenamed);
+  EXPECT_EQ(m_ended[3].error, FileError::invalidFileName(".."));
+  EXPECT_EQ(m_ended[4].written, m_out + "/_..jpg");  // never hidden
+  EXPECT_TRUE(m_ended[4].isRenamed);
+  EXPECT_EQ(m_ended[6].written, m_out + "/2011/10/below 1.jpg");
+  EXPECT_TRUE(m_ended[7].error);
+  EXPECT_EQ(m_summary.exported, 5U);
+  EXPECT_EQ(m_summary.renamed, 3U);
+  EXPECT_EQ(m_summary.failed, 3U);
+  EXPECT_EQ(m_summary.notBegun, 0U);
+  EXPECT_EQ(exported().at("whole.jpg"), std::string(3'000'000, 'x'));
+  EXPECT_EQ(exported().at("taken.jpg"), "old");
+}
+
+TEST_F(ExportJobTest, leavesOutWhatIsThere) {
+  m_tree.write("files/file.jpg", "file");
+  m_tree.write("out/file 7.jpg", "file");
+  m_tree.write("out/a.jpg", "1/a.jpX");  // as long, and another
+  const std::vector<PhotoToExport> list =
+      photos({"1/a.jpg", "files/file.jpg", "2/a.jpg", "1/a.jpg"});
+  for (const unsigned workers : {1U, 4U}) {
+    run(list, {.workers = workers, .skipsExisting = true});
+    EXPECT_THAT(exported(),
+                ElementsAre(std::pair("a 1.jpg", "1/a.jpg"), std::pair("a 2.jpg", "2/a.jpg"),
+                            std::pair("a.jpg", "1/a.jpX"), std::pair("file 7.jpg", "file")));
+    EXPECT_EQ(m_ended[1].written, m_out + "/file 7.jpg");
+    EXPECT_EQ(m_ended[3].written, m_out + "/a 1.jpg");  // twice in one export
+    EXPECT_EQ(m_summary.skipped, workers == 1 ? 2U : 4U);
+    EXPECT_EQ(m_summary.exported, workers == 1 ? 2U : 0U);
+  }
+}
+
+TEST_F(ExportJobTest, exportsNothingOfAnEncryptedBackup) {
+  m_photos.m_isEncrypted = true;
+  m_tree.write("files/a.jpg", "secret");
+  run(photos({"files/a.jpg", "b.jpg"}));
+  EXPECT_THAT(m_tree.list("out"), IsEmpty());
+  EXPECT_EQ(m_ended[0].error, FileError::encrypted("files/a.jpg"));
+}
+
+// One call that fails concerns one photo; a destination that is full, or gone, concerns them all.
+TEST_F(ExportJobTest, givesUpWhenTheDestinationIsLost) {
+  const std::vector<PhotoToExport> list = photos(std::vector<std::string>(20, "a.jpg"));
+  {
+    const FaultyFileSystem fileSystem({.faultyCall = 9, .errorNumber = ENOSPC});
+    run(list);
+    EXPECT_EQ(m_summary.failed, 1U);
+    EXPECT_EQ(m_summary.lost->code, ENOSPC);
+    EXPECT_GT(m_summary.notBegun, 10U);
+  }
+  int read = 0;
+  m_photos.m_onRead = [&](const std::string&) {
+    if (++read == 5) {
+      fs::remove_all(m_out);
+    }
+  };
+  run(list);
+  EXPECT_EQ(m_summary.failed, 1U);
+  EXPECT_TRUE(m_summary.lost);
+  EXPECT_EQ(m_summary.notBegun, 15U);
+  EXPECT_FALSE(fs::exists(m_out));
+}
+
+TEST_F(ExportJobTest, flushesOnceAfterTheLastPhoto) {
+  const FaultyFileSystem fileSystem({});
+  run(photos({"lost.jpg"}));
+  EXPECT_EQ(fileSystem.flushes(), 0);
+  run(photos({"a.jpg"}), {.workers = 1, .flushes = false});
+  EXPECT_EQ(fileSystem.flushes(), 0);
+  run(photos({"a.jpg", "b.jpg", "lost.jpg"}));
+  EXPECT_EQ(fileSystem.flushes(), 2);  // the file system, and the folder
+}
+
+}  // namespace
+}  // namespace snaplift

@@ -1,0 +1,82 @@
+#include "support/photos/TestPhotos.h"
+
+#include "support/photos/TestPictures.h"
+
+namespace snaplift::test {
+namespace {
+
+std::string titleOf(int index) {
+  std::string number = std::to_string(index + 1);
+  number.insert(0, number.size() < 4 ? 4 - number.size() : 0, '0');
+  return "IMG_" + number + ".JPG";
+}
+
+class TestPhoto final : public ImageBrowserItem {
+public:
+  TestPhoto(int index, std::string folder, std::shared_ptr<PhotoReads> reads)
+      : m_index(index), m_folder(std::move(folder)), m_reads(std::move(reads)) {}
+
+  std::string imageUID() const override { return m_folder + "/" + imageTitle(); }
+  std::string imageTitle() const override { return titleOf(m_index); }
+  std::optional<Bytes> imageRepresentation() const override { return m_reads->read(m_index); }
+  std::string imageOrigin() const override { return m_folder; }
+
+private:
+  int m_index;
+  std::string m_folder;
+  std::shared_ptr<PhotoReads> m_reads;
+};
+
+}  // namespace
+
+std::optional<Bytes> PhotoReads::read(int index) {
+  {
+    std::unique_lock lock(m_mutex);
+    ++m_count;
+    ++m_waiting;
+    m_changed.notify_all();
+    m_changed.wait(lock, [this] { return !m_held; });
+    --m_waiting;
+  }
+  const std::optional<QByteArray> data = m_source(index);
+  return data ? std::optional(bytesFrom(*data)) : std::nullopt;
+}
+
+int PhotoReads::count() const {
+  const std::lock_guard lock(m_mutex);
+  return m_count;
+}
+
+void PhotoReads::hold(bool held) {
+  const std::lock_guard lock(m_mutex);
+  m_held = held;
+  m_changed.notify_all();
+}
+
+void PhotoReads::waitForHeld(int readers) {
+  std::unique_lock lock(m_mutex);
+  m_changed.wait(lock, [&] { return m_waiting >= readers; });
+}
+
+TestPhotos::TestPhotos(int count, PhotoReads::Source source, std::string folder)
+    : m_count(count),
+      m_folder(std::move(folder)),
+      m_reads(std::make_shared<PhotoReads>(std::move(source))) {}
+
+TestPhotos::TestPhotos(int count)
+    : TestPhotos(count, [picture = encoded(quadrants({64, 48}))](int) { return picture; }) {}
+
+ImageBrowserItemPointer TestPhotos::item(int index) const {
+  return std::make_shared<TestPhoto>(index, m_folder, m_reads);
+}
+
+ImageBrowserItemPointer TestPhotos::imageBrowserItemAtIndex(const ImageBrowserView&,
+                                                            int index) const {
+  return item(index);
+}
+
+QString TestPhotos::imageBrowserTitleAtIndex(const ImageBrowserView&, int index) const {
+  return QString::fromStdString(titleOf(index));
+}
+
+}  // namespace snaplift::test
