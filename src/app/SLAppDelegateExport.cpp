@@ -111,10 +111,10 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
     m_exports->begin(wanted, destination, options);
   };
   // Of photos that may be there already nobody knows beforehand what they need.
-  const auto needed = options.skipsExisting ? std::nullopt : bytesOf(wanted);
+  const std::uint64_t needed = options.skipsExisting ? 0 : bytesOf(wanted).value_or(0);
   const auto free = freeBytes(destination);
-  if (needed && free && *needed > *free) {
-    askQuestion(m_window.get(), littleRoomText(destination, *needed, *free), "Export Anyway",
+  if (free && needed > *free) {
+    askQuestion(m_window.get(), littleRoomText(destination, needed, *free), "Export Anyway",
                 begin);
   } else {
     begin();
