@@ -38,6 +38,8 @@ namespace fs = std::filesystem;
 constexpr int photoCount = 250;
 constexpr std::size_t photoSizeInBytes = 2'000'000;
 constexpr unsigned threads = 2;
+// Room for the backup, a copy, and what the file system keeps of one that was just cut to nothing.
+constexpr std::size_t volumeSize = photoCount * photoSizeInBytes * 6;
 constexpr std::size_t contentNameLength = 40;
 
 // A backup of generation 5 whose content files are all photos, of bytes that no file system can
@@ -177,7 +179,7 @@ int main(int argc, char** argv) {
   // File systems of the bench's own, in files; of these the first gets the photos of another one.
   struct Mounted {
     const char* name;
-    std::unique_ptr<Volume> (*mount)(const std::string&, const std::string&);
+    std::unique_ptr<Volume> (*mount)(const std::string&, const std::string&, std::size_t);
     double bar;
     bool sharesBlocks;
     std::unique_ptr<Volume> volume = nullptr;
@@ -190,7 +192,7 @@ int main(int argc, char** argv) {
   for (Mounted& m : mounted) {
     const std::string place = joinPath(folder.path(), m.name);
     fs::create_directory(place);
-    m.volume = m.mount(place, place + ".image");
+    m.volume = m.mount(place, place + ".image", volumeSize);
     if (!m.volume) {
       std::cerr << "left out: " << m.name << ", which needs root and the programs that make it\n";
       continue;

@@ -11,9 +11,6 @@
 namespace snaplift {
 namespace {
 
-// The least that mkfs.xfs takes. A sparse file.
-constexpr std::size_t imageSize = std::size_t{320} << 20;
-
 bool run(const std::string& command) {
   return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
 }
@@ -31,13 +28,13 @@ std::unique_ptr<Volume> Volume::inMemory(const std::string& folder, std::size_t 
 // Mounts an empty file system by the first of the programs that can; each gets the image and the
 // folder as its last arguments.
 std::unique_ptr<Volume> Volume::fromImage(const std::string& folder, const std::string& image,
-                                          const std::string& makeProgram,
+                                          std::size_t size, const std::string& makeProgram,
                                           const std::vector<std::string>& mountPrograms) {
   if (::geteuid() != 0) {
     return nullptr;
   }
   std::ofstream(image).close();
-  std::filesystem::resize_file(image, imageSize);
+  std::filesystem::resize_file(image, size);
   const std::string arguments = " '" + image + "' '" + folder + "'";
   const bool isMounted = run(makeProgram + " '" + image + "'") &&
                          std::ranges::any_of(mountPrograms, [&](const std::string& program) {
@@ -47,23 +44,27 @@ std::unique_ptr<Volume> Volume::fromImage(const std::string& folder, const std::
 }
 
 std::unique_ptr<Volume> Volume::exFat(const std::string& folder, const std::string& image) {
-  return fromImage(folder, image, "mkfs.exfat", {"mount -t exfat-fuse -o loop"});
+  return fromImage(folder, image, leastSize, "mkfs.exfat", {"mount -t exfat-fuse -o loop"});
 }
 
 std::unique_ptr<Volume> Volume::fat(const std::string& folder, const std::string& image) {
-  return fromImage(folder, image, "mkfs.vfat -F 32", {"mount -t vfat -o loop", "fusefat -o rw+"});
+  return fromImage(folder, image, leastSize, "mkfs.vfat -F 32",
+                   {"mount -t vfat -o loop", "fusefat -o rw+"});
 }
 
-std::unique_ptr<Volume> Volume::btrfs(const std::string& folder, const std::string& image) {
-  return fromImage(folder, image, "mkfs.btrfs", {"mount -o loop"});
+std::unique_ptr<Volume> Volume::btrfs(const std::string& folder, const std::string& image,
+                                      std::size_t size) {
+  return fromImage(folder, image, size, "mkfs.btrfs", {"mount -o loop"});
 }
 
-std::unique_ptr<Volume> Volume::xfs(const std::string& folder, const std::string& image) {
-  return fromImage(folder, image, "mkfs.xfs", {"mount -o loop"});
+std::unique_ptr<Volume> Volume::xfs(const std::string& folder, const std::string& image,
+                                    std::size_t size) {
+  return fromImage(folder, image, size, "mkfs.xfs", {"mount -o loop"});
 }
 
-std::unique_ptr<Volume> Volume::ext4(const std::string& folder, const std::string& image) {
-  return fromImage(folder, image, "mkfs.ext4", {"mount -o loop"});
+std::unique_ptr<Volume> Volume::ext4(const std::string& folder, const std::string& image,
+                                     std::size_t size) {
+  return fromImage(folder, image, size, "mkfs.ext4", {"mount -o loop"});
 }
 
 Volume::~Volume() {

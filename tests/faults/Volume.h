@@ -23,10 +23,14 @@ public:
   // FAT, as a stick has it: by the kernel, else through FUSE.
   static std::unique_ptr<Volume> fat(const std::string& folder, const std::string& image);
 
-  // File systems of the kernel that share blocks (btrfs-progs, xfsprogs), and one that does not.
-  static std::unique_ptr<Volume> btrfs(const std::string& folder, const std::string& image);
-  static std::unique_ptr<Volume> xfs(const std::string& folder, const std::string& image);
-  static std::unique_ptr<Volume> ext4(const std::string& folder, const std::string& image);
+  // File systems of the kernel that share blocks (btrfs-progs, xfsprogs), and one that does not,
+  // of `size` bytes, which the image takes only as far as they are used.
+  static std::unique_ptr<Volume> btrfs(const std::string& folder, const std::string& image,
+                                       std::size_t size = leastSize);
+  static std::unique_ptr<Volume> xfs(const std::string& folder, const std::string& image,
+                                     std::size_t size = leastSize);
+  static std::unique_ptr<Volume> ext4(const std::string& folder, const std::string& image,
+                                      std::size_t size = leastSize);
 
   Volume(const Volume&) = delete;
   Volume& operator=(const Volume&) = delete;
@@ -35,8 +39,10 @@ public:
   bool makeReadOnly();
 
 private:
+  static constexpr std::size_t leastSize = std::size_t{320} << 20;  // that mkfs.xfs takes
+
   static std::unique_ptr<Volume> fromImage(const std::string& folder, const std::string& image,
-                                           const std::string& makeProgram,
+                                           std::size_t size, const std::string& makeProgram,
                                            const std::vector<std::string>& mountPrograms);
   explicit Volume(std::string folder) : m_folder(std::move(folder)) {}
 
