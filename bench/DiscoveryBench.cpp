@@ -38,17 +38,18 @@ void writeRoot(const std::string& root) {
   }
 }
 
-std::string infoFileOf(const std::string& root, const std::string& backup) {
-  return root + "/" + backup + "/Info.plist";
-}
-
-// The floor: it knows how the files are called.
+// The floor: it knows how the files are called. Beside its info file it asks of each backup which
+// folder it is and which manifest it has, as everybody has to.
 bool readsEachInfoFile(const std::string& root) {
   char buffer[4096];
+  struct stat status;
   std::size_t files = 0;
   for (const std::string& backup : folderEntries(root)) {
-    const int file = ::open(infoFileOf(root, backup).c_str(), O_RDONLY | O_CLOEXEC);
-    files += ::read(file, buffer, sizeof buffer) > 0 && ::close(file) == 0;
+    const std::string folder = root + "/" + backup;
+    const int file = ::open((folder + "/Info.plist").c_str(), O_RDONLY | O_CLOEXEC);
+    files += ::read(file, buffer, sizeof buffer) > 0 && ::close(file) == 0 &&
+             ::stat(folder.c_str(), &status) == 0 &&
+             ::stat((folder + "/Manifest.mbdb").c_str(), &status) == 0;
   }
   return files == backupCount;
 }

@@ -16,6 +16,9 @@ public:
   std::string imageUID() const override { return m_item.imageUID(); }
   std::string imageTitle() const override { return m_item.imageTitle(); }
   std::optional<Bytes> imageRepresentation() const override { return m_item.imageRepresentation(); }
+  std::optional<Bytes> imageBeginning(std::size_t size) const override {
+    return m_item.imageBeginning(size);
+  }
   Content imageContent() const override;
   // The folder on the device.
   std::string imageOrigin() const override;

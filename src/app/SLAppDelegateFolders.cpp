@@ -19,6 +19,7 @@
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
 #include "foundation/Log.h"
+#include "foundation/files/FolderTree.h"
 #include "foundation/files/Path.h"
 #include "ui_MainWindow.h"
 #include "widgets/desktop/Alert.h"

@@ -1,33 +1,15 @@
 #include "backups/BackupController.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <functional>
 #include <iterator>
 #include <utility>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "foundation/Log.h"
 #include "foundation/Parallel.h"
-#include "foundation/files/File.h"
 #include "foundation/files/Path.h"
 
 namespace snaplift {
-namespace {
-
-// The backup in one folder of the root.
-std::unique_ptr<BackupModel> backupInFolder(const std::string& folder) {
-  if (::faccessat(AT_FDCWD, folder.c_str(), R_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES) {
-    systemLog("no permission to read the folder: " + folder);
-    return nullptr;
-  }
-  return BackupModel::initWithBackupAtPath(folder);
-}
-
-}  // namespace
-
 BackupController::BackupController(std::string path) : m_basePath(std::move(path)) {
   std::error_code error;
   const std::vector<std::string> folders = subfolders(m_basePath, error);
@@ -37,7 +19,7 @@ BackupController::BackupController(std::string path) : m_basePath(std::move(path
   }
   std::vector<std::unique_ptr<BackupModel>> backups(folders.size());
   parallelForFiles(folders.size(), [&](std::size_t i) {
-    backups[i] = backupInFolder(joinPath(m_basePath, folders[i]));
+    backups[i] = BackupModel::initWithBackupAtPath(joinPath(m_basePath, folders[i]));
   });
   std::erase(backups, nullptr);
   addBackups(m_basePath, std::move(backups));
@@ -57,7 +39,7 @@ std::vector<BackupModel*> BackupController::addBackups(
     const std::string& folder, std::vector<std::unique_ptr<BackupModel>> backups) {
   std::vector<BackupModel*> added;
   for (std::unique_ptr<BackupModel>& found : backups) {
-    const auto identity = folderIdentity(found->path());
+    const std::optional<FolderIdentity> identity = found->folder();
     if (!identity) {
       systemLog("gone since it was found: " + found->path());
       continue;

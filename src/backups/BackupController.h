@@ -7,7 +7,7 @@
 
 #include "backups/BackupPlaces.h"
 #include "backups/DeviceModel.h"
-#include "foundation/files/FolderTree.h"
+#include "foundation/files/File.h"
 
 namespace snaplift {
 

@@ -1,7 +1,11 @@
 #include "backups/BackupModel.h"
 
+#include <cerrno>
 #include <system_error>
 #include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "backups/VersionCompare.h"
 #include "decoders/BackupPropertyList.h"
@@ -20,14 +24,19 @@ namespace {
 
 const std::string absentText = "(null)";
 
+bool isForbiddenFolder(const std::string& path) {
+  return ::faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES;
+}
+
 std::unique_ptr<BackupDecoderDelegate> decoderForVersion(const std::optional<std::string>& version,
-                                                         const std::string& path) {
+                                                         const std::string& path,
+                                                         const OpenFolder& folder) {
   const auto isAtLeast = [&](const char* threshold) {
     return compareVersionStrings(version, threshold) >= 0;
   };
   // From 10 on the manifest is a database; early versions and upgrades are told by what is there.
-  if (isAtLeast("5") && !fileAttributes(joinPath(path, "Manifest.mbdb")) &&
-      (isAtLeast("10") || fileAttributes(joinPath(path, "Manifest.db"))))
+  if (isAtLeast("5") && !folder.fileAttributes("Manifest.mbdb") &&
+      (isAtLeast("10") || folder.fileAttributes("Manifest.db")))
     return std::make_unique<iOS10Decoder>(path);
   if (isAtLeast("5"))
     return std::make_unique<iOS5Decoder>(path);
@@ -43,15 +52,18 @@ std::unique_ptr<BackupDecoderDelegate> decoderForVersion(const std::optional<std
 }  // namespace
 
 std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string& path) {
-  std::optional<DatedContent> file = readFoundFile(path, "info.plist");
+  const OpenFolder folder(path);
+  std::optional<DatedContent> file = folder.readFoundFile("info.plist");
   const auto info = file ? parseDictionary(std::move(file->bytes)) : std::nullopt;
   if (!info) {
-    systemLog("path: " + path + " has no info.plist and is therefore not a valid backup");
+    systemLog(isForbiddenFolder(path)
+                  ? "no permission to read the folder: " + path
+                  : "path: " + path + " has no info.plist and is therefore not a valid backup");
     return nullptr;
   }
   std::optional<std::string> deviceName = textUnderKey(*info, "Device Name");
   std::optional<std::string> version = textUnderKey(*info, "Product Version");
-  std::unique_ptr<BackupDecoderDelegate> decoder = decoderForVersion(version, path);
+  std::unique_ptr<BackupDecoderDelegate> decoder = decoderForVersion(version, path, folder);
   if (!decoder) {
     systemLog("no decoder available for version " + version.value_or(absentText) + " backup " +
               path);
@@ -63,6 +75,7 @@ std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string
   }
   std::unique_ptr<BackupModel> model(new BackupModel(
       path, std::move(deviceName), std::move(version), file->modificationDate, std::move(decoder)));
+  model->m_folder = folder.identity();
   model->m_productType = textUnderKey(*info, "Product Type");
   return model;
 }

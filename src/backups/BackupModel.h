@@ -15,6 +15,7 @@
 #include "backups/ImageItem.h"
 #include "decoders/BackupDecoderDelegate.h"
 #include "foundation/Time.h"
+#include "foundation/files/File.h"
 
 namespace snaplift {
 
@@ -39,6 +40,8 @@ public:
   static std::unique_ptr<BackupModel> initWithBackupAtPath(const std::string& path);
 
   const std::string& path() const { return m_path; }
+  // Absent where the folder went away in the meantime.
+  const std::optional<FolderIdentity>& folder() const { return m_folder; }
   const std::optional<std::string>& deviceName() const { return m_deviceName; }
   const std::optional<std::string>& productVersion() const { return m_productVersion; }
   // What kind of device it was, as its maker names it.
@@ -104,7 +107,9 @@ private:
   const std::string m_path;
   const std::optional<std::string> m_deviceName;
   const std::optional<std::string> m_productVersion;
-  std::optional<std::string> m_productType;  // written before anybody else knows of the model
+  // Written before anybody else knows of the model.
+  std::optional<FolderIdentity> m_folder;
+  std::optional<std::string> m_productType;
   const Instant m_date;
   const std::unique_ptr<BackupDecoderDelegate> m_delegate;
 

@@ -1,11 +1,13 @@
 #include "backups/ImageItem.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
 #include <unistd.h>
 
 #include "foundation/Log.h"
+#include "foundation/files/File.h"
 #include "foundation/files/FileURL.h"
 #include "foundation/files/InputFile.h"
 #include "foundation/files/NewFile.h"
@@ -56,6 +58,18 @@ std::string ImageItem::imageFileType() const {
 
 std::optional<Bytes> ImageItem::imageRepresentation() const {
   return m_delegate.imageDataForPath(m_path);
+}
+
+std::optional<Bytes> ImageItem::imageBeginning(std::size_t size) const {
+  const std::string path = m_delegate.contentFileForPath(m_path);
+  if (!path.empty()) {
+    return readBeginning(path, size);
+  }
+  std::optional<Bytes> contents = imageRepresentation();
+  if (contents) {
+    contents->resize(std::min(contents->size(), size));
+  }
+  return contents;
 }
 
 std::optional<FileError> ImageItem::writeInto(NewFile& file) const {

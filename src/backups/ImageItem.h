@@ -65,6 +65,8 @@ public:
   const std::string& imageUID() const { return m_path; }
   std::string_view imageRepresentationType() const { return imageBrowserNSDataRepresentationType; }
   std::optional<Bytes> imageRepresentation() const;
+  // The first `size` bytes of it, or all where there are fewer. Of a content file, no more is read.
+  std::optional<Bytes> imageBeginning(std::size_t size) const;
 
   // Copies the photo into the folder `destination`. The answer is why it did not arrive; that is
   // one line in the system log, too: "failed (%d) to extract the file: %@".

@@ -6,8 +6,8 @@
 
 namespace snaplift {
 
-std::optional<PropertyList> readDictionary(const std::string& folder, std::string_view name) {
-  std::optional<DatedContent> content = readFoundFile(folder, name);
+std::optional<PropertyList> readDictionary(const std::string& folder, const std::string& name) {
+  std::optional<DatedContent> content = OpenFolder(folder).readFoundFile(name);
   return content ? parseDictionary(std::move(content->bytes)) : std::nullopt;
 }
 

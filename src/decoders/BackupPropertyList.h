@@ -10,7 +10,7 @@ namespace snaplift {
 
 // The property list in the file `name` of `folder`, found without regard to letter case, whose root
 // is a dictionary. Nothing where the file is missing, unreadable or anything else.
-std::optional<PropertyList> readDictionary(const std::string& folder, std::string_view name);
+std::optional<PropertyList> readDictionary(const std::string& folder, const std::string& name);
 
 // The property list in `bytes` whose root is a dictionary; nothing where they are anything else.
 std::optional<PropertyList> parseDictionary(Bytes bytes);

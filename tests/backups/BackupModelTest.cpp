@@ -248,6 +248,7 @@ TEST_F(BackupModelTest, loadsOnceForAllWhoAskAtTheSameTime) {
   EXPECT_THAT(seen, testing::Each(model->imageItems().front().get()));
   EXPECT_EQ(model->imageItems()[0]->fileName(), "IMG_0002.JPG");
   EXPECT_EQ(textOf(*model->imageItems()[1]->imageRepresentation()), "IMG_0001.JPG");
+  EXPECT_EQ(textOf(*model->imageItems()[1]->imageBeginning(3)), "IMG");
   EXPECT_EQ(model->imageItems()[1]->info().name(), "IMG_0001.JPG");
   EXPECT_EQ(model->imageItems()[1]->info().size, 12u);
   EXPECT_EQ(model->imageItems()[1]->contentState(), ContentState::Whole);

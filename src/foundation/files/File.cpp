@@ -35,6 +35,11 @@ FileType typeOf(mode_t mode) {
                          : FileType::Other;
 }
 
+std::optional<FolderIdentity> identityOf(const struct stat& status) {
+  return S_ISDIR(status.st_mode) ? std::optional(FolderIdentity{status.st_dev, status.st_ino})
+                                 : std::nullopt;
+}
+
 std::optional<FileAttributes> attributesOf(const std::string& path, int folder = AT_FDCWD) {
   struct stat status;
   if (::fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -54,16 +59,9 @@ constexpr int openForSearch = O_RDONLY;
 // that a small file takes then also tells that the file has not grown.
 bool readExactly(const InputFile& file, std::size_t size, Bytes& bytes) {
   bytes.resize(size + 1);
-  std::size_t done = 0;
-  do {
-    const std::size_t count = file.read(bytes.data() + done, size + 1 - done);
-    if (count == 0) {
-      break;
-    }
-    done += count;
-  } while (done < size);
-  bytes.resize(std::min(done, size));
-  return done == size;
+  const std::size_t count = file.fill(bytes);
+  bytes.resize(std::min(count, size));
+  return count == size;
 }
 
 std::optional<DatedContent> contentOf(const InputFile& file, Bytes reuse) {
@@ -148,11 +146,45 @@ std::optional<Bytes> readFile(const std::string& path, Bytes reuse) {
   return bytesIn(InputFile(path), std::move(reuse));
 }
 
-OpenFolder::OpenFolder(const std::string& path)
-    : m_descriptor(::open(path.c_str(), openForSearch | O_DIRECTORY | O_CLOEXEC)) {}
+std::optional<Bytes> readBeginning(const std::string& path, std::size_t size) {
+  const InputFile file(path);
+  if (file.size() <= size || file.size() > maximumFileSizeInBytes) {
+    return bytesIn(file, {});
+  }
+  Bytes bytes(size);
+  return file.fill(bytes) == size ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+std::optional<FolderIdentity> folderIdentity(const std::string& path) {
+  struct stat status;
+  return ::stat(path.c_str(), &status) == 0 ? identityOf(status) : std::nullopt;
+}
+
+OpenFolder::OpenFolder(std::string path)
+    : m_path(std::move(path)),
+      m_descriptor(::open(m_path.c_str(), openForSearch | O_DIRECTORY | O_CLOEXEC)) {}
+
+std::optional<FolderIdentity> OpenFolder::identity() const {
+  struct stat status;
+  return m_descriptor && ::fstat(m_descriptor.get(), &status) == 0 ? identityOf(status)
+                                                                   : std::nullopt;
+}
 
 std::optional<Bytes> OpenFolder::readFile(const std::string& name) const {
   return m_descriptor ? bytesIn(InputFile(m_descriptor.get(), name), {}) : std::nullopt;
+}
+
+std::optional<DatedContent> OpenFolder::readFoundFile(const std::string& name) const {
+  if (!m_descriptor) {
+    return std::nullopt;
+  }
+  const bool isExact = attributesOf(name, m_descriptor.get()).has_value();
+  const InputFile file(m_descriptor.get(), isExact ? name : capitalised(name));
+  if (file || !file.isMissing()) {
+    return contentOf(file, {});
+  }
+  const std::string entry = entryIgnoringCase(m_path, name);
+  return entry.empty() ? std::nullopt : contentOf(InputFile(m_descriptor.get(), entry), {});
 }
 
 std::optional<FileAttributes> OpenFolder::fileAttributes(const std::string& name) const {
@@ -193,19 +225,6 @@ std::string findFile(const std::string& folder, std::string_view name) {
   }
   const std::string entry = entryIgnoringCase(folder, name);
   return entry.empty() ? exact : joinPath(folder, entry);
-}
-
-std::optional<DatedContent> readFoundFile(const std::string& folder, std::string_view name) {
-  std::string path = joinPath(folder, name);
-  if (!attributesOf(path)) {
-    path = joinPath(folder, capitalised(name));
-  }
-  const InputFile file(path);
-  if (file || !file.isMissing()) {
-    return contentOf(file, {});
-  }
-  const std::string entry = entryIgnoringCase(folder, name);
-  return entry.empty() ? std::nullopt : contentOf(InputFile(joinPath(folder, entry)), {});
 }
 
 }  // namespace snaplift

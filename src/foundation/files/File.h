@@ -7,6 +7,8 @@
 #include <system_error>
 #include <vector>
 
+#include <sys/types.h>
+
 #include "foundation/Bytes.h"
 #include "foundation/Time.h"
 #include "foundation/files/FileDescriptor.h"
@@ -41,17 +43,18 @@ bool mayRead(const std::string& path);
 // that a caller with many files allocates once.
 std::optional<Bytes> readFile(const std::string& path, Bytes reuse = {});
 
-// A folder that is held open, for who reads thousands of its files: the way to it is gone once.
-// Where `path` is no folder, none of its files can be read. `name` is a plain file name.
-class OpenFolder {
-public:
-  explicit OpenFolder(const std::string& path);
-  std::optional<Bytes> readFile(const std::string& name) const;
-  std::optional<FileAttributes> fileAttributes(const std::string& name) const;
+// The first `size` bytes of a file that could be read whole, or all of a shorter one.
+std::optional<Bytes> readBeginning(const std::string& path, std::size_t size);
 
-private:
-  FileDescriptor m_descriptor;
+// Which folder it is, by whatever path it is reached.
+struct FolderIdentity {
+  dev_t device;
+  ino_t number;
+  auto operator<=>(const FolderIdentity&) const = default;
 };
+
+// Nothing where there is no such folder. Follows links.
+std::optional<FolderIdentity> folderIdentity(const std::string& path);
 
 // A file's content and the date of that same file.
 struct DatedContent {
@@ -59,9 +62,22 @@ struct DatedContent {
   Instant modificationDate;
 };
 
-// readFile() of the entry that findFile() finds, in fewer system calls: every folder of a backup
-// root is asked.
-std::optional<DatedContent> readFoundFile(const std::string& folder, std::string_view name);
+// A folder that is held open, for who reads several of its files: the way to it is gone once, and
+// all of them are of one folder. Where `path` is no folder, none of its files can be read. `name`
+// is a plain file name.
+class OpenFolder {
+public:
+  explicit OpenFolder(std::string path);
+  std::optional<FolderIdentity> identity() const;
+  std::optional<Bytes> readFile(const std::string& name) const;
+  // readFile() of the entry that findFile() finds.
+  std::optional<DatedContent> readFoundFile(const std::string& name) const;
+  std::optional<FileAttributes> fileAttributes(const std::string& name) const;
+
+private:
+  std::string m_path;
+  FileDescriptor m_descriptor;
+};
 
 // Whether `path` is a folder that the process may list; links are followed.
 bool isReadableFolder(const std::string& path);

@@ -50,14 +50,6 @@ bool isFolder(int folder, const dirent& entry) {
 
 }  // namespace
 
-std::optional<FolderIdentity> folderIdentity(const std::string& path) {
-  struct stat status;
-  if (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) {
-    return std::nullopt;
-  }
-  return FolderIdentity{status.st_dev, status.st_ino};
-}
-
 FolderTree::FolderTree(const std::string& top) : m_top(::open(top.c_str(), openFolder)) {
   struct stat status;
   if (m_top && ::fstat(m_top.get(), &status) == 0) {

@@ -6,21 +6,9 @@
 #include <string_view>
 #include <system_error>
 
-#include <sys/types.h>
-
 #include "foundation/files/FileDescriptor.h"
 
 namespace snaplift {
-
-// Which folder it is, by whatever path it is reached.
-struct FolderIdentity {
-  dev_t device;
-  ino_t number;
-  auto operator<=>(const FolderIdentity&) const = default;
-};
-
-// Nothing where there is no such folder. Follows links.
-std::optional<FolderIdentity> folderIdentity(const std::string& path);
 
 // A folder and whatever lies below it on the same mount. No link is followed on the way down and no
 // mount is entered, bind mounts included, also where somebody exchanges a folder for a link in this

@@ -46,19 +46,6 @@ bool holdsTooLittle(int descriptor, const struct stat& status) {
   return held < needed || ::lseek(descriptor, 0, SEEK_SET) != 0;
 }
 
-// Fills `bytes` as far as the file goes.
-std::size_t readFully(const InputFile& file, Bytes& bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const std::size_t count = file.read(bytes.data() + done, bytes.size() - done);
-    if (count == 0) {
-      break;
-    }
-    done += count;
-  }
-  return done;
-}
-
 }  // namespace
 
 InputFile::InputFile(std::string path) : InputFile(AT_FDCWD, std::move(path)) {}
@@ -113,6 +100,18 @@ std::size_t InputFile::read(std::uint8_t* bytes, std::size_t size) const {
   return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
+std::size_t InputFile::fill(Bytes& bytes) const {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const std::size_t count = read(bytes.data() + done, bytes.size() - done);
+    if (count == 0) {
+      break;
+    }
+    done += count;
+  }
+  return done;
+}
+
 bool InputFile::isUnchanged() const {
   struct stat status;
   return ::fstat(m_file.get(), &status) == 0 &&
@@ -130,8 +129,8 @@ bool InputFile::hasBytesOf(const InputFile& other) const {
   thread_local Bytes own(compareBufferInBytes);
   thread_local Bytes others(compareBufferInBytes);
   for (std::uint64_t done = 0; done < m_size;) {
-    const std::size_t count = readFully(*this, own);
-    if (count == 0 || readFully(other, others) != count ||
+    const std::size_t count = fill(own);
+    if (count == 0 || other.fill(others) != count ||
         !std::ranges::equal(own.view().first(count), others.view().first(count))) {
       return false;
     }
@@ -146,7 +145,7 @@ bool InputFile::holds(ByteView bytes) const {
   }
   thread_local Bytes own(compareBufferInBytes);
   while (!bytes.empty()) {
-    const std::size_t count = readFully(*this, own);
+    const std::size_t count = fill(own);
     if (count == 0 || count > bytes.size() ||
         !std::ranges::equal(own.view().first(count), bytes.first(count))) {
       return false;

@@ -37,6 +37,9 @@ public:
   // Reads on. The answer is the number of bytes, 0 at the end and after an error.
   std::size_t read(std::uint8_t* bytes, std::size_t size) const;
 
+  // Reads on until `bytes` is full or the file ends. The answer is the number of bytes.
+  std::size_t fill(Bytes& bytes) const;
+
   // Whether the file is still as long as it was when it was opened.
   bool isUnchanged() const;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +22,8 @@ public:
   virtual std::string imageTitle() const = 0;
   // The bytes of the encoded picture, read anew at every call; nothing if they cannot be read.
   virtual std::optional<Bytes> imageRepresentation() const = 0;
+  // Their first `size`, or all where there are fewer: enough for the preview in a camera's photo.
+  virtual std::optional<Bytes> imageBeginning(std::size_t size) const = 0;
   // What can be told of the bytes without reading them. Looks at the disk at every call.
   enum class Content { Whole, Short, Unreadable, Missing };
   virtual Content imageContent() const { return Content::Whole; }

@@ -41,9 +41,14 @@ Thumbnail shrunk(const ThumbnailRequest& request) {
 }
 
 // The bytes that a decoder has to see.
-ByteView neededBytes(ByteView bytes, Kind kind) {
-  const bool isJpeg = textOf(bytes).starts_with("\xFF\xD8");
-  return kind == Kind::Preview && isJpeg ? bytes.first(std::min(bytes.size(), exifReach)) : bytes;
+std::optional<Bytes> neededBytes(const ImageBrowserItem& item, Kind kind) {
+  if (kind == Kind::Preview) {
+    std::optional<Bytes> bytes = item.imageBeginning(exifReach);
+    if (!bytes || bytes->size() < exifReach || textOf(*bytes).starts_with("\xFF\xD8")) {
+      return bytes;
+    }
+  }
+  return item.imageRepresentation();
 }
 
 Thumbnail thumbnailOf(DecodedPicture&& decoded, const ThumbnailRequest& request) {
@@ -114,10 +119,9 @@ DecodedPicture ThumbnailLoader::State::decode(const Job& job, ByteView bytes,
                                    ? PictureRequest::Kind::EmbeddedPreview
                                    : PictureRequest::Kind::Picture,
                                static_cast<std::uint32_t>(job.request.pixels)};
-  const ByteView needed = neededBytes(bytes, job.request.kind);
   return job.isLarge ? PictureDecoder({limits.decoder, limits.largeMemory, limits.time})
-                           .decode(request, needed, stop)
-                     : decoder.decode(request, needed, stop);
+                           .decode(request, bytes, stop)
+                     : decoder.decode(request, bytes, stop);
 }
 
 // Nothing: the photo turned out to be large and is to come again when it is its turn.
@@ -126,7 +130,7 @@ std::optional<Thumbnail> ThumbnailLoader::State::run(Job& job, PictureDecoder& d
   if (job.request.kind == Kind::Shrink) {
     return shrunk(job.request);
   }
-  const std::optional<Bytes> bytes = job.request.item->imageRepresentation();
+  const std::optional<Bytes> bytes = neededBytes(*job.request.item, job.request.kind);
   if (!bytes) {
     Thumbnail broken;
     const bool isMissing = job.request.item->imageContent() == ImageBrowserItem::Content::Missing;
@@ -140,7 +144,9 @@ std::optional<Thumbnail> ThumbnailLoader::State::run(Job& job, PictureDecoder& d
     return std::nullopt;
   }
   Thumbnail result = thumbnailOf(std::move(decoded), job.request);
-  result.byteCount = static_cast<std::int64_t>(bytes->size());
+  if (job.request.kind == Kind::Decode) {
+    result.byteCount = static_cast<std::int64_t>(bytes->size());
+  }
   result.isDamaged =
       result.isDamaged || job.request.item->imageContent() == ImageBrowserItem::Content::Short;
   return result;

@@ -65,6 +65,9 @@ TEST(File, believesNoSizeThatHolesClaim) {
   ASSERT_TRUE(half);
   EXPECT_EQ(half->size(), std::size_t{8} << 20);
   EXPECT_EQ(half->data()[0], 'x');
+  EXPECT_EQ(readBeginning(tree.path("half"), 5)->size(), 5u);
+  EXPECT_EQ(readBeginning(tree.path("half"), 9 << 20)->size(), half->size());
+  EXPECT_FALSE(readBeginning(tree.path("hole"), 5));
 }
 
 TEST(File, listsHiddenAndOddNamesAndTellsSubfoldersFromLinksToThem) {
@@ -97,13 +100,13 @@ TEST(File, findsNamesWithoutRegardToLetterCase) {
       tree.write(name, name);
     }
     EXPECT_EQ(findFile(tree.path(""), "info.plist"), tree.path(found));
-    const auto content = readFoundFile(tree.root(), "info.plist");
+    const auto content = OpenFolder(tree.root()).readFoundFile("info.plist");
     EXPECT_EQ(content ? textOf(content->bytes) : "(nothing)", found);
   }
   TemporaryTree tree;
   tree.write("Info.plist2", "");
   EXPECT_EQ(findFile(tree.root(), "info.plist"), tree.path("info.plist"));
-  EXPECT_FALSE(readFoundFile(tree.root(), "info.plist"));
+  EXPECT_FALSE(OpenFolder(tree.root()).readFoundFile("info.plist"));
 }
 
 TEST(File, readsWhatItFindsWithItsAttributes) {
@@ -111,7 +114,7 @@ TEST(File, readsWhatItFindsWithItsAttributes) {
   tree.write("Info.plist", "content");
   const timespec times[2] = {{1, 0}, {1234567890, 987654321}};
   ASSERT_EQ(::utimensat(AT_FDCWD, tree.path("Info.plist").c_str(), times, 0), 0);
-  const auto content = readFoundFile(tree.root(), "info.plist");
+  const auto content = OpenFolder(tree.root()).readFoundFile("info.plist");
   const auto attributes = fileAttributes(tree.path("Info.plist"));
   ASSERT_TRUE(content && attributes);
   EXPECT_EQ(content->modificationDate, instantFromUnixTime(1234567890, 987654000));
@@ -119,7 +122,7 @@ TEST(File, readsWhatItFindsWithItsAttributes) {
   EXPECT_EQ(attributes->size, 7u);
   // What bears the exact name counts, though nothing can be read there.
   ASSERT_EQ(::symlink("Info.plist", tree.path("info.plist").c_str()), 0);
-  EXPECT_FALSE(readFoundFile(tree.root(), "info.plist"));
+  EXPECT_FALSE(OpenFolder(tree.root()).readFoundFile("info.plist"));
 }
 
 }  // namespace

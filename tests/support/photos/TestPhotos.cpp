@@ -19,6 +19,9 @@ public:
   std::string imageUID() const override { return m_folder + "/" + imageTitle(); }
   std::string imageTitle() const override { return titleOf(m_index); }
   std::optional<Bytes> imageRepresentation() const override { return m_reads->read(m_index); }
+  std::optional<Bytes> imageBeginning(std::size_t size) const override {
+    return m_reads->read(m_index, size);
+  }
   std::string imageOrigin() const override { return m_folder; }
 
 private:
@@ -29,7 +32,7 @@ private:
 
 }  // namespace
 
-std::optional<Bytes> PhotoReads::read(int index) {
+std::optional<Bytes> PhotoReads::read(int index, std::size_t size) {
   {
     std::unique_lock lock(m_mutex);
     ++m_count;
@@ -39,7 +42,9 @@ std::optional<Bytes> PhotoReads::read(int index) {
     --m_waiting;
   }
   const std::optional<QByteArray> data = m_source(index);
-  return data ? std::optional(bytesFrom(*data)) : std::nullopt;
+  const ByteView bytes = data ? viewOf(*data) : ByteView();
+  return data ? std::optional(Bytes::copyOf(bytes.first(std::min(size, bytes.size()))))
+              : std::nullopt;
 }
 
 int PhotoReads::count() const {

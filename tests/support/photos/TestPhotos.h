@@ -21,7 +21,7 @@ public:
 
   explicit PhotoReads(Source source) : m_source(std::move(source)) {}
 
-  std::optional<Bytes> read(int index);
+  std::optional<Bytes> read(int index, std::size_t size = SIZE_MAX);
   int count() const;
   // While held, every read waits; the destructor of whoever holds must release.
   void hold(bool held);
