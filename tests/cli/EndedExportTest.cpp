@@ -120,7 +120,7 @@ enum class Way { Link, Rename, PartLink, Claim, ExFat, Fat, Btrfs, Xfs };
 class ExportWayTest : public EndedExportTest, public testing::WithParamInterface<Way> {
 protected:
   void SetUp() override {
-    using Mount = std::unique_ptr<Volume> (*)(const std::string&, const std::string&);
+    using Mount = std::unique_ptr<Volume> (*)(const std::string&, const std::string&, std::size_t);
     constexpr Mount mounts[] = {Volume::exFat, Volume::fat, Volume::btrfs, Volume::xfs};
     if (GetParam() < Way::ExFat) {
       return;
@@ -129,7 +129,7 @@ protected:
       GTEST_SKIP() << "takes half a minute; SNAPLIFT_KILLS is not set";
     }
     const auto mount = mounts[static_cast<int>(GetParam()) - static_cast<int>(Way::ExFat)];
-    m_volume = mount(m_destination, m_tree.path("image"));
+    m_volume = mount(m_destination, m_tree.path("image"), Volume::leastSize);
     if (!m_volume) {
       GTEST_SKIP() << "needs root, and the programs that Volume names";
     }

@@ -43,12 +43,14 @@ std::unique_ptr<Volume> Volume::fromImage(const std::string& folder, const std::
   return isMounted ? std::unique_ptr<Volume>(new Volume(folder)) : nullptr;
 }
 
-std::unique_ptr<Volume> Volume::exFat(const std::string& folder, const std::string& image) {
-  return fromImage(folder, image, leastSize, "mkfs.exfat", {"mount -t exfat-fuse -o loop"});
+std::unique_ptr<Volume> Volume::exFat(const std::string& folder, const std::string& image,
+                                      std::size_t size) {
+  return fromImage(folder, image, size, "mkfs.exfat", {"mount -t exfat-fuse -o loop"});
 }
 
-std::unique_ptr<Volume> Volume::fat(const std::string& folder, const std::string& image) {
-  return fromImage(folder, image, leastSize, "mkfs.vfat -F 32",
+std::unique_ptr<Volume> Volume::fat(const std::string& folder, const std::string& image,
+                                    std::size_t size) {
+  return fromImage(folder, image, size, "mkfs.vfat -F 32",
                    {"mount -t vfat -o loop", "fusefat -o rw+"});
 }
 

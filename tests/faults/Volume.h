@@ -10,21 +10,25 @@ namespace snaplift {
 // A file system of a test's own, mounted on an empty folder as long as the object lives. Mounting
 // needs root, exFAT the programs that make and serve it (packages exfatprogs and exfat-fuse), and
 // FAT mkfs.vfat (dosfstools) and a kernel that knows it or the program that serves it (fusefat):
-// the makers answer nothing where it cannot be had, and the test is skipped.
+// the makers answer nothing where it cannot be had, and the test is skipped. Those in an image have
+// room for `size` bytes; the image takes only what is used of them.
 class Volume {
 public:
+  static constexpr std::size_t leastSize = std::size_t{320} << 20;  // that mkfs.xfs takes
+
   // In memory, with room for `size` bytes.
   static std::unique_ptr<Volume> inMemory(const std::string& folder, std::size_t size);
 
   // exFAT served through FUSE: no links, no permissions, letter case folded, no rename that refuses
   // a taken name. Its bytes are in the new file `image`.
-  static std::unique_ptr<Volume> exFat(const std::string& folder, const std::string& image);
+  static std::unique_ptr<Volume> exFat(const std::string& folder, const std::string& image,
+                                       std::size_t size = leastSize);
 
   // FAT, as a stick has it: by the kernel, else through FUSE.
-  static std::unique_ptr<Volume> fat(const std::string& folder, const std::string& image);
+  static std::unique_ptr<Volume> fat(const std::string& folder, const std::string& image,
+                                     std::size_t size = leastSize);
 
-  // File systems of the kernel that share blocks (btrfs-progs, xfsprogs), and one that does not,
-  // of `size` bytes, which the image takes only as far as they are used.
+  // File systems of the kernel that share blocks (btrfs-progs, xfsprogs), and one that does not.
   static std::unique_ptr<Volume> btrfs(const std::string& folder, const std::string& image,
                                        std::size_t size = leastSize);
   static std::unique_ptr<Volume> xfs(const std::string& folder, const std::string& image,
@@ -39,8 +43,6 @@ public:
   bool makeReadOnly();
 
 private:
-  static constexpr std::size_t leastSize = std::size_t{320} << 20;  // that mkfs.xfs takes
-
   static std::unique_ptr<Volume> fromImage(const std::string& folder, const std::string& image,
                                            std::size_t size, const std::string& makeProgram,
                                            const std::vector<std::string>& mountPrograms);
