@@ -179,7 +179,7 @@ int main(int argc, char** argv) {
   // File systems of the bench's own, in files; of these the first gets the photos of another one.
   struct Mounted {
     const char* name;
-    std::unique_ptr<Volume> (*mount)(const std::string&, const std::string&, std::size_t);
+    Volume::Maker mount;
     double bar;
     bool sharesBlocks;
     std::unique_ptr<Volume> volume = nullptr;

@@ -120,8 +120,7 @@ enum class Way { Link, Rename, PartLink, Claim, ExFat, Fat, Btrfs, Xfs };
 class ExportWayTest : public EndedExportTest, public testing::WithParamInterface<Way> {
 protected:
   void SetUp() override {
-    using Mount = std::unique_ptr<Volume> (*)(const std::string&, const std::string&, std::size_t);
-    constexpr Mount mounts[] = {Volume::exFat, Volume::fat, Volume::btrfs, Volume::xfs};
+    constexpr Volume::Maker mounts[] = {Volume::exFat, Volume::fat, Volume::btrfs, Volume::xfs};
     if (GetParam() < Way::ExFat) {
       return;
     }

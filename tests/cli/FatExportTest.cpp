@@ -15,7 +15,7 @@ using testing::UnorderedElementsAre;
 
 struct Stick {
   const char* name;
-  std::unique_ptr<Volume> (*mount)(const std::string& folder, const std::string& image);
+  Volume::Maker mount;
 };
 
 class FatExportTest : public CommandLineTest, public testing::WithParamInterface<Stick> {};
@@ -29,7 +29,8 @@ INSTANTIATE_TEST_SUITE_P(, FatExportTest,
                          [](const auto& stick) { return stick.param.name; });
 
 TEST_P(FatExportTest, numbersNamesThatDifferInCaseAndFailsForbiddenOnesAlone) {
-  const auto volume = GetParam().mount(m_tree.makeFolder("out"), m_tree.path("image"));
+  const auto volume =
+      GetParam().mount(m_tree.makeFolder("out"), m_tree.path("image"), Volume::leastSize);
   if (!volume) {
     GTEST_SKIP() << "needs root, mkfs and a way to mount " << GetParam().name;
   }

@@ -15,6 +15,8 @@ namespace snaplift {
 class Volume {
 public:
   static constexpr std::size_t leastSize = std::size_t{320} << 20;  // that mkfs.xfs takes
+  using Maker = std::unique_ptr<Volume> (*)(const std::string& folder, const std::string& image,
+                                            std::size_t size);
 
   // In memory, with room for `size` bytes.
   static std::unique_ptr<Volume> inMemory(const std::string& folder, std::size_t size);
