@@ -5,6 +5,7 @@
 
 #include "backups/BackupAround.h"
 #include "foundation/files/OutputFolder.h"
+#include "foundation/files/Path.h"
 
 namespace snaplift {
 namespace {
@@ -39,6 +40,16 @@ std::optional<std::string> exportDestinationProblem(const std::string& destinati
     return "Nothing can be written into the folder " + quoted(destination) + ".";
   }
   return std::nullopt;
+}
+
+std::optional<std::string> reportFileProblem(const std::string& path,
+                                             const std::vector<std::string>& backupFolders) {
+  const std::string folder(parentPath(path));
+  const std::string name(lastPathComponent(path));
+  if (path.ends_with('/') || !isFileName(name)) {
+    return quoted(path) + " is not the name of a file.";
+  }
+  return exportDestinationProblem(!folder.empty() ? folder : ".", backupFolders);
 }
 
 }  // namespace snaplift

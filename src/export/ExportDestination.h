@@ -15,4 +15,8 @@ namespace snaplift {
 std::optional<std::string> exportDestinationProblem(const std::string& destination,
                                                     const std::vector<std::string>& backupFolders);
 
+// The same for the report of an export (see ExportReportFile.h) at `path`, in words that name it.
+std::optional<std::string> reportFileProblem(const std::string& path,
+                                             const std::vector<std::string>& backupFolders);
+
 }  // namespace snaplift

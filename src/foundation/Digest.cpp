@@ -1,6 +1,7 @@
 #include "foundation/Digest.h"
 
 #include <nettle/sha1.h>
+#include <nettle/sha2.h>
 
 namespace snaplift {
 
@@ -14,6 +15,20 @@ Sha1Digest sha1(std::initializer_list<ByteView> parts) {
   }
   Sha1Digest digest;
   sha1_digest(&context, digest.size(), digest.data());
+  return digest;
+}
+
+Sha256Digest sha256(const std::function<std::size_t(std::span<std::uint8_t> buffer)>& read) {
+  static_assert(std::tuple_size_v<Sha256Digest> == SHA256_DIGEST_SIZE);
+  constexpr std::size_t bufferInBytes = std::size_t{128} << 10;
+  thread_local Bytes buffer(bufferInBytes);
+  sha256_ctx context;
+  sha256_init(&context);
+  while (const std::size_t count = read({buffer.data(), buffer.size()})) {
+    sha256_update(&context, count, buffer.data());
+  }
+  Sha256Digest digest;
+  sha256_digest(&context, digest.size(), digest.data());
   return digest;
 }
 

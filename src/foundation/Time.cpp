@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <mutex>
 #include <string_view>
@@ -104,6 +105,17 @@ std::string rfc3339Text(Instant instant) {
 
 std::string defaultDateText(Instant instant) {
   return formatted("%s%04lld-%02u-%02u %02u:%02u:%02u +0000", instant);
+}
+
+std::optional<std::string> localMonthText(Instant instant) {
+  const std::time_t seconds = static_cast<std::time_t>(
+      std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count());
+  std::tm local{};
+  char text[8];
+  return ::localtime_r(&seconds, &local) && local.tm_year >= -900 && local.tm_year <= 8099 &&
+                 std::strftime(text, sizeof text, "%Y-%m", &local) > 0
+             ? std::optional<std::string>(text)
+             : std::nullopt;
 }
 
 std::string longDateText(Instant instant) {

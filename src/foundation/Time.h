@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace snaplift {
@@ -25,6 +26,9 @@ std::string longDateText(Instant instant);
 
 // "8:30:00 AM": the time of that day, with seconds, likewise.
 std::string timeOfDayText(Instant instant);
+
+// "2011-10": the month in the local time zone; nothing for a year that has not four digits.
+std::optional<std::string> localMonthText(Instant instant);
 
 // "2011-10-12 08:30:00 +0000": the default text form of a date, UTC.
 std::string defaultDateText(Instant instant);

@@ -107,6 +107,18 @@ timespec timespecOf(Instant instant) {
   return time;
 }
 
+std::optional<FileError> makeFile(const OutputFolder& folder, std::string name, ByteView bytes) {
+  NewFile file(folder, std::move(name));
+  auto error = file.error();
+  if (!error) {
+    error = file.write(bytes);
+  }
+  if (!error) {
+    error = file.seal();
+  }
+  return error ? error : file.publish(file.name());
+}
+
 std::string pathOfDescriptor(int descriptor) {
   return "/proc/self/fd/" + std::to_string(descriptor);
 }
@@ -273,16 +285,21 @@ InputFile NewFile::content() const {
 }
 
 std::optional<FileError> createFile(const std::string& path, ByteView bytes) {
+  return makeFile(OutputFolder(std::string(parentPath(path))), std::string(lastPathComponent(path)),
+                  bytes);
+}
+
+std::optional<FileError> replaceFile(const std::string& path, ByteView bytes) {
   const OutputFolder folder{std::string(parentPath(path))};
-  NewFile file(folder, std::string(lastPathComponent(path)));
-  auto error = file.error();
-  if (!error) {
-    error = file.write(bytes);
+  const std::string part = newPartName();
+  const std::string name(lastPathComponent(path));
+  auto error = makeFile(folder, part, bytes);
+  if (!error &&
+      ::renameat(folder.descriptor(), part.c_str(), folder.descriptor(), name.c_str()) != 0) {
+    error = FileError::ofSystem(errno, path);
+    ::unlinkat(folder.descriptor(), part.c_str(), 0);
   }
-  if (!error) {
-    error = file.seal();
-  }
-  return error ? error : file.publish(file.name());
+  return error;
 }
 
 }  // namespace snaplift

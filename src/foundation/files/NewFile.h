@@ -76,4 +76,8 @@ private:
 // Makes `path` with `bytes` by way of a NewFile.
 [[nodiscard]] std::optional<FileError> createFile(const std::string& path, ByteView bytes);
 
+// The same, in the place of a file that may be there: at every moment the old or the new one is. A
+// kill can leave the new one beside it as a hidden part.
+[[nodiscard]] std::optional<FileError> replaceFile(const std::string& path, ByteView bytes);
+
 }  // namespace snaplift
