@@ -131,6 +131,17 @@ bool ImageItem::isHeldBy(InputFile& file) const {
   return contents && file.holds(*contents);
 }
 
+bool ImageItem::hasBytesOf(const ImageItem& other) const {
+  const std::string path = m_delegate.contentFileForPath(m_path);
+  if (!path.empty()) {
+    InputFile content(path);
+    return content && other.isHeldBy(content);
+  }
+  const std::optional<Bytes> own = imageRepresentation();
+  const std::optional<Bytes> others = other.imageRepresentation();
+  return own && others && std::ranges::equal(own->view(), others->view());
+}
+
 std::optional<FileError> ImageItem::extract(const std::string& destination) {
   std::string written;
   return extractAndLog(destination, written);

@@ -81,6 +81,8 @@ public:
 
   // Whether `file` holds the photo's bytes and nothing else.
   bool isHeldBy(InputFile& file) const;
+  // Whether another photo has the same bytes.
+  bool hasBytesOf(const ImageItem& other) const;
 
   // What the pasteboard asks: the types in the order of preference, how each is written, and the
   // data of one. The data of the file URL puts the photo into the temporary folder and is a list

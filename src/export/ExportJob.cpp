@@ -5,8 +5,6 @@
 #include <system_error>
 #include <utility>
 
-#include "foundation/files/OutputFolder.h"
-
 namespace snaplift {
 namespace {
 
@@ -60,7 +58,7 @@ void ExportJob::run() {
   }
   m_summary.notBegun = m_photos.size() - m_order.begun();
   if (m_summary.exported > 0 && m_options.flushes && !m_options.isDryRun) {
-    m_summary.onFlush = flushFileSystem(m_folders.destination());
+    m_summary.onFlush = m_folders.flush();
   }
   m_observer.exportDidEnd(m_summary);
 }
@@ -69,7 +67,7 @@ void ExportJob::work() {
   while (const std::optional<std::size_t> index = m_order.begin()) {
     WrittenPhoto written = m_writer.write(m_photos[*index]);
     // At once, before the others begin with photos that would fail as well.
-    if (PhotoWriter::isDestinationLost(written)) {
+    if (m_writer.isDestinationLost(written)) {
       stop();
     }
     m_order.end(*index, std::move(written), [this](std::size_t, WrittenPhoto due) {
@@ -87,7 +85,7 @@ void ExportJob::end(const WrittenPhoto& photo) {
   m_summary.renamed += outcome.isRenamed ? 1 : 0;
   m_summary.shortened += outcome.isShort && !outcome.error ? 1 : 0;
   m_summary.bytes += outcome.bytes;
-  if (!m_summary.lost && PhotoWriter::isDestinationLost(photo)) {
+  if (!m_summary.lost && m_writer.isDestinationLost(photo)) {
     m_summary.lost = outcome.error;
     stop();
   }

@@ -30,7 +30,7 @@ std::optional<std::string> firstName(const std::string& name, const Wanted& isWa
 }
 
 InputFile fileIn(const ExportFolder& folder, const std::string& name) {
-  return InputFile(joinPath(folder.output().path(), name));
+  return InputFile(joinPath(folder.path(), name));
 }
 
 }  // namespace
@@ -43,6 +43,10 @@ WrittenPhoto PhotoWriter::write(const PhotoToExport& photo) const {
     return written;
   }
   written.folder = &m_folders.folderAt(photo.folder);
+  if (written.folder->error()) {
+    written.outcome.error = written.folder->error();
+    return written;
+  }
   if (m_options.skipsExisting) {
     const auto isThere = [&](const std::string& name) {
       InputFile file = written.folder->had(name) ? fileIn(*written.folder, name) : InputFile({});
@@ -62,7 +66,8 @@ WrittenPhoto PhotoWriter::write(const PhotoToExport& photo) const {
 
 std::optional<FileError> PhotoWriter::writeFile(WrittenPhoto& written) const {
   const ImageItem& photo = *written.outcome.photo;
-  written.file = std::make_unique<NewFile>(written.folder->output(), visibleName(photo));
+  written.output = m_folders.open(*written.folder);
+  written.file = std::make_unique<NewFile>(*written.output, visibleName(photo));
   NewFile& file = *written.file;
   if (file.error()) {
     return file.error();
@@ -89,7 +94,7 @@ void PhotoWriter::giveName(WrittenPhoto& written) const {
     InputFile content = file.content();
     const auto isThere = [&](const std::string& name) {
       InputFile other =
-          written.folder->hasGiven(name) ? fileIn(*written.folder, name) : InputFile({});
+          written.folder->photoGiven(name) ? fileIn(*written.folder, name) : InputFile({});
       return other && other.hasBytesOf(content);
     };
     if (const auto name = firstName(file.name(), isThere)) {
@@ -101,11 +106,11 @@ void PhotoWriter::giveName(WrittenPhoto& written) const {
   std::uint64_t counter = 0;
   outcome.error = publishNumbered(file, counter);
   if (!outcome.error) {
-    outcome.written = joinPath(written.folder->output().path(), file.name());
+    outcome.written = joinPath(written.folder->path(), file.name());
     outcome.isRenamed = file.name() != outcome.photo->fileName();
     outcome.bytes = file.size();
     if (m_options.skipsExisting) {
-      written.folder->give(file.name());
+      written.folder->give(file.name(), *outcome.photo);
     }
   }
   written.file.reset();
@@ -113,36 +118,46 @@ void PhotoWriter::giveName(WrittenPhoto& written) const {
 
 void PhotoWriter::skip(WrittenPhoto& written, const std::string& name) const {
   written.outcome.isSkipped = true;
-  written.outcome.written = joinPath(written.folder->output().path(), name);
+  written.outcome.written = joinPath(written.folder->path(), name);
 }
 
 void PhotoWriter::nameInDryRun(WrittenPhoto& written) const {
   ExportedPhoto& outcome = written.outcome;
   ExportFolder& folder = *written.folder;
-  const auto isFree = [&](const std::string& name) {
-    return !folder.had(name) && !folder.hasGiven(name);
-  };
   const std::string wanted = visibleName(*outcome.photo);
+  if (m_options.skipsExisting) {
+    const auto isThere = [&](const std::string& name) {
+      const ImageItem* other = folder.photoGiven(name);
+      return other && outcome.photo->hasBytesOf(*other);
+    };
+    if (const auto name = firstName(wanted, isThere)) {
+      skip(written, *name);
+      return;
+    }
+  }
+  const auto isFree = [&](const std::string& name) {
+    return !folder.had(name) && !folder.photoGiven(name);
+  };
   const std::optional<std::string> name = firstName(wanted, isFree);
-  const std::string path = joinPath(folder.output().path(), name.value_or(wanted));
+  const std::string path = joinPath(folder.path(), name.value_or(wanted));
   if (!name) {
     outcome.error = FileError::fileExists(path);
     return;
   }
-  folder.give(*name);
+  folder.give(*name, *outcome.photo);
   outcome.written = path;
   outcome.isRenamed = *name != outcome.photo->fileName();
 }
 
 // A full and a read-only file system say so themselves; of one that is gone there are many words,
-// some of which may be meant for a single name.
-bool PhotoWriter::isDestinationLost(const WrittenPhoto& photo) {
+// some of which may be meant for a single name or folder.
+bool PhotoWriter::isDestinationLost(const WrittenPhoto& photo) const {
   const std::optional<FileError>& error = photo.outcome.error;
   if (!error || error->domain != posixErrorDomain || photo.folder == nullptr) {
     return false;
   }
   return error->code == ENOSPC || error->code == EDQUOT || error->code == EROFS ||
-         !photo.folder->output().isUsable();
+         !m_folders.destination().isUsable();
 }
 
 }  // namespace snaplift

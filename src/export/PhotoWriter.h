@@ -16,7 +16,8 @@ namespace snaplift {
 // A photo whose bytes are in its folder and whose name is still to come.
 struct WrittenPhoto {
   ExportedPhoto outcome;
-  ExportFolder* folder = nullptr;
+  ExportFolder* folder = nullptr;  // none of a photo whose name cannot be a file's
+  std::shared_ptr<const OutputFolder> output;
   std::unique_ptr<NewFile> file;  // none after a failure, of a skipped photo and in a dry run
 };
 
@@ -33,8 +34,8 @@ public:
   // One photo at a time, in the order in which they are to be named. Does nothing after a failure.
   void giveName(WrittenPhoto& written) const;
 
-  // Whether `photo` failed because nothing more can be written into its folder.
-  static bool isDestinationLost(const WrittenPhoto& photo);
+  // Whether `photo` failed because nothing more can be written at all.
+  bool isDestinationLost(const WrittenPhoto& photo) const;
 
 private:
   std::optional<FileError> writeFile(WrittenPhoto& written) const;

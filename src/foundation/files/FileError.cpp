@@ -31,6 +31,10 @@ FileError FileError::encrypted(std::string path) {
   return {backupErrorDomain, encryptedError, std::move(path)};
 }
 
+FileError FileError::insideBackup(std::string path) {
+  return {backupErrorDomain, insideBackupError, std::move(path)};
+}
+
 FileError FileError::invalidFileName(std::string path) {
   return {cocoaErrorDomain, fileWriteInvalidFileNameError, std::move(path)};
 }
@@ -44,7 +48,8 @@ std::string FileError::reason() const {
     return std::generic_category().message(code);
   }
   if (domain == backupErrorDomain) {
-    return "the backup is encrypted";
+    return code == encryptedError ? "the backup is encrypted"
+                                  : "nothing is ever written into a backup";
   }
   switch (code) {
     case fileWriteFileExistsError:

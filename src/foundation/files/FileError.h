@@ -16,8 +16,9 @@ inline constexpr int fileReadNoSuchFileError = 260;
 inline constexpr int fileWriteInvalidFileNameError = 514;
 inline constexpr int fileWriteFileExistsError = 516;
 
-// The one code of backupErrorDomain.
+// The codes of backupErrorDomain.
 inline constexpr int encryptedError = 1;
+inline constexpr int insideBackupError = 2;
 
 // Why a file was not read or written: a value that is returned, kept and compared, never thrown.
 // The domain says whose numbers the code is one of. Functions that may fail return an optional
@@ -32,9 +33,10 @@ struct FileError {
   static FileError ofSystem(int errorNumber, std::string path);
   static FileError fileExists(std::string path);
   static FileError unreadable(std::string path);
-  static FileError missing(std::string path);    // there is no such file to read
-  static FileError forbidden(std::string path);  // it may not be read
-  static FileError encrypted(std::string path);  // nobody can read it
+  static FileError missing(std::string path);       // there is no such file to read
+  static FileError forbidden(std::string path);     // it may not be read
+  static FileError encrypted(std::string path);     // nobody can read it
+  static FileError insideBackup(std::string path);  // nothing is written there
   static FileError invalidFileName(std::string path);
 
   bool isFileExists() const;
