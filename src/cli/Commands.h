@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/ExitStatus.h"
 #include "cli/Output.h"
+#include "cli/PhotoFilter.h"
 #include "cli/Selection.h"
 
 namespace snaplift::cli {
@@ -33,15 +35,24 @@ ExitStatus checkBackups(const BackupNames& names, bool json);
 
 struct ExportOptions {
   BackupNames from;
+  PhotoChoice choice;
   std::string destination;
-  unsigned workers = 0;  // 0: one a core
+  std::string layout = "flat";        // one of layoutNames
+  std::optional<std::string> report;  // the file that it goes into
+  unsigned workers = 0;               // 0: one a core
   bool noDates = false;
   bool skipExisting = false;
   bool dryRun = false;
   bool json = false;
 };
 
-// Copies the photos of the chosen backups into one folder.
+// By the place of its layout in ExportLayout.
+inline const std::vector<std::string> layoutNames = {"flat", "device", "month", "dcim"};
+
+// Copies the chosen photos of the chosen backups into one folder, or folders below it.
 ExitStatus exportPhotos(const ExportOptions& options);
+
+// Compares the files that the report of an export names with it.
+ExitStatus verifyReport(const std::string& path, bool json);
 
 }  // namespace snaplift::cli

@@ -19,12 +19,32 @@ Json rootJson(const Selection& selection) {
   return {{"root", selection.path()}, {"devices", std::move(devices)}};
 }
 
+const char* wordFor(PhotoKind kind) {
+  switch (kind) {
+    case PhotoKind::Original:
+      return "original";
+    case PhotoKind::Edited:
+      return "edited";
+    case PhotoKind::Cloud:
+      return "cloud";
+    case PhotoKind::Derived:
+      break;
+  }
+  return "derived";
+}
+
 Json photosJson(BackupModel& backup) {
   Json photos = Json::array();
   for (const auto& item : backup.imageItems()) {
+    const PhotoInfo info = item->info();
+    const std::optional<Instant> date = info.date();
     photos.push_back({{"uniquePath", item->path()},
                       {"fileName", item->fileName()},
-                      {"fileType", item->imageFileType()}});
+                      {"fileType", item->imageFileType()},
+                      {"date", date ? Json(rfc3339Text(*date)) : Json(nullptr)},
+                      {"size", info.size ? Json(*info.size) : Json(nullptr)},
+                      {"kind", wordFor(info.kind)},
+                      {"media", info.media == PhotoMedia::Film ? "film" : "photo"}});
   }
   return {
       {"path", backup.path()}, {"encrypted", backup.encrypted()}, {"photos", std::move(photos)}};

@@ -14,6 +14,8 @@ namespace {
 // With the counts of a large export the line stays below the 80 columns of a small terminal.
 constexpr std::size_t barWidth = 32;
 constexpr auto drawInterval = std::chrono::milliseconds(100);
+// After a line that was printed in its place: lines of small photos come faster than anybody reads.
+constexpr auto drawAgainInterval = std::chrono::milliseconds(10);
 
 }  // namespace
 
@@ -24,7 +26,8 @@ void ProgressBar::advance(std::uint64_t bytes) {
   ++m_done;
   m_bytes += bytes;
   const auto now = std::chrono::steady_clock::now();
-  if (m_visible && (m_drawnWidth == 0 || m_done == m_total || now - m_lastDrawn >= drawInterval)) {
+  const auto interval = m_drawnWidth == 0 ? drawAgainInterval : drawInterval;
+  if (m_visible && (m_done == m_total || now - m_lastDrawn >= interval)) {
     m_lastDrawn = now;
     draw();
   }

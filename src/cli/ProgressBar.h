@@ -7,8 +7,8 @@
 namespace snaplift::cli {
 
 // The progress of an export on one line of the standard error: only where that is a terminal, and
-// nothing at all elsewhere. Redrawn ten times a second at most, without a command that a terminal
-// might not know. One thread at a time.
+// nothing at all elsewhere. Redrawn ten times a second at most, or a hundred where other lines are
+// printed in its place, without a command that a terminal might not know. One thread at a time.
 class ProgressBar {
 public:
   explicit ProgressBar(std::uint64_t total);

@@ -21,6 +21,7 @@ constexpr const char* introduction =
     "  snaplift-cli check                        are all listed photos there?\n"
     "  snaplift-cli export BACKUP -o ~/Pictures  copy every photo out\n"
     "  snaplift-cli export --device \"Anna's Phone\" -o ~/Pictures\n"
+    "  snaplift-cli verify report.csv            are the files of export --report as they were?\n"
     "\n"
     "Gets photos back out of the backups of old handsets (system versions 1 to 9).\n"
     "Backups are only read, never written. A BACKUP is a folder that is one or has some\n"
@@ -33,6 +34,7 @@ constexpr const char* exitStatuses =
 struct Arguments {
   BackupNames names;
   std::vector<std::string> folders;
+  std::string report;
   bool json = false;
   bool quiet = false;
   ExportOptions exporting;
@@ -69,6 +71,32 @@ CLI::App* addFindCommand(CLI::App& app, Arguments& arguments) {
   return command;
 }
 
+void addLayoutOption(CLI::App& command, ExportOptions& options) {
+  command.add_option("--layout", options.layout, "Folders: flat (none), device, month or dcim")
+      ->type_name("NAME")
+      ->check(CLI::IsMember(layoutNames).description(""));
+}
+
+std::string problemOfDate(const std::string& text) {
+  return timeSpanOfText(text) ? "" : "no date is " + text;
+}
+
+void addChoiceOptions(CLI::App& command, PhotoChoice& choice) {
+  command.add_option("--since", choice.since, "No photos from before (2011-10-12, or RFC 3339)")
+      ->type_name("DATE")
+      ->check(problemOfDate);
+  command.add_option("--until", choice.until, "No photos from after")
+      ->type_name("DATE")
+      ->check(problemOfDate);
+  command.add_option("--match", choice.patterns, "Only photos whose name or path matches")
+      ->type_name("GLOB")
+      ->allow_extra_args(false);
+  command.add_flag("--originals", choice.originals, "Only photos as the camera took them");
+  command
+      .add_option("--from-file", choice.list, "Only photos of this list of unique paths (-: input)")
+      ->type_name("FILE");
+}
+
 CLI::App* addExportCommand(CLI::App& app, Arguments& arguments) {
   ExportOptions& options = arguments.exporting;
   CLI::App* command = addBackupCommand(app, arguments, "export",
@@ -85,11 +113,23 @@ CLI::App* addExportCommand(CLI::App& app, Arguments& arguments) {
   command->add_option("-j,--jobs", options.workers, "Photos in hand at once (default: one a core)")
       ->type_name("NUMBER")
       ->check(CLI::Range(1, 256).description(""));
+  addLayoutOption(*command, options);
+  addChoiceOptions(*command, options.choice);
   command->add_flag("--skip-existing", options.skipExisting,
                     "Leave out photos that are there already");
   command->add_flag("--no-dates", options.noDates, "Do not give the files their photos' dates");
-  command->add_flag("-n,--dry-run", options.dryRun,
-                    "Read every photo, say what would be written where");
+  CLI::Option* dryRun = command->add_flag("-n,--dry-run", options.dryRun,
+                                          "Read every photo, say what would be written where");
+  command->add_option("--report", options.report, "Write what came of each photo, with digests")
+      ->type_name("FILE")
+      ->excludes(dryRun);
+  return command;
+}
+
+CLI::App* addVerifyCommand(CLI::App& app, Arguments& arguments) {
+  CLI::App* command =
+      addCommand(app, arguments, "verify", "Compare exported files with their report");
+  command->add_option("REPORT", arguments.report, "Of export --report")->type_name("")->required();
   return command;
 }
 
@@ -104,9 +144,10 @@ ExitStatus usageError(const CLI::App& app, const CLI::ParseError& error,
                       const std::string& unknown) {
   const std::vector<CLI::App*> commands = app.get_subcommands();
   if (commands.empty()) {
-    printMessage(unknown +
-                 "name a command: list, find, photos, files, check or export; see snaplift-cli "
-                 "--help");
+    printMessage(
+        unknown +
+        "name a command: list, find, photos, files, check, export or verify; see snaplift-cli "
+        "--help");
   } else {
     printMessage(std::string(error.what()) + "; see snaplift-cli " + commands[0]->get_name() +
                  " --help");
@@ -134,6 +175,7 @@ ExitStatus run(int argc, char** argv) {
       addBackupCommand(app, arguments, "check", "Count the listed, present and missing photos",
                        "Which (default: your root)");
   CLI::App* exporting = addExportCommand(app, arguments);
+  CLI::App* verify = addVerifyCommand(app, arguments);
   try {
     app.parse(argc, argv);
     if (exporting->parsed() && arguments.names.names.empty() &&
@@ -158,6 +200,7 @@ ExitStatus run(int argc, char** argv) {
          : photos->parsed() ? listPhotos(arguments.names, arguments.json)
          : files->parsed()  ? listFiles(arguments.names, arguments.json)
          : check->parsed()  ? checkBackups(arguments.names, arguments.json)
+         : verify->parsed() ? verifyReport(arguments.report, arguments.json)
                             : exportPhotos(arguments.exporting);
 }
 
