@@ -43,12 +43,15 @@ std::string LayoutFolders::folderOfDevicePath(std::string_view devicePath) {
   std::string_view folder = parentPath(devicePath);
   std::string path;
   std::string source;
-  for (int depth = 0; depth < deepestFolder && !folder.empty(); ++depth) {
+  for (int depth = 0; depth < deepestFolder && !folder.empty();) {
     const std::string_view name = folder.substr(0, folder.find('/'));
     folder.remove_prefix(std::min(name.size() + 1, folder.size()));
-    source += '/';
-    source += name;
-    path = folderIn(path, source, name);
+    if (!name.empty()) {
+      source += '/';
+      source += name;
+      path = folderIn(path, source, name);
+      ++depth;
+    }
   }
   return path;
 }

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <thread>
 #include <vector>
@@ -263,6 +264,115 @@ TEST_F(ExportCommandTest, keepsDatesAndTellsShortPhotos) {
   const Json again = jsonLines(exportInto({backup, "--json", "--skip-existing"})).back();
   EXPECT_EQ(again["skipped"], 2);
   EXPECT_EQ(again["bytes"], 0);
+}
+
+// Two backups of one phone, and devices whose names are one folder to some file systems.
+TEST_F(ExportCommandTest, spreadsAWholeRootOverFoldersWithEachPhotoOnce) {
+  writeBackup("root/a", layoutFive, "Anna");
+  writeBackup("root/b", layoutFive, "Anna", 1);
+  writeBackup("root/c", layoutFive, "ANNA");
+  writeBackup("root/d", layoutFive, "..");
+  write("root/e", {.generation = Generation::Five, .productVersion = "5.0", .encrypted = true});
+  const std::string root = m_tree.path("root");
+  struct Case {
+    const char* layout;
+    std::vector<std::string> folders;
+    int skipped;
+  };
+  for (const Case& c : {Case{"device", {"Anna", "ANNA 2", "_"}, 2}, Case{"month", {"2011-10"}, 2},
+                        Case{"dcim", {"DCIM", "DCIM/100APPLE"}, 2}}) {
+    std::vector<std::map<std::string, std::string>> trees;
+    for (const char* jobs : {"-j1", "-j8"}) {
+      emptyDestination();
+      const ProgramResult result =
+          exportInto({root, "--layout", c.layout, "--skip-existing", "--json", jobs});
+      EXPECT_EQ(result.status, 3);  // one is encrypted
+      EXPECT_EQ(jsonLines(result).back()["skipped"], c.skipped);
+      for (const std::string& folder : c.folders) {
+        EXPECT_TRUE(fs::is_directory(out() + "/" + folder)) << folder;
+      }
+      std::map<std::string, std::string>& tree = trees.emplace_back();
+      for (const std::string& name : m_tree.list("out")) {
+        tree[name] = fs::is_directory(out() + "/" + name) ? "" : m_tree.read("out/" + name);
+      }
+      EXPECT_THAT(tree, SizeIs(6 + c.folders.size()));
+      const auto before = treeState(out());
+      EXPECT_EQ(exportInto({root, "--layout", c.layout, "--skip-existing"}).status, 3);
+      EXPECT_EQ(treeState(out()), before);
+    }
+    EXPECT_EQ(trees[0], trees[1]);
+  }
+}
+
+TEST_F(ExportCommandTest, choosesPhotosByWhatIsKnownOfThem) {
+  const std::string edit = "Media/PhotoData/Mutations/DCIM/100APPLE/IMG_0001/FullSizeRender.jpg";
+  const std::string backup =
+      write("b", {.generation = Generation::Five,
+                  .productVersion = "5.0",
+                  .files = {photo(layoutFive, "Media/DCIM/100APPLE/IMG_0001.JPG", "1", 1318420800),
+                            photo(layoutFive, "Media/DCIM/101APPLE/IMG_0002.MOV", "2", 1318420801),
+                            photo(layoutFive, edit, "3", 1318420802),
+                            photo(layoutFive, "Media/DCIM/101APPLE/IMG_0004.JPG", "4", 0)}});
+  m_tree.write("list", backup + "/" + edit + "\r\n\n" + backup + "/gone\n");
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{"--since", "2011-10-12T12:00:01Z"}, "23"},
+      {{"--until", "2011-10-12T12:00:01Z"}, "12"},
+      {{"--since", "2011-10-12", "--until", "2011-10-12"}, "123"},
+      {{"--since", "2011-10-14"}, ""},
+      {{"--originals"}, "124"},
+      {{"--match", "img_000[14].*"}, "14"},
+      {{"--match", "*/101APPLE/*", "--match", "FullSize*"}, "234"},
+      {{"--match", "*.jpg", "--originals", "--since", "2000-01-01"}, "1"},
+  };
+  const auto chosen = [&](std::vector<std::string> arguments, int status) {
+    emptyDestination();
+    arguments.insert(arguments.begin(), backup);
+    const ProgramResult result = exportInto(arguments);
+    EXPECT_EQ(result.status, status) << result.errors;
+    std::string contents;
+    for (const std::string& content : exported()) {
+      contents += content;
+    }
+    return contents;
+  };
+  for (const auto& [arguments, contents] : cases) {
+    EXPECT_EQ(chosen(arguments, 0), contents) << testing::PrintToString(arguments);
+  }
+  EXPECT_EQ(chosen({"--from-file", m_tree.path("list")}, 3), "3");
+  EXPECT_EQ(chosen({"--from-file", m_tree.path("none")}, 1), "");
+}
+
+TEST_F(ExportCommandTest, reportsAndVerifiesWhatItWrote) {
+  const std::string backup = writeBackup("b", layoutFive, "Phone");
+  const std::string report = m_tree.path("report.csv");
+  EXPECT_EQ(exportInto({backup, "--report", report}).status, 0);
+  const ProgramResult same = run({"verify", report});
+  EXPECT_EQ(same.status, 0);
+  EXPECT_EQ(same.output, "");
+  EXPECT_THAT(same.errors, HasSubstr("2 files as reported, 0 different, 0 gone\n"));
+  m_tree.write("out/IMG_0001.JPG", "Phone onE");
+  fs::remove(out() + "/IMG_0002.PNG");
+  const ProgramResult other = run({"verify", report});
+  EXPECT_EQ(other.status, 3);
+  EXPECT_EQ(other.output,
+            "different: " + out() + "/IMG_0001.JPG\ngone: " + out() + "/IMG_0002.PNG\n");
+  EXPECT_EQ(jsonLines(run({"verify", "--json", report})).back(), (Json{{"message_type", "summary"},
+                                                                       {"same", 0},
+                                                                       {"different", 1},
+                                                                       {"gone", 1},
+                                                                       {"unreadable", 0},
+                                                                       {"not_exported", 0},
+                                                                       {"interrupted", false}}));
+  const auto before = treeState(m_tree.path("b"));
+  for (const auto& [path, reason] : {std::pair(report, "exists already"),
+                                     std::pair(backup + "/r.csv", "ever written into a backup"),
+                                     std::pair(m_tree.path("no/r.csv"), "does not exist")}) {
+    const ProgramResult refused = exportInto({backup, "--report", path});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, HasSubstr(reason));
+    EXPECT_EQ(refused.output, "");
+  }
+  EXPECT_EQ(treeState(m_tree.path("b")), before);
 }
 
 // One page of a report that nobody reads holds the program in the middle of its work.

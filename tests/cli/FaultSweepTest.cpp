@@ -116,14 +116,20 @@ protected:
 
   void emptyDestination() const {
     fs::remove_all(m_tree.path("out"));
+    fs::remove(report());
     m_tree.write("out/IMG_0001.JPG", "old");
   }
+
+  std::string report() const { return m_tree.path("report.csv"); }
 
   // The contents of the destination that are photos. Everything else there is a failure, but for
   // what could not be unlinked.
   std::multiset<std::string> arrived(const FaultyCall& fault) const {
     std::multiset<std::string> contents;
     for (const std::string& name : m_tree.list("out")) {
+      if (fs::is_directory(m_tree.path("out/" + name))) {
+        continue;
+      }
       const std::string content = m_tree.read("out/" + name);
       if (name == "IMG_0001.JPG") {
         EXPECT_EQ(content, "old");
@@ -160,7 +166,8 @@ protected:
       EXPECT_NE(result.status, 0) << result.errors;
     }
     if (fault.kind == SystemCall::Flush) {
-      const bool isSaid = result.errors.find(" to the disk: ") != std::string::npos;
+      const bool isSaid = result.errors.find(" to the disk: ") != std::string::npos ||
+                          result.errors.find("the report could not") != std::string::npos;
       EXPECT_EQ(result.status, isSaid ? 1 : 0) << result.errors;
     }
     if (lines.size() < photos.size()) {
@@ -168,10 +175,23 @@ protected:
     }
   }
 
+  // Whole, and true, or not there.
+  void examineReport(const ProgramResult& result) const {
+    if (fs::exists(report())) {
+      const ProgramResult verified = run({"verify", report()});
+      EXPECT_THAT(verified.status, AnyOf(0, 3)) << verified.errors;
+      EXPECT_TRUE(result.status != 0 || verified.status == 0) << verified.output;
+    } else {
+      EXPECT_NE(result.status, 0);
+    }
+  }
+
   // All kinds of failing calls over an export in one environment.
-  void sweepExport(const Environment& environment) {
-    ProgramCall exporting =
-        call({"export", "--json", "-j", "1", m_backup, "-o", m_tree.path("out")});
+  void sweepExport(const Environment& environment, const std::vector<std::string>& options = {}) {
+    std::vector<std::string> arguments = {"export", "--json",          "-j", "1", m_backup,
+                                          "-o",     m_tree.path("out")};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    ProgramCall exporting = call(arguments);
     exporting.environment.insert(exporting.environment.end(), environment.begin(),
                                  environment.end());
     emptyDestination();
@@ -181,6 +201,9 @@ protected:
       if (kind != SystemCall::List) {  // of /var/tmp, which may be long
         sweep(exporting, kind, [&](const FaultyCall& fault, const ProgramResult& result) {
           examineExport(fault, result, faultless);
+          if (!options.empty()) {
+            examineReport(result);
+          }
         });
       }
     }
@@ -198,6 +221,11 @@ INSTANTIATE_TEST_SUITE_P(, FaultSweepTest, testing::ValuesIn(layouts), nameOf);
 TEST_P(FaultSweepTest, exportsWholePhotosAndNamesTheOthers) {
   sweepExport({});
   EXPECT_GT(m_faults, 50);
+}
+
+TEST_P(FaultSweepTest, exportsIntoFoldersWithAReport) {
+  sweepExport({}, {"--layout", "dcim", "--report", report()});
+  EXPECT_GT(m_faults, 70);
 }
 
 TEST_P(FaultSweepTest, exportsOntoFileSystemsThatKnowLess) {

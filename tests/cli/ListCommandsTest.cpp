@@ -1,6 +1,7 @@
 // What list, photos, files and check print, as text and as JSON.
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -190,17 +191,24 @@ TEST_F(ListCommandsTest, listsThePhotosOfEveryGeneration) {
     SCOPED_TRACE(layout.version);
     const std::string name = std::string("of ") + layout.version + layout.decoder;
     const std::string backup = writeBackup(name, layout, "Phone");
-    std::vector<std::pair<std::string, std::string>> photos = {{"IMG_0001.JPG", "JPG"},
-                                                               {"IMG_0002.PNG", "PNG"}};
+    std::vector<std::array<std::string, 3>> photos = {
+        {"IMG_0001.JPG", "JPG", "2011-10-12T12:00:00Z"},
+        {"IMG_0002.PNG", "PNG", "2011-10-12T12:00:01Z"}};
     if (layout.generation <= Generation::Three) {
       std::ranges::reverse(photos);  // the newest first
     }
     std::string lines;
     Json list = Json::array();
-    for (const auto& [file, type] : photos) {
+    for (const auto& [file, type, date] : photos) {
       const std::string path = "Media/DCIM/100APPLE/" + file;
       lines += path + "\n";
-      list.push_back({{"uniquePath", backup + "/" + path}, {"fileName", file}, {"fileType", type}});
+      list.push_back({{"uniquePath", backup + "/" + path},
+                      {"fileName", file},
+                      {"fileType", type},
+                      {"date", date},
+                      {"size", 9},
+                      {"kind", "original"},
+                      {"media", "photo"}});
     }
     const ProgramResult text = run({"photos", backup});
     EXPECT_EQ(text.status, 0);

@@ -19,7 +19,7 @@ TEST_F(UsageTest, saysWhatIsWrongWithACommandLine) {
     const char* error;
   };
   const Case cases[] = {
-      {{}, "name a command: list, find, photos, files, check or export"},
+      {{}, "name a command: list, find, photos, files, check, export or verify"},
       {{"copy"}, "unknown command: copy; name a command"},
       {{"photos", "a", "b"}, "At Most 1 required but received 2; see snaplift-cli photos --help"},
       {{"photos"}, "BACKUP is required; see snaplift-cli photos --help"},
@@ -30,6 +30,9 @@ TEST_F(UsageTest, saysWhatIsWrongWithACommandLine) {
       {{"export", "b", "-o", out, "-j", "0"}, "--jobs"},
       {{"export", "b", "-o", out, "-j", "many"}, "--jobs"},
       {{"export", "-o", out, "-d"}, "--device"},
+      {{"export", "b", "-o", out, "--layout", "year"}, "--layout: year not in"},
+      {{"export", "b", "-o", out, "--since", "soon"}, "--since: no date is soon"},
+      {{"export", "b", "-o", out, "-n", "--report", "r"}, "--dry-run excludes --report"},
       {{"export", "b", "-o", out, "--colour"}, "--colour"},
   };
   for (const Case& c : cases) {
@@ -43,7 +46,7 @@ TEST_F(UsageTest, saysWhatIsWrongWithACommandLine) {
 TEST_F(UsageTest, beginsItsHelpWithExamples) {
   const ProgramResult help = run({"-h"});
   EXPECT_EQ(help.output.find("Examples:\n  snaplift-cli list "), 0u) << help.output;
-  for (const char* command : {"list", "find", "photos", "files", "check", "export"}) {
+  for (const char* command : {"list", "find", "photos", "files", "check", "export", "verify"}) {
     EXPECT_THAT(help.output, HasSubstr(std::string("\n  ") + command + " "));
     const ProgramResult own = run({command, "--help"});
     EXPECT_EQ(own.status, 0);

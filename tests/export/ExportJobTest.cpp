@@ -163,6 +163,54 @@ TEST_F(ExportJobTest, leavesOutWhatIsThere) {
   }
 }
 
+TEST_F(ExportJobTest, foretellsInADryRunWhatItLeavesOut) {
+  m_tree.write("files/a.jpg", "2/a.jpg");
+  const auto list = photos({"1/a.jpg", "2/a.jpg", "files/a.jpg", "1/a.jpg"});
+  const auto written = [this] {
+    std::vector<std::string> paths;
+    for (const ExportedPhoto& photo : m_ended) {
+      paths.push_back(photo.written);
+    }
+    return paths;
+  };
+  run(list, {.workers = 1, .skipsExisting = true, .isDryRun = true});
+  EXPECT_EQ(m_summary.skipped, 2U);
+  const auto foretold = written();
+  run(list, {.workers = 1, .skipsExisting = true});
+  EXPECT_EQ(written(), foretold);
+}
+
+// More of them than a process may hold open; one is a file, some lead into a backup.
+TEST_F(ExportJobTest, makesAnyNumberOfFoldersAndNoneInABackup) {
+  m_tree.write("backup/Info.plist", "");
+  m_tree.write("backup/Manifest.mbdb", "");
+  m_tree.makeFolder("elsewhere");
+  m_tree.write("out/own/info.plist", "");
+  m_tree.write("out/own/manifest.plist", "");
+  m_tree.write("out/file", "old");
+  fs::create_directory_symlink(m_tree.path("backup"), m_out + "/link");
+  fs::create_directory_symlink(m_tree.path("elsewhere"), m_out + "/good");
+  constexpr int folders = 1500;
+  std::vector<PhotoToExport> list = photos(std::vector<std::string>(folders + 5, "a.jpg"));
+  for (int i = 0; i < folders; ++i) {
+    list[static_cast<std::size_t>(i)].folder = "all/" + std::to_string(i);
+  }
+  const char* special[] = {"own", "link", "link/new/deep", "file/below", "good"};
+  for (std::size_t i = 0; i < std::size(special); ++i) {
+    list[folders + i].folder = special[i];
+  }
+  run(list, {.workers = 4});
+  EXPECT_EQ(m_summary.exported, folders + 1U);
+  for (const char* name : {"own", "link"}) {
+    EXPECT_THAT(m_ended, testing::Contains(testing::Field(
+                             &ExportedPhoto::error, FileError::insideBackup(m_out + "/" + name))));
+  }
+  EXPECT_THAT(m_tree.list("backup"), SizeIs(2));
+  EXPECT_THAT(m_tree.list("out/own"), SizeIs(2));
+  EXPECT_THAT(m_tree.list("elsewhere"), ElementsAre("a.jpg"));
+  EXPECT_EQ(m_tree.read("out/file"), "old");
+}
+
 TEST_F(ExportJobTest, exportsNothingOfAnEncryptedBackup) {
   m_photos.m_isEncrypted = true;
   m_tree.write("files/a.jpg", "secret");
