@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <functional>
 #include <iterator>
 #include <map>
 #include <string>
@@ -13,6 +12,7 @@
 #include "foundation/files/FileURL.h"
 #include "foundation/files/Path.h"
 #include "foundation/files/TemporaryFolder.h"
+#include "support/PhotoSource.h"
 #include "support/TemporaryTree.h"
 
 namespace snaplift {
@@ -23,27 +23,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// A backup whose photos contain their own unique path.
-class Photos : public ImageDataSource {
-public:
-  static std::string contentOf(const std::string& path) { return "photo " + path; }
-
-  std::optional<Bytes> imageDataForPath(const std::string& path, Bytes reuse) const override {
-    m_onRead();
-    if (path.find("unreadable") != std::string::npos) {
-      return std::nullopt;
-    }
-    const std::string content = contentOf(path);
-    reuse.resize(content.size());
-    std::ranges::copy(bytesOf(content), reuse.data());
-    return reuse;
-  }
-  bool encrypted() const override { return m_isEncrypted; }
-
-  std::function<void()> m_onRead = [] {};
-  bool m_isEncrypted = false;
-};
-
 class ImageItemTest : public testing::Test {
 protected:
   std::vector<std::string> written() const { return m_tree.list("out"); }
@@ -52,7 +31,7 @@ protected:
 
   TemporaryTree m_tree;
   std::string m_out = m_tree.makeFolder("out");
-  Photos m_photos;
+  test::PhotoSource m_photos;
   ImageItem m_item{"/b/Media/DCIM/100/IMG_0001.JPG", m_photos};
   std::vector<std::string> m_log;
   LogCapture m_capture{[this](std::string line) { m_log.push_back(std::move(line)); }};
@@ -76,7 +55,7 @@ TEST_F(ImageItemTest, numbersNamesThatAreTaken) {
     }
     ImageItem item(joinPath("/b", c.name), m_photos);
     EXPECT_EQ(item.extract(tree.root()), std::nullopt);
-    EXPECT_EQ(tree.read(c.written), Photos::contentOf(item.path()));
+    EXPECT_EQ(tree.read(c.written), item.path());
     for (const std::string& taken : c.taken) {
       EXPECT_EQ(tree.read(taken), "old");
     }
@@ -98,8 +77,8 @@ TEST_F(ImageItemTest, givesUpAfterFiftyNumbersAndStartsAgain) {
   fs::remove(m_out + "/IMG_0001 50.JPG");
   m_item.extract(m_out);
   m_item.extract(m_out);
-  EXPECT_EQ(read("IMG_0001 1.JPG"), Photos::contentOf(m_item.path()));
-  EXPECT_EQ(read("IMG_0001 50.JPG"), Photos::contentOf(m_item.path()));
+  EXPECT_EQ(read("IMG_0001 1.JPG"), m_item.path());
+  EXPECT_EQ(read("IMG_0001 50.JPG"), m_item.path());
   EXPECT_THAT(m_log, SizeIs(1));
 }
 
@@ -127,8 +106,7 @@ TEST_F(ImageItemTest, logsALineForEachFailure) {
        {Case{"/b/..", m_out, "/b/..: this is not the name of a file (NSCocoaErrorDomain 514)"},
         Case{nul, m_out, "/b/a\\x00.jpg: this is not the name of a file (NSCocoaErrorDomain 514)"},
         Case{"", m_out, ": this is not the name of a file (NSCocoaErrorDomain 514)"},
-        Case{"/b/unreadable.jpg", m_out,
-             "/b/unreadable.jpg: the file cannot be read (NSCocoaErrorDomain 256)"},
+        Case{"/b/lost.jpg", m_out, "/b/lost.jpg: the file cannot be read (NSCocoaErrorDomain 256)"},
         Case{"/b/1.jpg", "/no", "/no/1.jpg: No such file or directory (NSPOSIXErrorDomain 2)"},
         Case{"/b/1.jpg", m_tree.write("file", ""),
              m_tree.path("file/1.jpg") + ": Not a directory (NSPOSIXErrorDomain 20)"}}) {
@@ -136,13 +114,13 @@ TEST_F(ImageItemTest, logsALineForEachFailure) {
     ImageItem(c.path, m_photos).extract(c.destination);
     EXPECT_THAT(m_log, ElementsAre("failed (0) to extract the file: " + c.reason));
   }
-  m_photos.m_isEncrypted = true;
+  m_photos.isEncrypted = true;
   m_item.extract(m_out);
   EXPECT_THAT(m_log.back(), testing::HasSubstr("the backup is encrypted"));
-  m_photos.m_isEncrypted = false;
+  m_photos.isEncrypted = false;
   EXPECT_THAT(written(), IsEmpty());
   m_log.clear();
-  m_photos.m_onRead = [&] { fs::remove_all(m_out); };
+  m_photos.onRead = [&](const std::string&) { fs::remove_all(m_out); };
   m_item.extract(m_out);
   EXPECT_THAT(m_log, SizeIs(1));
   EXPECT_FALSE(fs::exists(m_out));
@@ -154,9 +132,9 @@ TEST_F(ImageItemTest, replacesItselfInTheTemporaryFolderAlone) {
   m_item.extract(temporaryFolder() + "/");
   fs::create_hard_link(temporaryFolder() + "/IMG_0001.JPG", m_out + "/elsewhere");
   other.extract(temporaryFolder());
-  EXPECT_EQ(read("elsewhere"), Photos::contentOf(m_item.path()));
+  EXPECT_EQ(read("elsewhere"), m_item.path());
   fs::copy(temporaryFolder() + "/IMG_0001.JPG", m_out + "/copy");
-  EXPECT_EQ(read("copy"), Photos::contentOf(other.path()));
+  EXPECT_EQ(read("copy"), other.path());
   EXPECT_FALSE(fs::exists(temporaryFolder() + "/IMG_0001 1.JPG"));
   EXPECT_THAT(m_log, IsEmpty());
 }
@@ -178,8 +156,7 @@ TEST_F(ImageItemTest, offersThePasteboardWhatItsTypeAllows) {
 TEST_F(ImageItemTest, givesThePasteboardItsData) {
   ImageItem item("/b/IMG 0002.PNG", m_photos);
   for (const char* type : {"image/png", "image/jpeg"}) {
-    EXPECT_EQ(textOf(item.pasteboardPropertyListForType(type).value()),
-              Photos::contentOf(item.path()));
+    EXPECT_EQ(textOf(item.pasteboardPropertyListForType(type).value()), item.path());
   }
   EXPECT_FALSE(item.pasteboardPropertyListForType("text/plain"));
   const std::string file = temporaryFolder() + "/IMG 0002.PNG";
@@ -188,8 +165,8 @@ TEST_F(ImageItemTest, givesThePasteboardItsData) {
             fileURL(file) + "\r\n");
   EXPECT_TRUE(fs::exists(file));
   for (const bool isEncrypted : {false, true}) {
-    m_photos.m_isEncrypted = isEncrypted;
-    ImageItem none(isEncrypted ? "/b/a.jpg" : "/b/unreadable.jpg", m_photos);
+    m_photos.isEncrypted = isEncrypted;
+    ImageItem none(isEncrypted ? "/b/a.jpg" : "/b/lost.jpg", m_photos);
     EXPECT_FALSE(none.pasteboardPropertyListForType("text/uri-list"));
     EXPECT_FALSE(none.pasteboardPropertyListForType("image/jpeg"));
   }
@@ -203,7 +180,7 @@ TEST_F(ImageItemTest, keepsNoFileOpen) {
   const auto before = openFiles();
   m_item.extract(m_out);
   m_item.extract("/no");
-  ImageItem("/b/unreadable.jpg", m_photos).extract(m_out);
+  ImageItem("/b/lost.jpg", m_photos).extract(m_out);
   m_item.pasteboardPropertyListForType(fileURLType);
   EXPECT_EQ(openFiles(), before);
 }

@@ -1,7 +1,6 @@
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <list>
 #include <map>
 #include <string>
@@ -15,6 +14,7 @@
 #include "faults/FaultyFileSystem.h"
 #include "faults/Volume.h"
 #include "foundation/files/Path.h"
+#include "support/PhotoSource.h"
 #include "support/TemporaryTree.h"
 
 namespace snaplift {
@@ -24,28 +24,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-// Photos that contain their own path; "lost" ones cannot be read, those in "files" are files.
-class Photos : public ImageDataSource {
-public:
-  explicit Photos(const TemporaryTree& tree) : m_tree(tree) {}
-
-  std::optional<Bytes> imageDataForPath(const std::string& path, Bytes) const override {
-    m_onRead(path);
-    return path.find("lost") != std::string::npos ? std::nullopt
-                                                  : std::optional(Bytes::copyOf(bytesOf(path)));
-  }
-  std::string contentFileForPath(const std::string& path) const override {
-    return path.starts_with("files/") ? m_tree.path(path) : std::string();
-  }
-  bool encrypted() const override { return m_isEncrypted; }
-
-  std::function<void(const std::string&)> m_onRead = [](const std::string&) {};
-  bool m_isEncrypted = false;
-
-private:
-  const TemporaryTree& m_tree;
-};
 
 class ExportJobTest : public testing::Test, public ExportObserver {
 protected:
@@ -81,7 +59,7 @@ protected:
 
   TemporaryTree m_tree;
   std::string m_out = m_tree.makeFolder("out");
-  Photos m_photos{m_tree};
+  test::PhotoSource m_photos{m_tree.root()};
   std::list<ImageItem> m_items;
   std::vector<ExportedPhoto> m_ended;
   ExportSummary m_summary;
@@ -97,7 +75,7 @@ TEST_F(ExportJobTest, namesDoNotDependOnTheNumberOfWorkers) {
                                folder + "A 1.JPG", folder + (i % 2 ? "a 2.jpg" : "a 1.jpg")});
   }
   paths.insert(paths.begin(), "lost/first/a.jpg");
-  m_photos.m_onRead = [](const std::string& path) {
+  m_photos.onRead = [](const std::string& path) {
     std::this_thread::sleep_for(std::chrono::microseconds(std::hash<std::string>()(path) % 400));
   };
   run(photos(paths));
@@ -212,7 +190,7 @@ TEST_F(ExportJobTest, makesAnyNumberOfFoldersAndNoneInABackup) {
 }
 
 TEST_F(ExportJobTest, exportsNothingOfAnEncryptedBackup) {
-  m_photos.m_isEncrypted = true;
+  m_photos.isEncrypted = true;
   m_tree.write("files/a.jpg", "secret");
   run(photos({"files/a.jpg", "b.jpg"}));
   EXPECT_THAT(m_tree.list("out"), IsEmpty());
@@ -230,7 +208,7 @@ TEST_F(ExportJobTest, givesUpWhenTheDestinationIsLost) {
     EXPECT_GT(m_summary.notBegun, 10U);
   }
   int read = 0;
-  m_photos.m_onRead = [&](const std::string&) {
+  m_photos.onRead = [&](const std::string&) {
     if (++read == 5) {
       fs::remove_all(m_out);
     }
