@@ -38,9 +38,13 @@ QVariant PhotoPasteboard::retrieveData(const QString& format, QMetaType) const {
   }
   // This object may be gone when the files are there.
   const std::shared_ptr<TemporaryPhotos> files = m_files;
-  std::string list = isList ? "" : "copy";
+  files->write();
+  if (isList) {
+    return QByteArray::fromStdString(uriList(files->paths()));
+  }
+  std::string list = "copy";
   for (const std::string& path : files->paths()) {
-    list += isList ? fileURL(path) + "\r\n" : "\n" + fileURL(path);
+    list += "\n" + fileURL(path);
   }
   return QByteArray::fromStdString(list);
 }

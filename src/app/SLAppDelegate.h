@@ -109,6 +109,8 @@ public:
   std::optional<std::vector<std::string>> imageBrowserExportItemsToDestination(
       ORBImageBrowserView& browser, const std::vector<ImageBrowserItemPointer>& items,
       const std::string& destination) override;
+  std::shared_ptr<PromisedFileList> imageBrowserFilesOfItems(
+      ORBImageBrowserView& browser, const std::vector<ImageBrowserItemPointer>& items) override;
   // Puts the photos on the clipboard and says how many: none while photos are being exported.
   int imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView& browser,
                                                   const std::vector<int>& indexes);

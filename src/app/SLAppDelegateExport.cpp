@@ -41,6 +41,15 @@ std::optional<std::uint64_t> bytesOf(const std::vector<PhotoToExport>& photos) {
   return bytes;
 }
 
+std::vector<ImageItem*> photosOfItems(const std::vector<ImageBrowserItemPointer>& items) {
+  std::vector<ImageItem*> photos;
+  photos.reserve(items.size());
+  for (const ImageBrowserItemPointer& item : items) {
+    photos.push_back(&static_cast<const BackupPhoto&>(*item).item());
+  }
+  return photos;
+}
+
 }  // namespace
 
 void SLAppDelegate::exportSelectedPhotosFromSelectedBackup() {
@@ -125,11 +134,12 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
 std::optional<std::vector<std::string>> SLAppDelegate::imageBrowserExportItemsToDestination(
     ORBImageBrowserView&, const std::vector<ImageBrowserItemPointer>& items,
     const std::string& destination) {
-  PhotosToExport photos;
-  for (const ImageBrowserItemPointer& item : items) {
-    photos.push_back(&static_cast<const BackupPhoto&>(*item).item());
-  }
-  return exportPhotos(photos, destination);
+  return exportPhotos(photosOfItems(items), destination);
+}
+
+std::shared_ptr<PromisedFileList> SLAppDelegate::imageBrowserFilesOfItems(
+    ORBImageBrowserView&, const std::vector<ImageBrowserItemPointer>& items) {
+  return std::make_shared<TemporaryPhotos>(photosOfItems(items), tellingFailedCopy(items.size()));
 }
 
 bool SLAppDelegate::isExporting() const {

@@ -5,34 +5,53 @@
 #include <utility>
 
 #include "foundation/Log.h"
+#include "foundation/files/NumberedName.h"
 #include "foundation/files/Path.h"
 #include "foundation/files/TemporaryFolder.h"
 
 namespace snaplift {
 
-TemporaryPhotos::TemporaryPhotos(const std::vector<ImageItem*>& photos, Failed failed)
-    : m_failed(std::move(failed)) {
-  // A folder of its own for each further photo of one name: files keep the photos' names.
-  std::map<std::string, int> photosOfName;
-  for (const ImageItem* photo : photos) {
-    const int namesake = photosOfName[photo->fileName()]++;
-    m_photos.push_back({photo, namesake == 0 ? std::string() : std::to_string(namesake)});
-  }
+const std::vector<std::string>& TemporaryPhotos::paths() {
+  prepare();
+  return m_isWritten ? m_written : m_expected;
 }
 
-const std::vector<std::string>& TemporaryPhotos::paths() {
-  if (temporaryFolder().empty()) {  // the path would be a name in the process's current folder
+void TemporaryPhotos::prepare() {
+  if (m_job || temporaryFolder().empty()) {
+    return;
+  }
+  static int lists = 0;  // receivers of one may still copy when the next is asked for
+  const std::string folder = "photos-" + std::to_string(++lists);
+  std::map<std::string, std::uint64_t> photosOfName;
+  std::vector<PhotoToExport> photos;
+  photos.reserve(m_photos.size());
+  for (const ImageItem* photo : m_photos) {
+    // Beyond them a folder is full of a name.
+    const auto full = photosOfName[photo->fileName()]++ / (maximumNumberedNames + 1);
+    photos.push_back({photo, joinPath(folder, full == 0 ? "" : std::to_string(full))});
+  }
+  m_job = std::make_unique<ExportJob>(std::move(photos), temporaryFolder(),
+                                      ExportOptions{.flushes = false},
+                                      static_cast<ExportObserver&>(*this));
+  m_expected = m_job->expectedPaths();
+}
+
+void TemporaryPhotos::write() {
+  prepare();
+  if (!m_job) {  // a path would be a name in the process's current folder
     m_failures.clear();
-    for (const PhotoToExport& photo : m_photos) {
+    for (const ImageItem* photo : m_photos) {
       ExportedPhoto failure;
-      failure.photo = photo.photo;
+      failure.photo = photo;
       failure.error = FileError::missing("temporary folder");
       m_failures.push_back(failure);
     }
     tellFailures();
-    return m_paths;
+    return;
   }
-  begin();
+  if (!std::exchange(m_isBegun, true)) {
+    m_job->start();
+  }
   if (!m_isWritten) {
     QEventLoop loop;
     connect(this, &TemporaryPhotos::written, &loop, &QEventLoop::quit);
@@ -42,21 +61,7 @@ const std::vector<std::string>& TemporaryPhotos::paths() {
     m_job->stop();
   }
   m_job->wait();
-  return m_paths;
-}
-
-void TemporaryPhotos::begin() {
-  if (m_job) {
-    return;
-  }
-  static int copies = 0;
-  const std::string folder = "copy-" + std::to_string(++copies);
-  for (PhotoToExport& photo : m_photos) {
-    photo.folder = joinPath(folder, photo.folder);
-  }
-  m_job = std::make_unique<ExportJob>(m_photos, temporaryFolder(), ExportOptions{.flushes = false},
-                                      static_cast<ExportObserver&>(*this));
-  m_job->start();
+  m_isWritten = true;
 }
 
 void TemporaryPhotos::photoDidEnd(const ExportedPhoto& photo) {
@@ -64,7 +69,7 @@ void TemporaryPhotos::photoDidEnd(const ExportedPhoto& photo) {
     systemLog("failed (0) to extract the file: " + photo.error->description());
     m_failures.push_back(photo);
   } else {
-    m_paths.push_back(photo.written);
+    m_written.push_back(photo.written);
   }
 }
 

@@ -63,6 +63,22 @@ void ExportJob::run() {
   m_observer.exportDidEnd(m_summary);
 }
 
+std::vector<std::string> ExportJob::expectedPaths() const {
+  ExportFolders folders(m_folders.destination(), false, false);
+  const PhotoWriter writer(folders, {.isDryRun = true});
+  std::vector<std::string> paths;
+  paths.reserve(m_photos.size());
+  for (const PhotoToExport& photo : m_photos) {
+    WrittenPhoto expected;
+    expected.outcome.photo = photo.photo;
+    expected.folder = &folders.folderAt(photo.folder);
+    writer.giveName(expected);
+    paths.push_back(std::move(expected.outcome.written));
+  }
+  std::erase(paths, std::string());
+  return paths;
+}
+
 void ExportJob::work() {
   while (const std::optional<std::size_t> index = m_order.begin()) {
     WrittenPhoto written = m_writer.write(m_photos[*index]);

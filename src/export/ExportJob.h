@@ -42,6 +42,11 @@ public:
   // Returns after exportDidEnd() of a job that was started.
   void wait();
 
+  // The paths that the photos get where none of them fails and nothing stands in their folders: by
+  // the same rules, in their order. Where some fail, the others get some of these. Reads and writes
+  // nothing; may be asked before the job begins.
+  std::vector<std::string> expectedPaths() const;
+
   // How many photos are still to end.
   std::size_t remaining() const { return m_order.remaining(); }
 

@@ -5,16 +5,18 @@
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QUrl>
 #include <filesystem>
+#include <list>
 
 #include <gmock/gmock.h>
 
 #include "SLAppDelegateFixture.h"
 #include "app/ExportProgressBar.h"
-#include "app/PhotoPasteboard.h"
 #include "faults/Volume.h"
+#include "support/PhotoSource.h"
 #include "widgets/desktop/ActivityIndicator.h"
 #include "widgets/desktop/NoticeBar.h"
 
@@ -179,26 +181,46 @@ TEST_F(SLAppDelegateTest, promisesPhotosOnThePasteboard) {
   QApplication::clipboard()->clear();
 }
 
-// The temporary folder has room for one photo of a name.
-TEST_F(SLAppDelegateTest, promisesPhotosOfOneNameFromTwoFolders) {
-  class Contents : public ImageDataSource {
-  public:
-    std::optional<Bytes> imageDataForPath(const std::string& path, Bytes) const override {
-      return Bytes::copyOf(bytesOf(path));
+// A target that is told the paths early finds the photos there, however many fail.
+TEST(TemporaryPhotos, areExportedOnceToPathsThatWereToldBefore) {
+  test::PhotoSource source;
+  std::atomic<int> reads = 0;
+  source.onRead = [&reads](const std::string&) { ++reads; };
+  std::list<ImageItem> items;
+  std::vector<ImageItem*> photos;
+  std::vector<std::string> readable;
+  for (int i = 0; i < 60; ++i) {
+    const bool isLost = i == 0 || i == 30;
+    const std::string path = std::to_string(i) + (isLost ? "/lost/a.jpg" : "/a.jpg");
+    photos.push_back(&items.emplace_back(path, source));
+    if (!isLost) {
+      readable.push_back(path);
     }
-  } contents;
-  ImageItem first("/a/100APPLE/IMG_0001.JPG", contents);
-  ImageItem second("/a/101APPLE/IMG_0001.JPG", contents);
-  const PhotoPasteboard pasteboard({&first, &second});
-  const QList<QUrl> urls = pasteboard.urls();
-  ASSERT_EQ(urls.size(), 2);
-  EXPECT_EQ(pasteboard.urls(), urls);  // each receiver asks anew
-  for (const auto& [url, photo] : {std::pair{urls[0], &first}, {urls[1], &second}}) {
-    QFile copied(url.toLocalFile());
-    ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
-    EXPECT_EQ(copied.readAll().toStdString(), photo->path());
-    EXPECT_EQ(url.fileName(), "IMG_0001.JPG");
   }
+  std::vector<std::string> failed;
+  TemporaryPhotos list(photos, [&failed](const std::vector<ExportedPhoto>& failures) {
+    for (const ExportedPhoto& failure : failures) {
+      failed.push_back(failure.photo->path());
+    }
+  });
+  const std::vector<std::string> told = list.paths();
+  EXPECT_EQ(told.size(), 60U);
+  EXPECT_TRUE(told[1].ends_with("/a 1.jpg"));
+  EXPECT_EQ(reads, 0);
+  bool loopRan = false;
+  QTimer::singleShot(0, [&loopRan] { loopRan = true; });
+  list.write();
+  list.write();
+  EXPECT_TRUE(loopRan);
+  EXPECT_EQ(reads, 60);
+  EXPECT_EQ(failed, std::vector<std::string>({"0/lost/a.jpg", "30/lost/a.jpg"}));
+  std::vector<std::string> contents;
+  for (const std::string& path : list.paths()) {
+    EXPECT_THAT(told, testing::Contains(path));
+    QFile file(QString::fromStdString(path));
+    contents.push_back(file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "none");
+  }
+  EXPECT_EQ(contents, readable);
 }
 
 TEST_F(ExportNoticeTest, asksBeforeItFillsTheDiskAndGoesOnWhenThereIsRoom) {
@@ -233,13 +255,19 @@ TEST_F(ExportNoticeTest, tellsThatACopyFailed) {
   const QMimeData* copied = QApplication::clipboard()->mimeData();
   EXPECT_EQ(copied->data("text/uri-list").count("\r\n"), 2);
   static_cast<void>(copied->data("text/uri-list"));
-  QMessageBox* box = alert();
+  const QPointer box = alert();
   ASSERT_TRUE(box);
   EXPECT_EQ(box->text(), "1 of 3 Photos Could Not Be Copied");
   EXPECT_THAT(box->informativeText().toStdString(), testing::HasSubstr("\nIMG_0002.PNG: "));
   EXPECT_EQ(m_delegate->window()->findChildren<QMessageBox*>().size(), 1);
   box->buttons().front()->click();
   QApplication::clipboard()->clear();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !box; }));
+
+  const auto dragged = m_delegate->imageBrowserFilesOfItems(browser(), allItems());
+  dragged->write();
+  EXPECT_EQ(dragged->paths().size(), 2U);
+  EXPECT_EQ(alert()->text(), "1 of 3 Photos Could Not Be Copied");
 }
 
 TEST_F(ExportNoticeTest, asksBeforeItStopsExportingAndNoLonger) {

@@ -125,12 +125,15 @@ protected:
     ADD_FAILURE() << "no button " << button.toStdString();
   }
 
-  std::optional<std::vector<std::string>> dropAllPhotosInto(const std::string& folder) {
+  std::vector<ImageBrowserItemPointer> allItems() {
     std::vector<ImageBrowserItemPointer> items;
     for (int i = 0; i < browser().itemCount(); ++i) {
       items.push_back(browser().itemAtIndex(i));
     }
-    return m_delegate->imageBrowserExportItemsToDestination(browser(), items,
+    return items;
+  }
+  std::optional<std::vector<std::string>> dropAllPhotosInto(const std::string& folder) {
+    return m_delegate->imageBrowserExportItemsToDestination(browser(), allItems(),
                                                             m_tree.makeFolder(folder));
   }
 

@@ -25,4 +25,12 @@ std::string fileURL(std::string_view path) {
   return url;
 }
 
+std::string uriList(const std::vector<std::string>& paths) {
+  std::string list;
+  for (const std::string& path : paths) {
+    list += fileURL(path) + "\r\n";
+  }
+  return list;
+}
+
 }  // namespace snaplift

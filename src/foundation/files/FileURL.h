@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace snaplift {
 
@@ -10,5 +11,8 @@ namespace snaplift {
 // percent-encoded, so that what reads the URL gets back the same bytes, whatever it thinks of
 // character sets and reserved characters.
 std::string fileURL(std::string_view path);
+
+// The URLs of files, each a line, as "text/uri-list" has them (RFC 2483).
+std::string uriList(const std::vector<std::string>& paths);
 
 }  // namespace snaplift

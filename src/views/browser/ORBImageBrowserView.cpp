@@ -58,13 +58,15 @@ std::vector<std::string> ORBImageBrowserView::namesOfPromisedFilesDroppedAtDesti
       .value_or(std::vector<std::string>());
 }
 
-std::vector<PromisedFile> ORBImageBrowserView::promisedFiles() const {
-  std::vector<PromisedFile> files;
-  files.reserve(m_itemsInCurrentPromiseDragOperation.size());
-  for (const ImageBrowserItemPointer& item : m_itemsInCurrentPromiseDragOperation) {
-    files.push_back({item->imageTitle(), [item] { return item->imageRepresentation(); }});
-  }
-  return files;
+std::string ORBImageBrowserView::firstPromisedName() const {
+  const auto& items = m_itemsInCurrentPromiseDragOperation;
+  return items.empty() ? std::string() : items.front()->imageTitle();
+}
+
+std::shared_ptr<PromisedFileList> ORBImageBrowserView::promisedFiles() {
+  return m_exporter == nullptr
+             ? nullptr
+             : m_exporter->imageBrowserFilesOfItems(*this, m_itemsInCurrentPromiseDragOperation);
 }
 
 void ORBImageBrowserView::magnifyWithEvent(QNativeGestureEvent* event) {

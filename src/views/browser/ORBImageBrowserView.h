@@ -29,10 +29,11 @@ public:
     return m_itemsInCurrentPromiseDragOperation;
   }
 
-  // PromisedFilesSource: the delegate's answer, or no names.
+  // PromisedFilesSource: the delegate's answers, or none.
   std::vector<std::string> namesOfPromisedFilesDroppedAtDestination(
       const std::string& folder) override;
-  std::vector<PromisedFile> promisedFiles() const override;
+  std::string firstPromisedName() const override;
+  std::shared_ptr<PromisedFileList> promisedFiles() override;
 
 protected:
   void mouseDown(QMouseEvent* event) override;

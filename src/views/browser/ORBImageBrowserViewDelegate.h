@@ -1,10 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "widgets/photogrid/ImageBrowserViewDelegate.h"
+#include "widgets/promises/PromisedFiles.h"
 #include "widgets/thumbnails/ImageBrowserItem.h"
 
 namespace snaplift {
@@ -21,6 +23,13 @@ public:
       ORBImageBrowserView& /*browser*/, const std::vector<ImageBrowserItemPointer>& /*items*/,
       const std::string& /*destination*/) {
     return std::nullopt;
+  }
+
+  // `items` as files of the program's own, for targets that do not say where they put them. Null:
+  // not implemented, and such targets get nothing.
+  virtual std::shared_ptr<PromisedFileList> imageBrowserFilesOfItems(
+      ORBImageBrowserView& /*browser*/, const std::vector<ImageBrowserItemPointer>& /*items*/) {
+    return nullptr;
   }
 };
 

@@ -1,19 +1,7 @@
 #include "widgets/promises/PromisedFiles.h"
 
-#include <QEventLoop>
-#include <algorithm>
-#include <filesystem>
-#include <set>
-#include <system_error>
-#include <thread>
-
-#include "foundation/Parallel.h"
-#include "foundation/files/FileURL.h"
-#include "foundation/files/NewFile.h"
 #include "foundation/files/OutputFolder.h"
 #include "foundation/files/Path.h"
-#include "foundation/files/TemporaryFolder.h"
-#include "widgets/desktop/MainThread.h"
 
 namespace snaplift {
 namespace {
@@ -38,24 +26,6 @@ std::string percentDecoded(std::string_view text) {
   return result;
 }
 
-std::string foldedCase(std::string name) {
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-  return name;
-}
-
-// A folder for one drag: drags may follow each other while the receivers of the first still copy.
-std::string newFolder() {
-  static int drags = 0;
-  const std::string& parent = temporaryFolder();
-  if (parent.empty()) {
-    return {};
-  }
-  const std::string folder = joinPath(parent, "drag-" + std::to_string(++drags));
-  std::error_code error;
-  return std::filesystem::create_directory(folder, error) ? folder : std::string();
-}
-
 }  // namespace
 
 std::optional<std::string> folderOfDirectSave(std::string_view url, std::string_view hostName) {
@@ -75,65 +45,6 @@ std::optional<std::string> folderOfDirectSave(std::string_view url, std::string_
   const bool isLocal = host.empty() || host == "localhost" || host == hostName;
   const bool isWhole = path.find('\0') == std::string::npos;
   return isLocal && isWhole && isWritableFolder(folder) ? std::optional(folder) : std::nullopt;
-}
-
-std::vector<std::string> distinctNames(const std::vector<PromisedFile>& files) {
-  std::vector<std::string> names;
-  std::set<std::string> taken;
-  for (const PromisedFile& file : files) {
-    const std::string wanted = isFileName(file.name) ? file.name : "photo";
-    const std::string extension(pathExtension(wanted));
-    std::string name = wanted;
-    for (int number = 1; !taken.insert(foldedCase(name)).second; ++number) {
-      name = std::string(pathStem(wanted)) + " " + std::to_string(number) +
-             (extension.empty() ? "" : "." + extension);
-    }
-    names.push_back(std::move(name));
-  }
-  return names;
-}
-
-void PromisedFileList::choosePaths() {
-  if (std::exchange(m_hasPaths, true)) {
-    return;
-  }
-  const std::string folder = newFolder();
-  if (!folder.empty()) {
-    for (const std::string& name : distinctNames(m_files)) {
-      m_paths.push_back(joinPath(folder, name));
-    }
-  }
-}
-
-std::string PromisedFileList::uriList() {
-  choosePaths();
-  std::string list;
-  for (const std::string& path : m_paths) {
-    if (!path.empty()) {
-      list += fileURL(path) + "\r\n";
-    }
-  }
-  return list;
-}
-
-void PromisedFileList::write() {
-  choosePaths();
-  if (m_paths.empty() || std::exchange(m_isWritten, true)) {
-    return;
-  }
-  QEventLoop loop;
-  std::thread writer([this, &loop] {
-    parallelFor(m_paths.size(), std::max(std::thread::hardware_concurrency(), 1U),
-                [this](std::size_t i) {
-                  const std::optional<Bytes> bytes = m_files[i].bytes();
-                  if (!bytes || createFile(m_paths[i], *bytes)) {
-                    m_paths[i].clear();
-                  }
-                });
-    mainThread::run([&loop] { loop.quit(); });
-  });
-  loop.exec(QEventLoop::ExcludeUserInputEvents);
-  writer.join();
 }
 
 }  // namespace snaplift

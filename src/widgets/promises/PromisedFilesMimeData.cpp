@@ -2,6 +2,7 @@
 
 #include <QSysInfo>
 
+#include "foundation/files/FileURL.h"
 #include "foundation/files/Path.h"
 
 namespace snaplift {
@@ -15,14 +16,14 @@ const QString fileList = QStringLiteral("text/uri-list");
 
 PromisedFilesMimeData::PromisedFilesMimeData(PromisedFilesSource& source, QObject& owner,
                                              std::unique_ptr<DirectSaveChannel> channel)
-    : m_source(source), m_owner(&owner), m_channel(std::move(channel)) {
-  std::vector<PromisedFile> files = source.promisedFiles();
-  if (!files.empty() && isFileName(files.front().name)) {
-    m_firstName = files.front().name;
-  } else {
+    : m_source(source),
+      m_owner(&owner),
+      m_channel(std::move(channel)),
+      m_list(source.promisedFiles()),
+      m_firstName(source.firstPromisedName()) {
+  if (!isFileName(m_firstName)) {
     m_firstName = "photo";
   }
-  m_list = std::make_unique<PromisedFileList>(std::move(files));
 }
 
 void PromisedFilesMimeData::dragDidBegin() {
@@ -37,7 +38,7 @@ void PromisedFilesMimeData::pointerDidMove() {
 
 void PromisedFilesMimeData::willDrop() {
   m_isReleased = true;
-  if (!m_targetSavesDirectly) {
+  if (m_list && !m_targetSavesDirectly) {
     m_list->write();
   }
 }
@@ -57,11 +58,15 @@ QVariant PromisedFilesMimeData::retrieveData(const QString& format, QMetaType) c
   if (format == directSave) {
     return saveDirectly();
   }
+  const std::shared_ptr<PromisedFileList> list = m_list;
+  if (!list) {
+    return {};
+  }
   // Asked while the pointer hovers, a list of paths is all that there is.
   if (m_isReleased) {
-    m_list->write();
+    list->write();
   }
-  return QByteArray::fromStdString(m_list->uriList());
+  return QByteArray::fromStdString(uriList(list->paths()));
 }
 
 QByteArray PromisedFilesMimeData::saveDirectly() const {

@@ -44,7 +44,7 @@ private:
   PromisedFilesSource& m_source;
   QPointer<QObject> m_owner;
   std::unique_ptr<DirectSaveChannel> m_channel;
-  std::unique_ptr<PromisedFileList> m_list;
+  std::shared_ptr<PromisedFileList> m_list;  // may be null
   std::string m_firstName;
   bool m_targetSavesDirectly = false;
   bool m_isReleased = false;

@@ -18,7 +18,7 @@ public:
 
   // What the photo is recognised by: equal for equal photos, different for all others.
   virtual std::string imageUID() const = 0;
-  // The caption, which is also the name that a promised file is given.
+  // The caption, which is also the name of the photo's file.
   virtual std::string imageTitle() const = 0;
   // The bytes of the encoded picture, read anew at every call; nothing if they cannot be read.
   virtual std::optional<Bytes> imageRepresentation() const = 0;
