@@ -72,14 +72,15 @@ std::optional<Bytes> ImageItem::imageBeginning(std::size_t size) const {
   return contents;
 }
 
-std::optional<FileError> ImageItem::writeInto(NewFile& file) const {
+std::optional<FileError> ImageItem::read(const FileReader& readFile,
+                                         const BytesReader& readBytes) const {
   if (m_delegate.encrypted()) {
     return FileError::encrypted(m_path);
   }
   const std::string path = m_delegate.contentFileForPath(m_path);
   if (!path.empty()) {
     InputFile content(path);
-    std::optional<FileError> error = content ? file.copy(content) : content.error();
+    std::optional<FileError> error = content ? readFile(content) : content.error();
     if (error && error->path == path) {
       error->path = m_path;  // the photo's own name says more than that of its content file
     }
@@ -92,43 +93,38 @@ std::optional<FileError> ImageItem::writeInto(NewFile& file) const {
     return FileError::unreadable(m_path);
   }
   buffer = std::move(*contents);
-  std::optional<FileError> error = file.write(buffer);
+  std::optional<FileError> error = readBytes(buffer);
   if (buffer.capacity() > maximumKeptBufferInBytes) {
     buffer = {};
   }
   return error;
 }
 
+std::optional<FileError> ImageItem::writeInto(NewFile& file) const {
+  return read([&file](InputFile& content) { return file.copy(content); },
+              [&file](ByteView contents) { return file.write(contents); });
+}
+
 std::optional<FileError> ImageItem::readingError() const {
-  if (m_delegate.encrypted()) {
-    return FileError::encrypted(m_path);
-  }
-  const std::string path = m_delegate.contentFileForPath(m_path);
-  if (!path.empty()) {
-    const InputFile content(path);
-    if (!content) {
-      FileError error = content.error();
-      error.path = m_path;
-      return error;
-    }
-  }
-  thread_local Bytes buffer;
-  std::optional<Bytes> contents = m_delegate.imageDataForPath(m_path, std::move(buffer));
-  if (!contents) {
-    return FileError::unreadable(m_path);
-  }
-  buffer = std::move(*contents);
-  return std::nullopt;
+  return read(
+      [](InputFile& content) {
+        return content.isWhole() ? std::nullopt : std::optional(content.error());
+      },
+      [](ByteView) { return std::nullopt; });
 }
 
 bool ImageItem::isHeldBy(InputFile& file) const {
-  const std::string path = m_delegate.contentFileForPath(m_path);
-  if (!path.empty()) {
-    InputFile content(path);
-    return content && content.hasBytesOf(file);
-  }
-  const std::optional<Bytes> contents = imageRepresentation();
-  return contents && file.holds(*contents);
+  bool isHeld = false;
+  const auto error = read(
+      [&](const InputFile& content) {
+        isHeld = content.hasBytesOf(file);
+        return std::nullopt;
+      },
+      [&](ByteView contents) {
+        isHeld = file.holds(contents);
+        return std::nullopt;
+      });
+  return !error && isHeld;
 }
 
 bool ImageItem::hasBytesOf(const ImageItem& other) const {
@@ -207,7 +203,7 @@ std::optional<Bytes> ImageItem::pasteboardPropertyListForType(std::string_view t
   if (temporaryFolder().empty() || extractAndLog(temporaryFolder(), written)) {
     return std::nullopt;
   }
-  return Bytes::copyOf(bytesOf(fileURL(written) + "\r\n"));
+  return Bytes::copyOf(bytesOf(uriList({written})));
 }
 
 }  // namespace snaplift

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -92,6 +93,12 @@ public:
   std::optional<Bytes> pasteboardPropertyListForType(std::string_view type);
 
 private:
+  // Gives the photo to one of two functions: as its content file where that is the photo, else as
+  // bytes, which last as long as the call. The answer is theirs, or why the photo cannot be read.
+  using FileReader = std::function<std::optional<FileError>(InputFile& content)>;
+  using BytesReader = std::function<std::optional<FileError>(ByteView contents)>;
+  std::optional<FileError> read(const FileReader& readFile, const BytesReader& readBytes) const;
+
   std::optional<FileError> extractInto(const std::string& destination, std::string& written);
   std::optional<FileError> extractAndLog(const std::string& destination, std::string& written);
 

@@ -122,6 +122,16 @@ bool InputFile::rewind() const {
   return m_file && ::lseek(m_file.get(), 0, SEEK_SET) == 0;
 }
 
+bool InputFile::isWhole() const {
+  thread_local Bytes own(compareBufferInBytes);
+  std::uint64_t done = 0;
+  std::size_t count = rewind() ? readFully(*this, own) : 0;
+  for (; count > 0; count = readFully(*this, own)) {
+    done += count;
+  }
+  return done == m_size;
+}
+
 bool InputFile::hasBytesOf(const InputFile& other) const {
   if (m_size != other.m_size || !rewind() || !other.rewind()) {
     return false;

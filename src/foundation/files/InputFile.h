@@ -43,6 +43,9 @@ public:
   // Whether the file is still as long as it was when it was opened.
   bool isUnchanged() const;
 
+  // Whether the file can be read to its end, as long as it was. Reads from the beginning.
+  bool isWhole() const;
+
   // Whether the file holds the same bytes as another, or these. Reads from the beginning.
   bool hasBytesOf(const InputFile& other) const;
   bool holds(ByteView bytes) const;
