@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::size_t fileCount = 2;
 constexpr std::size_t filesSize = fileCount * sizeof(int);
-using ControlSpace = std::array<char, CMSG_SPACE(filesSize)>;
 
 template <typename Call>
 ssize_t untilNotInterrupted(Call call) {
@@ -23,51 +22,62 @@ ssize_t untilNotInterrupted(Call call) {
   return result;
 }
 
-bool send(int socket, const msghdr& message, std::size_t size) {
-  return untilNotInterrupted([&] { return ::sendmsg(socket, &message, MSG_NOSIGNAL); }) ==
-         static_cast<ssize_t>(size);
-}
+// A message of so many bytes, and the place of the files that go with it: none where there are no
+// files to come along.
+class Message {
+public:
+  Message(void* bytes, std::size_t size, bool hasFiles) : m_part{bytes, size} {
+    m_header.msg_iov = &m_part;
+    m_header.msg_iovlen = 1;
+    if (hasFiles) {
+      m_header.msg_control = m_control.data();
+      m_header.msg_controllen = m_control.size();
+    }
+  }
+  Message(const Message&) = delete;
+  Message& operator=(const Message&) = delete;
 
-// Whether a message of exactly this size came, with all files that came along in their place.
-bool receive(int socket, msghdr& message, std::size_t size) {
-  return untilNotInterrupted([&] { return ::recvmsg(socket, &message, MSG_CMSG_CLOEXEC); }) ==
-             static_cast<ssize_t>(size) &&
-         (message.msg_flags & MSG_TRUNC) == 0;
-}
+  cmsghdr* files() { return CMSG_FIRSTHDR(&m_header); }
+
+  bool send(int socket) const {
+    return untilNotInterrupted([&] { return ::sendmsg(socket, &m_header, MSG_NOSIGNAL); }) ==
+           static_cast<ssize_t>(m_part.iov_len);
+  }
+
+  // Whether a message of exactly this size came, with all files that came along in their place.
+  bool receive(int socket) {
+    return untilNotInterrupted([&] { return ::recvmsg(socket, &m_header, MSG_CMSG_CLOEXEC); }) ==
+               static_cast<ssize_t>(m_part.iov_len) &&
+           (m_header.msg_flags & MSG_TRUNC) == 0;
+  }
+
+private:
+  iovec m_part;
+  alignas(cmsghdr) std::array<char, CMSG_SPACE(filesSize)> m_control{};
+  msghdr m_header{};
+};
 
 }  // namespace
 
 bool sendRequest(int socket, const PictureRequest& request, int picture, int pixels) {
   PictureRequest copy = request;
-  iovec part{&copy, sizeof copy};
-  alignas(cmsghdr) ControlSpace control{};
-  msghdr message{};
-  message.msg_iov = &part;
-  message.msg_iovlen = 1;
-  message.msg_control = control.data();
-  message.msg_controllen = control.size();
-  cmsghdr* header = CMSG_FIRSTHDR(&message);
+  Message message(&copy, sizeof copy, true);
+  cmsghdr* header = message.files();
   header->cmsg_level = SOL_SOCKET;
   header->cmsg_type = SCM_RIGHTS;
   header->cmsg_len = CMSG_LEN(filesSize);
   const std::array<int, fileCount> files{picture, pixels};
   std::memcpy(CMSG_DATA(header), files.data(), filesSize);
-  return send(socket, message, sizeof copy);
+  return message.send(socket);
 }
 
 std::optional<ReceivedPicture> receiveRequest(int socket) {
   ReceivedPicture received;
-  iovec part{&received.request, sizeof received.request};
-  alignas(cmsghdr) ControlSpace control{};
-  msghdr message{};
-  message.msg_iov = &part;
-  message.msg_iovlen = 1;
-  message.msg_control = control.data();
-  message.msg_controllen = control.size();
-  if (!receive(socket, message, sizeof received.request)) {
+  Message message(&received.request, sizeof received.request, true);
+  if (!message.receive(socket)) {
     return std::nullopt;
   }
-  const cmsghdr* header = CMSG_FIRSTHDR(&message);
+  const cmsghdr* header = message.files();
   if (header == nullptr || header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_RIGHTS ||
       header->cmsg_len != CMSG_LEN(filesSize)) {
     return std::nullopt;
@@ -81,21 +91,13 @@ std::optional<ReceivedPicture> receiveRequest(int socket) {
 
 bool sendAnswer(int socket, const PictureAnswer& answer) {
   PictureAnswer copy = answer;
-  iovec part{&copy, sizeof copy};
-  msghdr message{};
-  message.msg_iov = &part;
-  message.msg_iovlen = 1;
-  return send(socket, message, sizeof copy);
+  return Message(&copy, sizeof copy, false).send(socket);
 }
 
 std::optional<PictureAnswer> receiveAnswer(int socket) {
   // A bool that is neither true nor false would be undefined, so the bytes are looked at first.
   std::array<unsigned char, sizeof(PictureAnswer)> bytes{};
-  iovec part{bytes.data(), bytes.size()};
-  msghdr message{};
-  message.msg_iov = &part;
-  message.msg_iovlen = 1;
-  if (!receive(socket, message, bytes.size())) {
+  if (!Message(bytes.data(), bytes.size(), false).receive(socket)) {
     return std::nullopt;
   }
   for (const std::size_t flag :
