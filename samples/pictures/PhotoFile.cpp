@@ -1,7 +1,6 @@
 #include "pictures/PhotoFile.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -19,71 +18,48 @@ constexpr int previewSide = 160;
 // The pixels that a camera stores which holds `orientation`: a viewer that honours the number shows
 // the picture upright again. From 5 on, width and height change places.
 Image storedAs(const Image& upright, int orientation) {
-  const bool transposed = orientation >= 5;
-  // Where the stored rows and columns run against the upright picture's.
-  constexpr std::array<bool, 9> fromRight = {false, false, true, true, false, false, true, true};
-  constexpr std::array<bool, 9> fromBottom = {false, false, false, true, true,
-                                              false, false, true,  true};
-  const auto number = static_cast<std::size_t>(orientation);
-  Image stored(transposed ? upright.height : upright.width,
-               transposed ? upright.width : upright.height);
+  const bool isTransposed = orientation >= 5;
+  Image stored(isTransposed ? upright.height : upright.width,
+               isTransposed ? upright.width : upright.height);
   for (int row = 0; row < stored.height; ++row) {
     for (int column = 0; column < stored.width; ++column) {
-      int x = transposed ? row : column;
-      int y = transposed ? column : row;
-      x = fromRight[number] ? upright.width - 1 - x : x;
-      y = fromBottom[number] ? upright.height - 1 - y : y;
-      std::copy_n(upright.pixel(x, y), 3, stored.pixel(column, row));
+      const int x = isTransposed ? row : column, y = isTransposed ? column : row;
+      // Where the stored rows and columns run against the upright picture's.
+      const bool isFromRight = orientation % 4 >= 2, isFromBottom = (orientation - 1) % 4 >= 2;
+      std::copy_n(upright.pixel(isFromRight ? upright.width - 1 - x : x,
+                                isFromBottom ? upright.height - 1 - y : y),
+                  3, stored.pixel(column, row));
     }
   }
   return stored;
 }
 
-// The picture in a smaller size; each new pixel is the mean of those that it covers.
-Image scaledDown(const Image& image, int width, int height) {
-  Image small(width, height);
-  for (int y = 0; y < height; ++y) {
-    const int top = y * image.height / height;
-    const int bottom = std::max(top + 1, (y + 1) * image.height / height);
-    for (int x = 0; x < width; ++x) {
-      const int left = x * image.width / width;
-      const int right = std::max(left + 1, (x + 1) * image.width / width);
-      for (int channel = 0; channel < 3; ++channel) {
-        int sum = 0;
-        for (int row = top; row < bottom; ++row) {
-          for (int column = left; column < right; ++column) {
-            sum += image.pixel(column, row)[channel];
-          }
-        }
-        small.pixel(x, y)[channel] =
-            static_cast<std::uint8_t>(sum / ((bottom - top) * (right - left)));
-      }
+// The picture in a smaller size; each new pixel is the mean of a square of those that it covers.
+Image previewOf(const Image& image) {
+  const int longSide = std::max(image.width, image.height);
+  const int side = std::max(1, longSide / previewSide), count = side * side;
+  Image small(image.width * previewSide / longSide, image.height * previewSide / longSide);
+  for (int place = 0; place < 3 * small.width * small.height; ++place) {
+    const int left = place / 3 % small.width * image.width / small.width;
+    const int top = place / 3 / small.width * image.height / small.height;
+    int sum = 0;
+    for (int i = 0; i < count; ++i) {
+      sum += image.pixel(left + i % side, top + i / side)[place % 3];
     }
+    small.bytes[static_cast<std::size_t>(place)] = static_cast<std::uint8_t>(sum / count);
   }
   return small;
 }
 
-[[noreturn]] void failed(j_common_ptr) {
-  throw std::runtime_error("cannot encode a JPEG");
-}
-
-// libjpeg's own buffer, which it frees with the C library.
-struct JpegOutput {
-  ~JpegOutput() { std::free(bytes); }
-  unsigned char* bytes = nullptr;
-  unsigned long size = 0;
-};
-
+// A picture that cannot be encoded ends the program, with the encoder's message.
 std::string jpegOf(const Image& image, int quality) {
   jpeg_compress_struct encoder{};
   jpeg_error_mgr errors{};
   encoder.err = jpeg_std_error(&errors);
-  errors.error_exit = failed;
   jpeg_create_compress(&encoder);
-  const std::unique_ptr<jpeg_compress_struct, void (*)(j_compress_ptr)> guard(
-      &encoder, jpeg_destroy_compress);
-  JpegOutput output;
-  jpeg_mem_dest(&encoder, &output.bytes, &output.size);
+  unsigned char* bytes = nullptr;
+  unsigned long size = 0;
+  jpeg_mem_dest(&encoder, &bytes, &size);
   encoder.image_width = static_cast<JDIMENSION>(image.width);
   encoder.image_height = static_cast<JDIMENSION>(image.height);
   encoder.input_components = 3;
@@ -97,14 +73,9 @@ std::string jpegOf(const Image& image, int quality) {
     jpeg_write_scanlines(&encoder, &row, 1);
   }
   jpeg_finish_compress(&encoder);
-  return {reinterpret_cast<const char*>(output.bytes), output.size};
-}
-
-std::string previewOf(const Image& stored) {
-  const int longSide = std::max(stored.width, stored.height);
-  return jpegOf(scaledDown(stored, stored.width * previewSide / longSide,
-                           stored.height * previewSide / longSide),
-                previewQuality);
+  jpeg_destroy_compress(&encoder);
+  const std::unique_ptr<unsigned char, void (*)(void*)> owned(bytes, std::free);
+  return {reinterpret_cast<const char*>(bytes), size};
 }
 
 std::string bigEndian(std::size_t value, int width) {
@@ -135,7 +106,7 @@ std::string exifTime(Instant instant) {
 
 std::string jpegPhoto(const Image& upright, const CameraData& camera) {
   const Image stored = storedAs(upright, camera.orientation);
-  return withExif(jpegOf(stored, photoQuality), camera, previewOf(stored));
+  return withExif(jpegOf(stored, photoQuality), camera, jpegOf(previewOf(stored), previewQuality));
 }
 
 std::string withExif(std::string_view jpeg, const CameraData& camera, std::string_view preview) {

@@ -15,7 +15,7 @@ struct CameraData {
 };
 
 // The JPEG file of a camera: the pixels turned as the orientation says, the date, and an embedded
-// preview whose longer side is 160. Throws std::runtime_error where an encoder fails.
+// preview whose longer side is 160. Ends the program where the encoder fails.
 std::string jpegPhoto(const Image& upright, const CameraData& camera);
 
 // `jpeg` with an EXIF segment in front; without a preview where that is empty. Neither is looked
