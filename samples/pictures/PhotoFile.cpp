@@ -51,31 +51,8 @@ Image previewOf(const Image& image) {
   return small;
 }
 
-// A picture that cannot be encoded ends the program, with the encoder's message.
 std::string jpegOf(const Image& image, int quality) {
-  jpeg_compress_struct encoder{};
-  jpeg_error_mgr errors{};
-  encoder.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&encoder);
-  unsigned char* bytes = nullptr;
-  unsigned long size = 0;
-  jpeg_mem_dest(&encoder, &bytes, &size);
-  encoder.image_width = static_cast<JDIMENSION>(image.width);
-  encoder.image_height = static_cast<JDIMENSION>(image.height);
-  encoder.input_components = 3;
-  encoder.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&encoder);
-  jpeg_set_quality(&encoder, quality, TRUE);
-  encoder.write_JFIF_header = FALSE;  // EXIF wants to be the first segment
-  jpeg_start_compress(&encoder, TRUE);
-  for (int y = 0; y < image.height; ++y) {
-    auto* row = const_cast<JSAMPLE*>(image.pixel(0, y));  // the encoder only reads it
-    jpeg_write_scanlines(&encoder, &row, 1);
-  }
-  jpeg_finish_compress(&encoder);
-  jpeg_destroy_compress(&encoder);
-  const std::unique_ptr<unsigned char, void (*)(void*)> owned(bytes, std::free);
-  return {reinterpret_cast<const char*>(bytes), size};
+  return jpegOfPixels(image.bytes.data(), image.width, image.height, 3, quality);
 }
 
 std::string bigEndian(std::size_t value, int width) {
@@ -103,6 +80,34 @@ std::string exifTime(Instant instant) {
 }
 
 }  // namespace
+
+std::string jpegOfPixels(const std::uint8_t* pixels, int width, int height, int channels,
+                         int quality) {
+  jpeg_compress_struct encoder{};
+  jpeg_error_mgr errors{};
+  encoder.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&encoder);
+  unsigned char* bytes = nullptr;
+  unsigned long size = 0;
+  jpeg_mem_dest(&encoder, &bytes, &size);
+  encoder.image_width = static_cast<JDIMENSION>(width);
+  encoder.image_height = static_cast<JDIMENSION>(height);
+  encoder.input_components = channels;
+  encoder.in_color_space = channels == 3 ? JCS_RGB : JCS_CMYK;
+  jpeg_set_defaults(&encoder);
+  jpeg_set_quality(&encoder, quality, TRUE);
+  encoder.write_JFIF_header = FALSE;  // EXIF wants to be the first segment
+  encoder.write_Adobe_marker = channels == 4 ? TRUE : FALSE;
+  jpeg_start_compress(&encoder, TRUE);
+  for (int y = 0; y < height; ++y, pixels += width * channels) {
+    auto* row = const_cast<JSAMPLE*>(pixels);  // the encoder only reads it
+    jpeg_write_scanlines(&encoder, &row, 1);
+  }
+  jpeg_finish_compress(&encoder);
+  jpeg_destroy_compress(&encoder);
+  const std::unique_ptr<unsigned char, void (*)(void*)> owned(bytes, std::free);
+  return {reinterpret_cast<const char*>(bytes), size};
+}
 
 std::string jpegPhoto(const Image& upright, const CameraData& camera) {
   const Image stored = storedAs(upright, camera.orientation);

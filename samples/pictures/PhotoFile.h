@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,11 @@ struct CameraData {
 // The JPEG file of a camera: the pixels turned as the orientation says, the date, and an embedded
 // preview whose longer side is 160. Ends the program where the encoder fails.
 std::string jpegPhoto(const Image& upright, const CameraData& camera);
+
+// A JPEG file of rows of pixels without gaps, of three channels (red first) or four (inks, each as
+// 255 less its amount, as Adobe's programs write them). Ends the program where the encoder fails.
+std::string jpegOfPixels(const std::uint8_t* pixels, int width, int height, int channels,
+                         int quality);
 
 // `jpeg` with an EXIF segment in front; without a preview where that is empty. Neither is looked
 // into. Throws std::runtime_error for more than a segment holds.

@@ -1,12 +1,11 @@
 #include <QColorSpace>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <jpeglib.h>
 
+#include "pictures/PhotoFile.h"
 #include "support/photos/HeicPicture.h"
 #include "support/photos/TestPictures.h"
 #include "widgets/thumbnails/PictureDecoder.h"
@@ -45,32 +44,11 @@ struct NamedFile {
   int pixels = 96;
 };
 
-// As Adobe's programs write it: four inks, each as 255 less its amount, and without black here.
+// Of four inks, without black.
 QByteArray inkJpegOf(const QImage& picture) {
-  jpeg_compress_struct encoder;
-  jpeg_error_mgr errors;
-  encoder.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&encoder);
-  unsigned char* data = nullptr;
-  unsigned long size = 0;
-  jpeg_mem_dest(&encoder, &data, &size);
-  encoder.image_width = static_cast<JDIMENSION>(picture.width());
-  encoder.image_height = static_cast<JDIMENSION>(picture.height());
-  encoder.input_components = 4;
-  encoder.in_color_space = JCS_CMYK;
-  jpeg_set_defaults(&encoder);
-  encoder.write_Adobe_marker = TRUE;
-  jpeg_start_compress(&encoder, TRUE);
-  QImage inks = picture.convertToFormat(QImage::Format_RGBA8888);
-  for (int y = 0; y < inks.height(); ++y) {
-    JSAMPROW row = inks.scanLine(y);
-    jpeg_write_scanlines(&encoder, &row, 1);
-  }
-  jpeg_finish_compress(&encoder);
-  jpeg_destroy_compress(&encoder);
-  const QByteArray file(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-  std::free(data);
-  return file;
+  const QImage inks = picture.convertToFormat(QImage::Format_RGBA8888);
+  return QByteArray::fromStdString(
+      samples::jpegOfPixels(inks.constBits(), inks.width(), inks.height(), 4, 75));
 }
 
 // By default within what JPEG leaves of a pure colour.
