@@ -1,7 +1,6 @@
 // The window while it exports, ended by whoever may end it, at any moment.
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -10,7 +9,6 @@
 #include <random>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,13 +22,10 @@ namespace snaplift {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
-using std::chrono::steady_clock;
 
 constexpr int photoCount = 300;
 constexpr std::size_t photoSize = 20'000;
 constexpr int photosBeforeTheEnd = photoCount / 10;
-constexpr auto patience = 60s;
 
 struct Ending {
   const char* name;
@@ -38,17 +33,6 @@ struct Ending {
   bool hasNameless;  // files without a name
   int wantedStatus;
 };
-
-template <class Condition>
-bool waitFor(const Condition& condition) {
-  for (const auto end = steady_clock::now() + patience; steady_clock::now() < end;) {
-    if (condition()) {
-      return true;
-    }
-    std::this_thread::sleep_for(1ms);  // between two looks
-  }
-  return false;
-}
 
 class EndedWindowTest : public testing::TestWithParam<Ending> {
 protected:

@@ -4,10 +4,8 @@
 #include <QFileDialog>
 #include <QMimeData>
 #include <QPointer>
-#include <QPushButton>
 #include <QTimer>
 #include <QTreeWidget>
-#include <QUrl>
 #include <filesystem>
 #include <list>
 
@@ -170,9 +168,6 @@ TEST_F(SLAppDelegateTest, promisesPhotosOnThePasteboard) {
   EXPECT_EQ(several->formats(), QStringList({"text/uri-list", "x-special/gnome-copied-files"}));
   const QByteArray urls = several->data("text/uri-list");
   EXPECT_EQ(urls.count("\r\n"), 3);
-  QFile copied(QUrl(QString::fromUtf8(urls.split('\r').front())).toLocalFile());
-  ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
-  EXPECT_EQ(copied.readAll().toStdString(), m_picture);
   EXPECT_TRUE(several->data("x-special/gnome-copied-files").startsWith("copy\nfile:///"));
 
   browser().stepTo(1);

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <QAction>
-#include <QBuffer>
-#include <QImage>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMessageBox>
@@ -21,18 +19,10 @@
 #include "foundation/files/Path.h"
 #include "samples/BackupWriter.h"
 #include "support/TemporaryTree.h"
+#include "support/photos/TestPictures.h"
 #include "widgets/desktop/MainThread.h"
 
 namespace snaplift {
-
-inline std::string encodedPicture() {
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  QImage image(32, 24, QImage::Format_RGB32);
-  image.fill(Qt::darkGreen);
-  image.save(&buffer, "PNG");
-  return bytes.toStdString();
-}
 
 // The window on backups of its own making.
 class SLAppDelegateTest : public testing::Test {
@@ -137,7 +127,7 @@ protected:
                                                             m_tree.makeFolder(folder));
   }
 
-  const std::string m_picture = encodedPicture();
+  const std::string m_picture = test::encoded(test::quadrants({32, 24}), "png").toStdString();
   TemporaryTree m_tree;
   LogCapture m_quietLog{[](const std::string&) {}};
   std::unique_ptr<SLAppDelegate> m_delegate;

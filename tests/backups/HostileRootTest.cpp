@@ -1,8 +1,7 @@
-#include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -27,10 +26,6 @@ namespace {
 using samples::Generation;
 using testing::Contains;
 using testing::IsSubsetOf;
-
-// What may stand in the place of a file. A test waits for ever where one of them is waited for, and
-// needs far more memory than there is where one of them is read.
-enum class Obstacle { Fifo, Socket, Device, Folder, Link, LinkToDevice, Holes, Nothing };
 
 // Tells whether anything in a folder has been opened since.
 class OpenWatch {
@@ -83,40 +78,6 @@ protected:
     writeBackup("root/bad", GetParam(), versions.at(GetParam()), "Bad");
   }
 
-  // Puts the obstacle into the file's place. The file itself moves outside the root.
-  void place(Obstacle obstacle, const std::string& path) const {
-    const std::string moved = m_tree.path("outside/moved");
-    std::filesystem::rename(path, moved);
-    switch (obstacle) {
-      case Obstacle::Fifo:
-        ASSERT_EQ(::mknod(path.c_str(), S_IFIFO | 0600, 0), 0);
-        break;
-      case Obstacle::Device:
-        if (::mknod(path.c_str(), S_IFCHR | 0600, makedev(1, 5)) == 0) {
-          break;
-        }
-        [[fallthrough]];  // only root may make an endless file
-      case Obstacle::Socket:
-        ASSERT_EQ(::mknod(path.c_str(), S_IFSOCK | 0600, 0), 0);
-        break;
-      case Obstacle::Folder:
-        std::filesystem::create_directory(path);
-        break;
-      case Obstacle::Link:
-        std::filesystem::create_symlink(moved, path);
-        break;
-      case Obstacle::LinkToDevice:
-        std::filesystem::create_symlink("/dev/zero", path);
-        break;
-      case Obstacle::Holes:
-        samples::writeFile(path, "");
-        std::filesystem::resize_file(path, std::uint64_t{64} << 30);
-        break;
-      case Obstacle::Nothing:
-        break;
-    }
-  }
-
   // Lists the root, looks at each photo of each backup and exports it. The names of the devices.
   std::vector<std::string> use() {
     std::vector<std::string> names;
@@ -159,18 +120,38 @@ protected:
   LogCapture m_capture{[](const std::string&) {}};
 };
 
+// The test waits for ever where one of them is waited for, and needs far more memory than there is
+// where one of them is read.
 TEST_P(HostileRootTest, somethingElseStandsInTheFilesPlaces) {
+  namespace fs = std::filesystem;
+  const std::string moved = m_tree.path("outside/moved");
+  const auto node = [](mode_t type, dev_t device = 0) {
+    return [=](const fs::path& path) { return ::mknod(path.c_str(), type | 0600, device) == 0; };
+  };
+  const std::function<bool(const fs::path&)> obstacles[] = {
+      node(S_IFIFO),
+      node(S_IFSOCK),
+      [&](const fs::path& path) {  // only root may make an endless file
+        return node(S_IFCHR, makedev(1, 5))(path) || ::geteuid() != 0;
+      },
+      [](const fs::path& path) { return fs::create_directory(path); },
+      [&](const fs::path& path) { return ::symlink(moved.c_str(), path.c_str()) == 0; },
+      [](const fs::path& path) { return ::symlink("/dev/zero", path.c_str()) == 0; },
+      [](const fs::path& path) {
+        samples::writeFile(path, "");
+        return ::truncate(path.c_str(), off_t{64} << 30) == 0;
+      },
+      [](const fs::path&) { return true; }};
   writeBadBackup();
-  const std::string bad = m_tree.path("root/bad");
   for (const std::string& name : m_tree.list("root/bad")) {
-    for (int i = 0; i <= static_cast<int>(Obstacle::Nothing); ++i) {
+    for (std::size_t i = 0; i < std::size(obstacles); ++i) {
       SCOPED_TRACE(name + ", obstacle " + std::to_string(i));
-      std::string path = bad;
-      path.append("/").append(name);
-      place(Obstacle{i}, path);
+      const std::string path = m_tree.path("root/bad/" + name);
+      fs::rename(path, moved);  // outside of the root
+      ASSERT_TRUE(obstacles[i](path));
       expectTheGoodBackup();
-      std::filesystem::remove_all(path);
-      std::filesystem::rename(m_tree.path("outside/moved"), path);
+      fs::remove_all(path);
+      fs::rename(moved, path);
     }
   }
 }

@@ -31,7 +31,7 @@ protected:
 
   TemporaryTree m_tree;
   std::string m_out = m_tree.makeFolder("out");
-  test::PhotoSource m_photos;
+  test::PhotoSource m_photos{m_tree.root()};
   ImageItem m_item{"/b/Media/DCIM/100/IMG_0001.JPG", m_photos};
   std::vector<std::string> m_log;
   LogCapture m_capture{[this](std::string line) { m_log.push_back(std::move(line)); }};
@@ -115,8 +115,11 @@ TEST_F(ImageItemTest, logsALineForEachFailure) {
     EXPECT_THAT(m_log, ElementsAre("failed (0) to extract the file: " + c.reason));
   }
   m_photos.isEncrypted = true;
-  m_item.extract(m_out);
-  EXPECT_THAT(m_log.back(), testing::HasSubstr("the backup is encrypted"));
+  m_tree.write("files/a.jpg", "secret");
+  for (const char* path : {"files/a.jpg", "b.jpg"}) {
+    ImageItem(path, m_photos).extract(m_out);
+    EXPECT_THAT(m_log.back(), testing::HasSubstr("the backup is encrypted"));
+  }
   m_photos.isEncrypted = false;
   EXPECT_THAT(written(), IsEmpty());
   m_log.clear();

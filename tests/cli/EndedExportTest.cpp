@@ -155,13 +155,7 @@ protected:
 
   // Waits until there is so much in the destination.
   void awaitEntries(int count) const {
-    const auto entryCount = [this] {
-      return std::distance(fs::directory_iterator(m_destination), fs::directory_iterator());
-    };
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (entryCount() < count && std::chrono::steady_clock::now() < deadline) {
-      std::this_thread::yield();
-    }
+    waitFor([&] { return std::distance(fs::directory_iterator(m_destination), {}) >= count; });
   }
 
   void emptyDestination() const {

@@ -1,13 +1,11 @@
 // What export copies, reports and refuses.
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "CommandLineTest.h"
@@ -86,10 +84,7 @@ protected:
   }
 
   void awaitFirstPhoto() const {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!fs::exists(out() + "/IMG_0.JPG") && std::chrono::steady_clock::now() < deadline) {
-      std::this_thread::yield();
-    }
+    EXPECT_TRUE(waitFor([this] { return fs::exists(out() + "/IMG_0.JPG"); }));
   }
 };
 

@@ -22,7 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 class ExportJobTest : public testing::Test, public ExportObserver {
@@ -187,14 +186,6 @@ TEST_F(ExportJobTest, makesAnyNumberOfFoldersAndNoneInABackup) {
   EXPECT_THAT(m_tree.list("out/own"), SizeIs(2));
   EXPECT_THAT(m_tree.list("elsewhere"), ElementsAre("a.jpg"));
   EXPECT_EQ(m_tree.read("out/file"), "old");
-}
-
-TEST_F(ExportJobTest, exportsNothingOfAnEncryptedBackup) {
-  m_photos.isEncrypted = true;
-  m_tree.write("files/a.jpg", "secret");
-  run(photos({"files/a.jpg", "b.jpg"}));
-  EXPECT_THAT(m_tree.list("out"), IsEmpty());
-  EXPECT_EQ(m_ended[0].error, FileError::encrypted("files/a.jpg"));
 }
 
 // One call that fails concerns one photo; a destination that is full, or gone, concerns them all.

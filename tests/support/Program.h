@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -29,6 +31,17 @@ struct ProgramResult {
   std::string output, errors;  // what went into a file or a pipe
   std::string terminal;        // what went to the terminal, whose line ends are "\r\n"
 };
+
+// Whether `condition` came true within a minute.
+template <class Condition>
+bool waitFor(const Condition& condition) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  bool isMet = false;
+  while (!(isMet = condition()) && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::microseconds(100));  // between two looks
+  }
+  return isMet;
+}
 
 // A program in a process of its own, as a shell would start it. Throws std::runtime_error where
 // that is impossible. A program that is not awaited is killed.

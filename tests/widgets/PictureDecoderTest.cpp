@@ -3,7 +3,6 @@
 #include <csignal>
 #include <fstream>
 #include <future>
-#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
