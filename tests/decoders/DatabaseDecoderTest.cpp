@@ -148,6 +148,12 @@ TEST_F(DatabaseDecoder, takesWhatAHostileDatabaseHasAndSaysThatTheRestIsMissing)
   const auto sql = [this](const char* statements) {
     return [this, statements] { samples::changeDatabase(database(), statements); };
   };
+  const auto instead = [this](const std::function<void()>& make) {
+    return [this, make] {
+      fs::rename(database(), m_tree.path("good"));
+      make();
+    };
+  };
   struct Case {
     const char* name;
     std::function<void()> change;
@@ -165,6 +171,11 @@ TEST_F(DatabaseDecoder, takesWhatAHostileDatabaseHasAndSaysThatTheRestIsMissing)
            "RECURSIVE r(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM r) SELECT i, "
            "'CameraRollDomain', 'Media/DCIM/100APPLE/' || i || '.jpg', 1, NULL FROM r"),
        0, false},
+      {"a view as long as the table",
+       sql("ALTER TABLE Files RENAME TO Hidden; CREATE VIEW Files AS SELECT * FROM Hidden"), 0,
+       false},
+      {"a trigger", sql("CREATE TRIGGER t DELETE ON Files BEGIN SELECT raise(FAIL, ''); END"), 2,
+       true},
       {"a computed column", sql("ALTER TABLE Files ADD COLUMN big AS (hex(zeroblob(100000)))"), 0,
        false},
       {"a table without row numbers",
@@ -192,24 +203,10 @@ TEST_F(DatabaseDecoder, takesWhatAHostileDatabaseHasAndSaysThatTheRestIsMissing)
        0, false},
       {"an empty file", [this] { m_tree.write("b/Manifest.db", ""); }, 0, false},
       {"rubbish", [this] { m_tree.write("b/Manifest.db", std::string(9999, 'x')); }, 0, false},
-      {"a FIFO",
-       [this] {
-         fs::remove(database());
-         ::mkfifo(database().c_str(), 0600);
-       },
-       0, false},
-      {"a folder",
-       [this] {
-         fs::remove(database());
-         m_tree.makeFolder("b/Manifest.db");
-       },
-       0, false},
+      {"a FIFO", instead([this] { ::mkfifo(database().c_str(), 0600); }), 0, false},
+      {"a folder", instead([this] { m_tree.makeFolder("b/Manifest.db"); }), 0, false},
       {"a link to a good one",
-       [this] {
-         fs::rename(database(), m_tree.path("good"));
-         fs::create_symlink(m_tree.path("good"), database());
-       },
-       0, false},
+       instead([this] { fs::create_symlink(m_tree.path("good"), database()); }), 0, false},
       {"a log that is a FIFO", [this] { ::mkfifo((database() + "-wal").c_str(), 0600); }, 0, false},
       {"a log of rubbish", [this] { m_tree.write("b/Manifest.db-wal", std::string(9999, 'x')); }, 2,
        true},

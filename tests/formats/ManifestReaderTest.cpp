@@ -78,6 +78,21 @@ TEST(ManifestReader, readsTheWorkedExample) {
   }
   EXPECT_EQ(reader.dictionaryFromOffset(6)->path(), "a.jpg");
   EXPECT_EQ(reader.position(), 102u);
+
+  std::uint64_t offset = 6;  // field by field
+  EXPECT_EQ(reader.stringFromOffset(offset), "MediaDomain");
+  EXPECT_EQ(reader.stringFromOffset(offset), "a.jpg");
+  EXPECT_EQ(reader.stringFromOffset(offset), "");
+  EXPECT_EQ(reader.hexStringFromOffset(offset), "ABCD");
+  EXPECT_EQ(reader.hexStringFromOffset(offset), "");
+  EXPECT_EQ(reader.int16fromOffset(offset), 0x81A4);
+  EXPECT_EQ(reader.int64fromOffset(offset), 0x5A5A5A5A5A5A5A5AU);
+  EXPECT_EQ(reader.int32fromOffset(offset += 8), 1);
+  EXPECT_EQ(reader.int8fromOffset(offset += 16), 4);
+  EXPECT_EQ(offset, 73u);
+  offset = 101;
+  EXPECT_FALSE(reader.int16fromOffset(offset) || reader.stringFromOffset(offset));
+  EXPECT_EQ(offset, 101u);
 }
 
 TEST(ManifestReader, readsPropertiesOfEveryKind) {

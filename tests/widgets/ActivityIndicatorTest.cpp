@@ -1,5 +1,7 @@
 #include <QImage>
+#include <QPainter>
 #include <QTest>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -27,6 +29,23 @@ TEST(ActivityIndicator, turnsWhereItIsSeenAndIsThereOnlyWhileThereIsWork) {
   EXPECT_TRUE(timer->isActive());
   indicator->stopAnimation();
   EXPECT_FALSE(timer->isActive() || indicator->isVisible());
+}
+
+// Twelve spokes, ten times as large, so that their middles are plain; the fainter, the longer ago
+// each was the leading one, which goes round clockwise from the top.
+TEST(ActivitySpokes, fadeBehindTheLeadingOne) {
+  for (const int step : {12, 15}) {
+    QImage image(200, 200, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.scale(10, 10);
+    ActivitySpokes().draw(painter, QPointF(10, 10), step, Qt::black);
+    for (int age = 0; age < 12; ++age) {
+      const double angle = (step - age) * M_PI / 6;
+      const QPointF middle(100 + 60 * std::sin(angle), 100 - 60 * std::cos(angle));
+      EXPECT_NEAR(image.pixelColor(middle.toPoint()).red(), 255 * 0.25 * std::sqrt(age), 2) << age;
+    }
+  }
 }
 
 }  // namespace

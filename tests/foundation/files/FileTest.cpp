@@ -39,9 +39,10 @@ TEST(File, answersAtOnceForWhatIsNoRegularFile) {
   TemporaryTree tree;
   tree.write("target", "outside");
   ASSERT_EQ(::mkfifo(tree.path("fifo").c_str(), 0600), 0);
+  ASSERT_EQ(::mknod(tree.path("socket").c_str(), S_IFSOCK | 0600, 0), 0);
   ASSERT_EQ(::symlink(tree.path("target").c_str(), tree.path("link").c_str()), 0);
   ASSERT_EQ(::mkdir(tree.path("folder").c_str(), 0700), 0);
-  for (const char* name : {"fifo", "link", "folder"}) {
+  for (const char* name : {"fifo", "socket", "link", "folder"}) {
     EXPECT_EQ(contentOf(readFile(tree.path(name))), "(nothing)") << name;
   }
   EXPECT_EQ(contentOf(readFile("/dev/zero")), "(nothing)");

@@ -96,6 +96,19 @@ TEST_P(NewFileTest, triesNamesAndWritesOnceWithOrdinaryPermissions) {
   EXPECT_EQ(InputFile(m_tree.path("b")).modificationDate(), instantFromUnixTime(1000000000));
 }
 
+TEST_P(NewFileTest, hasTheGroupOfAFolderThatPassesItsOwnOn) {
+  constexpr gid_t group = 54321;
+  const std::string shared = m_tree.makeFolder("shared");
+  if (::chown(shared.c_str(), ::geteuid(), group) != 0 || ::chmod(shared.c_str(), 02775) != 0) {
+    GTEST_SKIP() << "needs a group that is not the process's own";
+  }
+  const FaultyFileSystem fileSystem(faults());
+  EXPECT_FALSE(make(shared + "/photo.jpg"));
+  struct stat status;
+  ASSERT_EQ(::stat((shared + "/photo.jpg").c_str(), &status), 0);
+  EXPECT_EQ(status.st_gid, group);
+}
+
 // A file without a name that cannot be linked becomes a part.
 TEST_P(NewFileTest, failsWholeWhicheverCallFailsAndArrivesWhereThereIsAnotherWay) {
   const std::string path = m_tree.path("photo.jpg");
@@ -182,19 +195,10 @@ TEST_P(NewFileTest, givesANameToOneOfManyThreads) {
   EXPECT_EQ(m_tree.list().size(), rounds);
 }
 
-// A source that is no photo, or no longer the one that was opened.
+// A source that is no longer the one that was opened.
 TEST(NewFileCopy, failsWhereTheSourceIsNotWhole) {
   const TemporaryTree tree;
   tree.makeFolder("out");
-  tree.makeFolder("folder");
-  ASSERT_EQ(::mkfifo(tree.path("fifo").c_str(), 0600), 0);
-  tree.write("holes", "");
-  std::filesystem::resize_file(tree.path("holes"), std::uintmax_t{1} << 36);
-  for (const char* name : {"folder", "fifo", "holes"}) {
-    EXPECT_EQ(InputFile(tree.path(name)).error(), FileError::unreadable(tree.path(name)));
-    EXPECT_FALSE(InputFile(tree.path(name)));
-  }
-  EXPECT_EQ(InputFile(tree.path("none")).error(), FileError::missing(tree.path("none")));
   for (const int size : {10, 3000}) {
     const std::string path = tree.write("source", std::string(1000, 'x'));
     InputFile source(path);

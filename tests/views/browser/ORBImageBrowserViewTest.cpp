@@ -174,19 +174,13 @@ TEST_F(ORBImageBrowserViewTest, pinchStepsToTheFloat) {
   const auto sum = [](float zoom, double magnification) {
     return static_cast<float>(double{zoom} + magnification);
   };
-  for (const Step& step : {
-           Step{0.9F, 0.25, 1.0, sum(0.9F, 0.25)},  // the step is not limited
-           Step{1.15F, 0.25, 1.0, 1.15F},
-           Step{1.0F, 0.01, 1.0, 1.0F},
-           Step{1.15F, 0.25, 2.0, sum(1.15F, 0.25)},
-           Step{0.3F, -0.1, 1.0, sum(0.3F, -0.1)},
-           Step{0.15F, -0.1, 1.0, 0.1F},
-           Step{0.1F, -0.5, 1.0, 0.1F},
-           Step{1.15F, -0.05, 1.0, sum(1.15F, -0.05)},
-           Step{0.05F, 0.01, 1.0, sum(0.05F, 0.01)},
-           Step{0.5F, 0.0, 1.0, 0.5F},
-           Step{0.5F, std::numeric_limits<double>::quiet_NaN(), 1.0, 0.5F},
-       }) {
+  for (const Step& step : {Step{0.9F, 0.25, 1.0, sum(0.9F, 0.25)},  // the step is not limited
+                           Step{1.15F, 0.25, 1.0, 1.15F}, Step{1.0F, 0.01, 1.0, 1.0F},
+                           Step{1.15F, 0.25, 2.0, sum(1.15F, 0.25)},
+                           Step{0.3F, -0.1, 1.0, sum(0.3F, -0.1)}, Step{0.15F, -0.1, 1.0, 0.1F},
+                           Step{0.1F, -0.5, 1.0, 0.1F}, Step{1.15F, -0.05, 1.0, sum(1.15F, -0.05)},
+                           Step{0.05F, 0.01, 1.0, sum(0.05F, 0.01)}, Step{0.5F, 0.0, 1.0, 0.5F},
+                           Step{0.5F, std::numeric_limits<double>::quiet_NaN(), 1.0, 0.5F}}) {
     m_maxZoom = step.maxZoom;
     EXPECT_EQ(zoomAfterPinch(step.zoom, step.magnification), step.after)
         << step.zoom << " " << step.magnification;

@@ -227,16 +227,27 @@ TEST_F(InputTest, aControlClickAsksForTheMenuAndSelectsNothing) {
   public:
     QMenu menu;
     std::optional<QMenu*> sourceListMenuForEventItem(PXSourceList&, QMouseEvent&,
-                                                     OutlineItem) override {
-      return &menu;
+                                                     OutlineItem item) override {
+      return item.as<Entry>()->title == "a2" ? &menu : nullptr;
     }
   } menus;
-  menus.menu.addAction("Reveal");
+  QMenu own;
+  for (QMenu* menu : {&menus.menu, &own}) {
+    menu->addAction("Reveal");
+  }
   list.setDelegate(&menus);
+  list.setMenu(&own);
   select({4});
-  clickRow(list, 2, Qt::ControlModifier);
-  EXPECT_TRUE(menus.menu.isVisible());
-  EXPECT_EQ(selected(), RowIndexes{4});
+  const auto asksFor = [this](const QMenu& expected, const QMenu& other, int row) {
+    clickRow(list, row, Qt::ControlModifier);
+    EXPECT_TRUE(expected.isVisible() && !other.isVisible()) << row;
+    QApplication::activePopupWidget()->close();
+    EXPECT_EQ(selected(), RowIndexes{4});
+  };
+  asksFor(menus.menu, own, 2);
+  asksFor(own, menus.menu, 1);  // the sidebar's own, without an answer and without a delegate
+  list.setDelegate(nullptr);
+  asksFor(own, menus.menu, 2);
 }
 
 }  // namespace

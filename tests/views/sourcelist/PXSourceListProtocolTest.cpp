@@ -1,3 +1,5 @@
+#include <QMimeData>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -130,6 +132,46 @@ TEST_F(ProtocolTest, aDelegateMayDropItselfWhileItIsTold) {
   list.expandItemExpandChildren(nullptr, true);
   clickRow(list, 1);
   EXPECT_EQ(delegate.told, 1);
+}
+
+TEST_F(ProtocolTest, rowsAreDraggedAndDropped) {
+  class Source : public PlainSource {
+  public:
+    std::vector<OutlineItem> dragged;
+    std::pair<OutlineItem, int> dropped;
+    std::optional<bool> sourceListWriteItemsToPasteboard(PXSourceList&,
+                                                         const std::vector<OutlineItem>& items,
+                                                         QMimeData& pasteboard) override {
+      dragged = items;
+      pasteboard.setText("dragged");
+      return true;
+    }
+    std::optional<Qt::DropAction> sourceListValidateDropProposedItemProposedChildIndex(
+        PXSourceList&, const OutlineDraggingInfo& info, OutlineItem, int index) override {
+      return info.pasteboard.hasText() && index >= 0 ? Qt::CopyAction : Qt::IgnoreAction;
+    }
+    std::optional<bool> sourceListAcceptDropItemChildIndex(PXSourceList&,
+                                                           const OutlineDraggingInfo&,
+                                                           OutlineItem item, int index) override {
+      dropped = {item, index};
+      return true;
+    }
+  } answers;
+  answers.root.children = twoGroups();
+  list.setDataSource(&answers);
+  list.expandItemExpandChildren(nullptr, true);
+  QAbstractItemModel& model = *list.model();
+  const QModelIndex group = model.index(0, 0);
+  const std::unique_ptr<QMimeData> data(model.mimeData({model.index(1, 0, group)}));
+  ASSERT_TRUE(data);
+  Entry& entry = answers.root.children[0];
+  EXPECT_THAT(answers.dragged, ElementsAre(OutlineItem(&entry.children[1])));
+  EXPECT_FALSE(model.canDropMimeData(data.get(), Qt::CopyAction, -1, -1, group));
+  EXPECT_TRUE(model.canDropMimeData(data.get(), Qt::CopyAction, 1, 0, group));
+  EXPECT_TRUE(model.dropMimeData(data.get(), Qt::CopyAction, 1, 0, group));
+  EXPECT_EQ(answers.dropped, std::pair(OutlineItem(&entry), 1));
+  list.setDataSource(&source);
+  EXPECT_EQ(list.model()->mimeData({list.model()->index(0, 0)}), nullptr);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "SourceListContent.h"
+#include "views/sourcelist/SourceListDrawing.h"
 #include "views/sourcelist/SourceListGeometry.h"
 
 namespace snaplift {
@@ -27,6 +28,8 @@ TEST(SourceListGeometry, iconsAndBadges) {
   for (const auto& [text, badge] : {std::pair{6, 22}, {12, 22}, {30, 40}}) {
     EXPECT_EQ(geometry::badgeSize(text), QSizeF(badge, 14));
   }
+  EXPECT_EQ(sourceListDrawing::badgeFont().pixelSize(), 11);
+  EXPECT_TRUE(sourceListDrawing::badgeFont().bold());
 }
 
 class RowGeometry : public testing::TestWithParam<double> {
