@@ -35,6 +35,12 @@ std::vector<BackupModel*> BackupController::backups() const {
   return all;
 }
 
+DeviceModel* BackupController::deviceOf(const BackupModel& backup) const {
+  const auto device =
+      std::ranges::find(m_devices, backup.deviceName(), [](const auto& d) { return d->name(); });
+  return device == m_devices.end() ? nullptr : device->get();
+}
+
 std::vector<BackupModel*> BackupController::addBackups(
     const std::string& folder, std::vector<std::unique_ptr<BackupModel>> backups) {
   std::vector<BackupModel*> added;

@@ -33,6 +33,8 @@ public:
   const std::vector<std::unique_ptr<DeviceModel>>& devices() const { return m_devices; }
   // Device by device, newest first.
   std::vector<BackupModel*> backups() const;
+  // The listed device that a backup is of; null where the backup is closed.
+  DeviceModel* deviceOf(const BackupModel& backup) const;
 
   // Lists backups that were found in or below `folder`, and answers those that this folder leads
   // to, in the order given, also those that were open already. A backup that is opened again

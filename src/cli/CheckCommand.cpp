@@ -49,8 +49,8 @@ std::string rareCount(std::size_t count, const char* what) {
   return count == 0 ? "" : ", " + countText(count) + what;
 }
 
-void printReport(const BackupModel& backup, const Finding& finding) {
-  printHeading(backup.path());
+void printReport(DeviceModel& device, const BackupModel& backup, const Finding& finding) {
+  printHeading(device.title() + ", " + backupText(device, backup));
   printLine("  " + countText(finding.listed, "photo") + " listed, " + countText(finding.present) +
             " present, " + countText(finding.missing.size()) + " missing" +
             rareCount(finding.shortened.size(), " short") +
@@ -86,7 +86,7 @@ ExitStatus checkBackups(const BackupNames& names, bool json) {
                  {"short", finding.shortened},
                  {"unreadable", finding.unreadable}});
     } else {
-      printReport(*backup, finding);
+      printReport(selection->deviceOf(*backup), *backup, finding);
     }
     if (!finding.isClean() || !backup->isComplete()) {
       status = SomePhotosFailed;

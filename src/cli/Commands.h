@@ -24,6 +24,9 @@ ExitStatus listPhotos(const BackupNames& names, bool json);
 // Every file with content that one backup's manifest lists, by domain.
 ExitStatus listFiles(const BackupNames& names, bool json);
 
+// One backup of a device on a line for people: "October 12, 2011  (5.0.1)  /folder".
+std::string backupText(DeviceModel& device, const BackupModel& backup);
+
 // The backups in or below the folders, one JSON value each as soon as it is found.
 ExitStatus findBackups(const std::vector<std::string>& folders);
 

@@ -102,6 +102,11 @@ Json backupJson(const BackupModel& backup) {
           {"decoder", std::string(backup.decoderName())}};
 }
 
+std::string backupText(DeviceModel& device, const BackupModel& backup) {
+  return device.titleOfBackup(backup) + "  (" + backup.productVersion().value_or("") + ")  " +
+         backup.path();
+}
+
 ExitStatus listBackups(const BackupNames& names, bool json) {
   const std::optional<Selection> selection = Selection::initWithNames(names);
   if (!selection) {
@@ -114,8 +119,7 @@ ExitStatus listBackups(const BackupNames& names, bool json) {
   for (const auto& device : selection->devices()) {
     printHeading(device->title());
     for (const auto& backup : device->backups()) {
-      printLine("  " + device->titleOfBackup(*backup) + "  (" +
-                backup->productVersion().value_or("") + ")  " + backup->path());
+      printLine("  " + backupText(*device, *backup));
     }
   }
   return Done;

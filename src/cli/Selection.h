@@ -30,6 +30,7 @@ public:
   const std::string& path() const { return m_path; }
 
   const std::vector<std::unique_ptr<DeviceModel>>& devices() const { return m_library->devices(); }
+  DeviceModel& deviceOf(const BackupModel& backup) const { return *m_library->deviceOf(backup); }
   // In the order in which they were named; of one folder device by device, newest first.
   const std::vector<BackupModel*>& backups() const { return m_backups; }
 

@@ -284,7 +284,8 @@ TEST_F(ListCommandsTest, checksForMissingAndShortPhotos) {
     }
     const ProgramResult text = run({"check", backup});
     EXPECT_EQ(text.status, c.status);
-    EXPECT_EQ(text.output, backup + "\n  2 photos listed, " + c.text);
+    EXPECT_EQ(text.output,
+              "Phone, October 12, 2011  (5.0.1)  " + backup + "\n  2 photos listed, " + c.text);
     const ProgramResult json = run({"check", m_tree.path("root"), "--json"});
     EXPECT_EQ(json.status, c.status);
     EXPECT_THAT(jsonLines(json), ElementsAre(Json{{"path", backup},
