@@ -167,7 +167,7 @@ std::string summaryText(const ExportSummary& summary, bool dryRun) {
            " can be exported, " + countText(summary.failed) + " cannot";
   }
   return countText(summary.exported, "photo") + " exported (" + sizeText(summary.bytes) + "), " +
-         countText(summary.renamed) + " under a numbered name, " +
+         countText(summary.renamed) + " under another name, " +
          (summary.skipped > 0 ? countText(summary.skipped) + " there already, " : "") +
          (summary.shortened > 0 ? countText(summary.shortened) + " short, " : "") +
          countText(summary.failed) + " failed";

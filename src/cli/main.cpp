@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <exception>
 #include <sstream>
 #include <string>
@@ -135,8 +134,12 @@ CLI::App* addVerifyCommand(CLI::App& app, Arguments& arguments) {
 
 // What was given in the place of a command.
 std::string unknownCommand(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-  return arguments.empty() ? "" : "unknown command: " + arguments.front() + "; ";
+  if (argc < 2) {
+    return {};
+  }
+  const std::string given = argv[1];
+  return (given.starts_with('-') ? "not expected before a command: " : "unknown command: ") +
+         given + "; ";
 }
 
 // Errors quote arguments, which are names of files often enough: no escape of theirs gets out.

@@ -120,7 +120,7 @@ TEST_F(ExportCommandTest, exportsAWholeRootOfEveryGenerationIntoOneFolder) {
   EXPECT_EQ(text.status, 0);
   EXPECT_EQ(std::ranges::count(text.output, '\n'), 10);
   EXPECT_THAT(text.output, HasSubstr(out() + "/IMG_0001 9.JPG\n"));
-  EXPECT_THAT(text.errors, HasSubstr("10 photos exported (200 bytes), 10 under a numbered name, "
+  EXPECT_THAT(text.errors, HasSubstr("10 photos exported (200 bytes), 10 under another name, "
                                      "0 failed\n"));
   EXPECT_EQ(treeState(m_tree.path("root")), before);
   EXPECT_THAT(m_tree.list("tmp"), IsEmpty());

@@ -55,7 +55,7 @@ TEST_P(FatExportTest, numbersNamesThatDifferInCaseAndFailsForbiddenOnesAlone) {
   }
   EXPECT_THAT(result.errors, HasSubstr("failed: " + backup + "/3/a:b.jpg: "));
   EXPECT_THAT(result.errors, HasSubstr("failed: " + backup + "/4/what?.jpg: "));
-  EXPECT_THAT(result.errors, HasSubstr("1 under a numbered name, 2 failed"));
+  EXPECT_THAT(result.errors, HasSubstr("1 under another name, 2 failed"));
 }
 
 }  // namespace

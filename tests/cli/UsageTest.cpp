@@ -21,6 +21,7 @@ TEST_F(UsageTest, saysWhatIsWrongWithACommandLine) {
   const Case cases[] = {
       {{}, "name a command: list, find, photos, files, check, export or verify"},
       {{"copy"}, "unknown command: copy; name a command"},
+      {{"--json", "copy"}, "not expected before a command: --json; name a command"},
       {{"photos", "a", "b"}, "At Most 1 required but received 2; see snaplift-cli photos --help"},
       {{"photos"}, "BACKUP is required; see snaplift-cli photos --help"},
       {{"files"}, "BACKUP is required"},
