@@ -61,6 +61,11 @@ void RememberedState::clearRecentFolders() {
   setFolders("recent", {});
 }
 
+std::string RememberedState::exportFolder() const {
+  const std::vector<std::string> known = folders("export");
+  return known.empty() ? std::string() : known.front();
+}
+
 // Paths are bytes, of any encoding: what is no plain letter is written as "%FF".
 std::vector<std::string> RememberedState::folders(const char* key) const {
   std::vector<std::string> folders;

@@ -7,7 +7,8 @@
 namespace snaplift {
 
 // What the window keeps for its next start: its size and place, the divider, the folders that were
-// open and those that were opened lately. Kept in two files and nowhere else:
+// open and those that were opened lately, the folder of the last export. Kept in two files and
+// nowhere else:
 // "$XDG_CONFIG_HOME/snaplift/folders.ini" and "$XDG_STATE_HOME/snaplift/window.ini". One that keeps
 // nothing reads and writes nothing. Files that cannot be read or written are passed over: nobody
 // wants to hear of them.
@@ -30,6 +31,10 @@ public:
   std::vector<std::string> recentFolders() const;
   void addRecentFolder(const std::string& folder);
   void clearRecentFolders();
+
+  // Where the last export went, to whatever end it came; empty where none is known.
+  std::string exportFolder() const;
+  void setExportFolder(const std::string& folder) const { setFolders("export", {folder}); }
 
 private:
   std::vector<std::string> folders(const char* key) const;

@@ -77,6 +77,7 @@ SLAppDelegate::~SLAppDelegate() {
   m_finishedLoading.remove();
   m_search.reset();
   m_diskProbe = {};
+  m_tidying = {};
   m_exports.reset();
   m_zoomAnimation.reset();
   m_window.reset();
@@ -141,6 +142,7 @@ void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot,
   m_ui->sourceList->setDelegate(this);
   m_ui->sourceList->setDataSource(this);
   restoreWindow();
+  tidyFolderOfLastExport();
   for (const std::string& folder : folders) {
     searchFolder(folder, true);
   }
@@ -243,10 +245,8 @@ QVariant SLAppDelegate::sourceListObjectValueForItem(PXSourceList&, OutlineItem 
   if (!backup) {
     return QString();
   }
-  const auto device =
-      std::ranges::find(m_bc->devices(), backup->deviceName(), [](auto& d) { return d->name(); });
-  return plainText::shortened(device == m_bc->devices().end() ? backup->name()
-                                                              : (*device)->titleOfBackup(*backup));
+  DeviceModel* device = m_bc->deviceOf(*backup);
+  return plainText::shortened(device ? device->titleOfBackup(*backup) : backup->name());
 }
 
 bool SLAppDelegate::sourceListIsItemExpandable(PXSourceList&, OutlineItem item) {

@@ -173,6 +173,7 @@ private:
   void exportDidEnd(const ExportReport& report);
   void tellOfExport(const ExportReport& report);
   void askWhetherToStopExporting();
+  void tidyFolderOfLastExport();
   TemporaryPhotos::Failed tellingFailedCopy(std::size_t photos);
 
   std::unique_ptr<BackupController> m_bc;
@@ -191,12 +192,13 @@ private:
   QPointer<QAction> m_pendingMenuItem;   // "Loading...", waiting for its backup; of m_contextMenu
 
   std::unique_ptr<WindowExports> m_exports;
-  std::string m_exportFolder;  // that was chosen last
+  std::string m_exportFolder;  // of the last export, also of an earlier run
   QPointer<QMessageBox> m_stopQuestion;
   NotificationCenter::Token m_startedLoading;
   NotificationCenter::Token m_finishedLoading;
   std::unique_ptr<FolderSearch> m_search;
   std::jthread m_diskProbe;
+  std::jthread m_tidying;
 };
 
 }  // namespace snaplift

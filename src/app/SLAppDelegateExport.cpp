@@ -76,7 +76,6 @@ void SLAppDelegate::chooseFolderAndExport(
     return;
   }
   const auto chosen = [this, backup, photos](const std::string& folder) {
-    m_exportFolder = folder;
     if (backup) {
       exportPhotos(photos(*backup), folder);
     }
@@ -109,6 +108,8 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
     showAlert(m_window.get(), {"The Photos Cannot Be Exported", QString::fromStdString(*problem)});
     return names;
   }
+  m_exportFolder = destination;
+  m_state.setExportFolder(destination);
   std::vector<PhotoToExport> wanted;
   for (const ImageItem* photo : photos) {
     names.emplace_back(lastPathComponent(photo->imageUID()));
@@ -219,6 +220,19 @@ void SLAppDelegate::askWhetherToStopExporting() {
     m_exports->stopAndWait();
     m_window->close();
   });
+}
+
+// What a process that was killed left in it would else stay until something is exported there
+// again. Nobody waits for the disk, which may have to start turning.
+void SLAppDelegate::tidyFolderOfLastExport() {
+  m_exportFolder = m_state.exportFolder();
+  if (!m_exportFolder.empty()) {
+    m_tidying = std::jthread([folder = m_exportFolder] {
+      if (!exportDestinationProblem(folder, {})) {
+        OutputFolder(folder).removeAbandonedParts();
+      }
+    });
+  }
 }
 
 int SLAppDelegate::imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView&,

@@ -140,12 +140,21 @@ TEST_F(OpenFoldersTest, remembersItsFoldersAndPlace) {
   auto& divider = child<QSplitter>("splitView");
   divider.setSizes({290, 610});
   const QList<int> sizes = divider.sizes();
+  ASSERT_TRUE(waitForText("2 Photos"));
+  dropAllPhotosInto("out");
+  const auto exported = [&] { return m_tree.list("out").size(); };
+  ASSERT_TRUE(QTest::qWaitFor([&] { return centreText() == "2 Photos"; }, 60000));
   EXPECT_EQ(recent().first(2), QStringList({QString::fromStdString(m_tree.path("gone")),
                                             QString::fromStdString(disk)}));
   m_delegate->window()->close();
   std::filesystem::remove_all(m_tree.path("gone"));
+  m_tree.write("out/.snaplift-0123456789abcdef.part", "left by a kill");
+  launch();
+  m_delegate.reset();
+  EXPECT_EQ(exported(), 3U);
 
   launch({}, true);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return exported() == 2; }));
   EXPECT_TRUE(waitForText("5 Photos"));
   EXPECT_TRUE(waitForTheEndOfTheSearch());
   EXPECT_EQ(m_delegate->window()->size(), QSize(900, 555));
