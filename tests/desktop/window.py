@@ -196,7 +196,7 @@ def folders(test):
         window.text("5 Photos")
         assert window.rows()[:2] == rows, window.rows()
         window.activate()
-        window.keys("ctrl+q", "the end", window.has_ended)
+        window.keys("ctrl+w", "the end", window.has_ended)
 
         window = test.window()
         window.text("5 Photos")  # without a question
