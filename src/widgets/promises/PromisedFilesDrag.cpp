@@ -11,6 +11,7 @@
 
 #include "widgets/promises/DragSlideBack.h"
 #include "widgets/promises/PromisedFilesMimeData.h"
+#include "widgets/promises/XDropRequests.h"
 
 namespace snaplift {
 namespace {
@@ -55,6 +56,7 @@ void dragPromisedFiles(PromisedFilesSource& source, QWidget& owner,
   auto* drag = new QDrag(qApp);
   auto* data = new PromisedFilesMimeData(source, owner, XDirectSaveChannel::make());
   drag->setMimeData(data);
+  XDropRequests::answerWith(*data);
   drag->setPixmap(appearance.picture);
   drag->setHotSpot(appearance.hotSpot);
   ReleaseWatch watch(*drag, *data);
