@@ -64,7 +64,7 @@ void ExportJob::run() {
 }
 
 std::vector<std::string> ExportJob::expectedPaths() const {
-  ExportFolders folders(m_folders.destination(), false, false);
+  ExportFolders folders(m_folders.destination().path(), false, false);
   const PhotoWriter writer(folders, {.isDryRun = true});
   std::vector<std::string> paths;
   paths.reserve(m_photos.size());

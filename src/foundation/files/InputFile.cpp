@@ -125,8 +125,8 @@ bool InputFile::rewind() const {
 bool InputFile::isWhole() const {
   thread_local Bytes own(compareBufferInBytes);
   std::uint64_t done = 0;
-  std::size_t count = rewind() ? readFully(*this, own) : 0;
-  for (; count > 0; count = readFully(*this, own)) {
+  std::size_t count = rewind() ? fill(own) : 0;
+  for (; count > 0; count = fill(own)) {
     done += count;
   }
   return done == m_size;
