@@ -314,6 +314,26 @@ def copy(test):
     wait_for("whole photos", lambda: all(digest in source for digest in contents(test.folder)))
 
 
+def drop(test):
+    """Photos are dropped on a program of GTK 4, which asks for them in a way of its own."""
+    window = test.window()
+    window.text("5 Photos")
+    place_window(window.window(), 0, 30, 640, 500)
+    program = os.path.join(os.path.dirname(__file__), "filetarget.py")
+    started(test.stack, [sys.executable, program, test.folder],
+            env=dict(os.environ, GDK_BACKEND="x11", GSK_RENDERER="cairo"))
+    place_window(wait_for("the target", lambda: visible_window("^Target of files$")),
+                 660, 120, 400, 400)
+    def drag():
+        window.activate()
+        window.select_photos(1, 2, 3)
+        drag_pointer(window.photo(2), (860, 320))
+        xdotool("mouseup", 1)
+    again("the dropped photos", drag, lambda: len(os.listdir(test.folder)) == 3, 10)
+    source = contents(os.path.join(test.root, "Anna-5.1"))
+    wait_for("whole photos", lambda: all(digest in source for digest in contents(test.folder)))
+
+
 def reveal(test):
     """The backup's folder in the file manager that answers on the session bus."""
     window = test.window()

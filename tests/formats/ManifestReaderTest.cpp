@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -132,6 +133,18 @@ TEST(ManifestReader, readsPropertiesOfEveryKind) {
   EXPECT_THAT(record->valueForKey("mode"), Optional(VariantWith<std::uint64_t>(0x81)));
   EXPECT_EQ(record->properties().size(), 11u);
   EXPECT_EQ(record->properties()[3].second, "first");
+}
+
+TEST(ManifestReader, takesTheOneFieldThatAPropertyReplaces) {
+  for (const char* key : {"domain", "path", "linkTarget", "dataHash"}) {
+    iOS5MBDBReader reader = readerOver(std::vector{
+        ManifestEntry{.domain = "D", .path = "own", .properties = {{key, "replaced"}}}});
+    const auto record = reader.nextEntry();
+    ASSERT_TRUE(record);
+    const std::string texts[] = {std::string(record->domain()), std::string(record->path()),
+                                 std::string(record->linkTarget()), record->dataHash()};
+    EXPECT_EQ(std::ranges::count(texts, "replaced"), 1) << key;
+  }
 }
 
 TEST(ManifestReader, readsFieldsOfTheGreatestLengthAndSignedTimes) {
