@@ -124,8 +124,7 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
   const std::uint64_t needed = options.skipsExisting ? 0 : bytesOf(wanted).value_or(0);
   const auto free = freeBytes(destination);
   if (free && needed > *free) {
-    askQuestion(m_window.get(), littleRoomText(destination, needed, *free), "Export Anyway",
-                begin);
+    askQuestion(m_window.get(), littleRoomText(destination, needed, *free), "Export Anyway", begin);
   } else {
     begin();
   }

@@ -2,7 +2,6 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QMimeData>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>

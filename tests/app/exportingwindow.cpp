@@ -3,7 +3,6 @@
 //
 // usage: exportingwindow ROOT FOLDER
 
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QLabel>
