@@ -13,8 +13,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/ExportProgressBar.h"
 #include "app/StatusText.h"
+#include "app/export/ExportProgressBar.h"
 #include "ui_MainWindow.h"
 #include "widgets/desktop/MainThread.h"
 #include "widgets/desktop/PlainText.h"

@@ -15,7 +15,7 @@
 #include "app/FolderSearch.h"
 #include "app/RememberedState.h"
 #include "app/TemporaryPhotos.h"
-#include "app/WindowExports.h"
+#include "app/export/WindowExports.h"
 #include "backups/BackupController.h"
 #include "foundation/NotificationCenter.h"
 #include "views/browser/ORBAdjustingValueAnimation.h"

@@ -8,11 +8,11 @@
 #include <optional>
 #include <utility>
 
-#include "app/ExportProgressBar.h"
-#include "app/ExportText.h"
 #include "app/PhotoPasteboard.h"
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
+#include "app/export/ExportProgressBar.h"
+#include "app/export/ExportText.h"
 #include "export/ExportDestination.h"
 #include "foundation/Log.h"
 #include "foundation/files/OutputFolder.h"

@@ -12,7 +12,7 @@
 #include <gmock/gmock.h>
 
 #include "SLAppDelegateFixture.h"
-#include "app/ExportProgressBar.h"
+#include "app/export/ExportProgressBar.h"
 #include "faults/Volume.h"
 #include "support/PhotoSource.h"
 #include "widgets/desktop/ActivityIndicator.h"

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <vector>
 
-#include "app/WindowExports.h"
+#include "app/export/WindowExports.h"
 #include "widgets/desktop/Alert.h"
 
 namespace snaplift {

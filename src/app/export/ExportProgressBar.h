@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "app/WindowExports.h"
+#include "app/export/WindowExports.h"
 #include "widgets/desktop/TransferRate.h"
 
 class QLabel;

@@ -1,4 +1,4 @@
-#include "app/WindowExports.h"
+#include "app/export/WindowExports.h"
 
 #include <algorithm>
 #include <cstdlib>

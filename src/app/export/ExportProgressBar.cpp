@@ -1,4 +1,4 @@
-#include "app/ExportProgressBar.h"
+#include "app/export/ExportProgressBar.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "app/ExportText.h"
+#include "app/export/ExportText.h"
 
 #include <QLocale>
 #include <algorithm>
