@@ -9,11 +9,20 @@
 #include <QToolButton>
 
 namespace snaplift {
+namespace {
+
+// More would leave the text no room in a narrow window: they stand below it.
+constexpr std::size_t mostActionsBesideText = 2;
+
+}  // namespace
 
 NoticeBar::NoticeBar(QWidget* parent)
-    : QFrame(parent), m_layout(new QHBoxLayout(this)), m_text(new QLabel) {
+    : QFrame(parent), m_layout(new QBoxLayout(QBoxLayout::LeftToRight)), m_text(new QLabel) {
   setAutoFillBackground(true);
-  m_layout->setContentsMargins(12, 6, 6, 6);
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(12, 6, 6, 6);
+  row->addLayout(m_layout, 1);
   m_text->setTextFormat(Qt::PlainText);
   m_text->setWordWrap(true);
   m_layout->addWidget(m_text, 1);
@@ -22,7 +31,7 @@ NoticeBar::NoticeBar(QWidget* parent)
   close->setAutoRaise(true);
   close->setToolTip("Close this notice (Esc)");
   close->setAccessibleName("Close Notice");
-  m_layout->addWidget(close);
+  row->addWidget(close, 0, Qt::AlignTop);
   connect(close, &QToolButton::clicked, this, &QWidget::hide);
   // Of a widget that is hidden no shortcut works: Escape is the others' again.
   auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
@@ -38,7 +47,9 @@ void NoticeBar::tell(const QString& text, const std::vector<NoticeAction>& actio
   m_buttons = new QWidget;
   auto* row = new QHBoxLayout(m_buttons);
   row->setContentsMargins(0, 0, 0, 0);
-  m_layout->insertWidget(1, m_buttons);
+  const bool fit = actions.size() <= mostActionsBesideText;
+  m_layout->setDirection(fit ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  m_layout->addWidget(m_buttons, 0, fit ? Qt::Alignment() : Qt::AlignLeft);
   for (const NoticeAction& action : actions) {
     add(action);
   }

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-class QHBoxLayout;
+class QBoxLayout;
 class QLabel;
 
 namespace snaplift {
@@ -32,7 +32,7 @@ public:
 private:
   void add(const NoticeAction& action);
 
-  QHBoxLayout* m_layout;
+  QBoxLayout* m_layout;
   QLabel* m_text;
   QWidget* m_buttons = nullptr;
 };

@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QHeaderView>
+#include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -30,7 +31,7 @@ QTreeWidget* makeTable(const QStringList& columns, const std::vector<QStringList
 }  // namespace
 
 void showTable(QWidget* window, const QString& title, const QStringList& columns,
-               const std::vector<QStringList>& rows) {
+               const std::vector<QStringList>& rows, const std::vector<AlertChoice>& choices) {
   auto* sheet = new QDialog(window);
   sheet->setAttribute(Qt::WA_DeleteOnClose);
   sheet->setWindowModality(Qt::WindowModal);
@@ -39,6 +40,13 @@ void showTable(QWidget* window, const QString& title, const QStringList& columns
   table->setAccessibleName(title);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
   QObject::connect(buttons, &QDialogButtonBox::rejected, sheet, &QDialog::reject);
+  for (const AlertChoice& choice : choices) {
+    const auto* button = buttons->addButton(choice.button, QDialogButtonBox::ActionRole);
+    QObject::connect(button, &QPushButton::clicked, sheet, [sheet, chosen = choice.chosen] {
+      sheet->close();
+      chosen();
+    });
+  }
   auto* layout = new QVBoxLayout(sheet);
   layout->addWidget(table);
   layout->addWidget(buttons);
