@@ -20,10 +20,21 @@ QString windowFileName() {
   return folderOfState() + "/snaplift/window.ini";
 }
 
-QString foldersFileName() {
-  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-         "/snaplift/folders.ini";
+QString settingsFileName(const char* name) {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/snaplift/" +
+         name;
 }
+
+QString foldersFileName() {
+  return settingsFileName("folders.ini");
+}
+
+QString exportFileName() {
+  return settingsFileName("export.ini");
+}
+
+// In the order of ExportLayout.
+const QStringList layoutNames = {"flat", "device", "month", "dcim"};
 
 }  // namespace
 
@@ -85,6 +96,27 @@ void RememberedState::setFolders(const char* key, const std::vector<std::string>
       list << QString::fromLatin1(QByteArray::fromStdString(folder).toPercentEncoding("/"));
     }
     QSettings(foldersFileName(), QSettings::IniFormat).setValue(key, list);
+  }
+}
+
+RememberedState::Export RememberedState::exportSettings() const {
+  Export settings;
+  if (m_keeps) {
+    const QSettings file(exportFileName(), QSettings::IniFormat);
+    settings.keepsDates = file.value("keepDates", settings.keepsDates).toBool();
+    settings.skipsExisting = file.value("skipExisting", settings.skipsExisting).toBool();
+    const auto layout = layoutNames.indexOf(file.value("layout").toString());
+    settings.layout = static_cast<ExportLayout>(std::max<qsizetype>(0, layout));
+  }
+  return settings;
+}
+
+void RememberedState::setExportSettings(const Export& settings) const {
+  if (m_keeps) {
+    QSettings file(exportFileName(), QSettings::IniFormat);
+    file.setValue("keepDates", settings.keepsDates);
+    file.setValue("skipExisting", settings.skipsExisting);
+    file.setValue("layout", layoutNames[static_cast<qsizetype>(settings.layout)]);
   }
 }
 

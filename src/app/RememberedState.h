@@ -4,14 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "export/ExportLayout.h"
+
 namespace snaplift {
 
 // What the window keeps for its next start: its size and place, the divider, the folders that were
-// open and those that were opened lately, the folder of the last export. Kept in two files and
-// nowhere else:
-// "$XDG_CONFIG_HOME/snaplift/folders.ini" and "$XDG_STATE_HOME/snaplift/window.ini". One that keeps
-// nothing reads and writes nothing. Files that cannot be read or written are passed over: nobody
-// wants to hear of them.
+// open and those that were opened lately, the folder of the last export, and how photos are
+// exported. Kept in three files and nowhere else: "folders.ini" and "export.ini" in
+// "$XDG_CONFIG_HOME/snaplift", and "$XDG_STATE_HOME/snaplift/window.ini". One that keeps nothing
+// reads and writes nothing. Files that cannot be read or written are passed over: nobody wants to
+// hear of them.
 class RememberedState {
 public:
   static constexpr std::size_t recentFolderCount = 10;
@@ -35,6 +37,13 @@ public:
   // Where the last export went, to whatever end it came; empty where none is known.
   std::string exportFolder() const;
   void setExportFolder(const std::string& folder) const { setFolders("export", {folder}); }
+  struct Export {
+    bool keepsDates = true;
+    bool skipsExisting = false;
+    ExportLayout layout = ExportLayout::Flat;  // of an export of everything
+  };
+  Export exportSettings() const;
+  void setExportSettings(const Export& settings) const;
 
 private:
   std::vector<std::string> folders(const char* key) const;

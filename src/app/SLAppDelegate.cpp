@@ -14,7 +14,6 @@
 #include <cmath>
 
 #include "app/StatusText.h"
-#include "app/export/ExportProgressBar.h"
 #include "ui_MainWindow.h"
 #include "widgets/desktop/MainThread.h"
 #include "widgets/desktop/PlainText.h"
@@ -69,6 +68,7 @@ SLAppDelegate::SLAppDelegate()
   awakeFromNib();
   connectCommands();
   connectFolders();
+  connectExport();
 }
 
 SLAppDelegate::~SLAppDelegate() {
@@ -78,18 +78,12 @@ SLAppDelegate::~SLAppDelegate() {
   m_search.reset();
   m_diskProbe = {};
   m_tidying = {};
-  m_exports.reset();
+  m_exporter.reset();
   m_zoomAnimation.reset();
   m_window.reset();
 }
 
 void SLAppDelegate::awakeFromNib() {
-  m_exports = std::make_unique<WindowExports>();
-  connect(m_exports.get(), &WindowExports::progressed, this, [this] { updateExportProgress(); });
-  connect(m_exports.get(), &WindowExports::ended, this,
-          [this](const ExportReport& report) { exportDidEnd(report); });
-  connect(m_ui->exportProgress, &ExportProgressBar::stopWanted, m_exports.get(),
-          &WindowExports::stop);
   connectZoom();
   m_ui->sourceList->setAllowsEmptySelection(false);  // the newest backup is there at once
   m_ui->browser->setDataSource(&m_arrayController);
@@ -115,6 +109,7 @@ void SLAppDelegate::connectCommands() {
   ImageBrowserView* browser = m_ui->browser;
   command(m_ui->actionExportSelected, [this] { exportSelectedPhotosFromSelectedBackup(); });
   command(m_ui->actionExportAll, [this] { exportAllPhotosFromSelectedBackup(); });
+  command(m_ui->actionExportEverything, [this] { exportEverything(); });
   command(m_ui->actionReveal, [this] { revealSelectedInFinder(); });
   command(m_ui->actionClose, [this] { m_window->close(); });
   command(m_ui->actionQuit, [this] { m_window->close(); });
@@ -143,6 +138,7 @@ void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot,
   m_ui->sourceList->setDataSource(this);
   restoreWindow();
   tidyFolderOfLastExport();
+  showExportSettings(m_state.exportSettings());
   for (const std::string& folder : folders) {
     searchFolder(folder, true);
   }
@@ -160,8 +156,9 @@ void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot,
 
 void SLAppDelegate::registerForLoading() {
   NotificationCenter& center = NotificationCenter::defaultCenter();
-  m_startedLoading = center.addObserver(std::string(startedLoadingNotification), nullptr,
-                                        [this](const Notification&) { didStartLoading(); });
+  m_startedLoading = center.addObserver(
+      std::string(startedLoadingNotification), nullptr,
+      [this](const Notification& n) { didStartLoading(static_cast<BackupModel*>(n.object)); });
   m_finishedLoading = center.addObserver(
       std::string(finishedLoadingNotification), nullptr,
       [this](const Notification& n) { finishedLoading(static_cast<BackupModel*>(n.object)); });
@@ -190,13 +187,15 @@ void SLAppDelegate::updateCommands() {
   const bool hidesPhotos =
       backup && backup->contentReady() && backup->encrypted() && !backup->imageItems().empty();
   m_ui->actionExportAll->setEnabled(showsPhotos || hidesPhotos);
+  m_ui->actionExportEverything->setEnabled(m_bc && !m_bc->devices().empty() &&
+                                           !m_exporter->isCollecting());
   const QAction* exportAction = showsSelection ? m_ui->actionExportSelected : m_ui->actionExportAll;
   m_ui->exportButton->setEnabled(exportAction->isEnabled());
   m_ui->exportButton->setToolTip(exportAction->toolTip());
   m_ui->exportButton->setAccessibleDescription(exportAction->toolTip());
   m_ui->actionReveal->setEnabled(backup);
   m_ui->actionCloseFolder->setEnabled(backup);
-  m_ui->actionCopy->setEnabled(showsSelection && !isExporting());
+  m_ui->actionCopy->setEnabled(showsSelection && !m_exporter->isExporting());
   m_ui->actionDeselect->setEnabled(showsSelection);
   for (QAction* action : {m_ui->actionSelectAll, m_ui->actionInvertSelection, m_ui->actionZoomIn,
                           m_ui->actionZoomOut, m_ui->actionStartSize, m_ui->actionPreview}) {
@@ -207,9 +206,9 @@ void SLAppDelegate::updateCommands() {
 bool SLAppDelegate::eventFilter(QObject* object, QEvent* event) {
   if (object == m_window.get()) {
     if (event->type() == QEvent::Close) {
-      if (isExporting()) {
+      if (m_exporter->isExporting()) {
         event->ignore();
-        askWhetherToStopExporting();
+        m_exporter->askWhetherToStop([this] { m_window->close(); });
         return true;
       }
       rememberState();

@@ -15,7 +15,7 @@
 #include "app/FolderSearch.h"
 #include "app/RememberedState.h"
 #include "app/TemporaryPhotos.h"
-#include "app/export/WindowExports.h"
+#include "app/export/PhotoExporter.h"
 #include "backups/BackupController.h"
 #include "foundation/NotificationCenter.h"
 #include "views/browser/ORBAdjustingValueAnimation.h"
@@ -78,6 +78,7 @@ public:
   // The commands.
   void exportSelectedPhotosFromSelectedBackup();
   void exportAllPhotosFromSelectedBackup();
+  void exportEverything();
   void revealSelectedInFinder();
   void copySelectedPhotos();
   void chooseFolderToOpen();
@@ -149,7 +150,7 @@ private:
 
   // State of the browser.
   void connectZoom();
-  void didStartLoading();
+  void didStartLoading(BackupModel* backup);
   void finishedLoading(BackupModel* backup);
   void showContentOf(BackupModel* backup);
   void didShowContentOf(BackupModel* backup);
@@ -163,16 +164,20 @@ private:
 
   // Export.
   using PhotosToExport = std::vector<ImageItem*>;
+  void connectExport();
   void chooseFolderAndExport(const std::function<PhotosToExport(BackupModel& backup)>& photos);
+  void chooseExportFolder(const std::function<void(const std::string& folder)>& chosen);
   PhotosToExport photosAtIndexes(BackupModel& backup, const std::vector<int>& indexes) const;
   std::vector<std::string> exportPhotos(const PhotosToExport& photos,
                                         const std::string& destination);
+  void exportEverythingInto(const std::string& destination);
+  // Says why not; one that is accepted is remembered.
+  bool acceptsExportInto(const std::string& destination);
+  std::vector<std::string> backupFolders() const;
+  RememberedState::Export exportSettings() const;
+  void showExportSettings(const RememberedState::Export& settings);
   ExportOptions exportOptions() const;
-  bool isExporting() const;
   void updateExportProgress();
-  void exportDidEnd(const ExportReport& report);
-  void tellOfExport(const ExportReport& report);
-  void askWhetherToStopExporting();
   void tidyFolderOfLastExport();
   TemporaryPhotos::Failed tellingFailedCopy(std::size_t photos);
 
@@ -191,9 +196,8 @@ private:
   std::set<std::string> m_toldOfDamage;  // paths of backups
   QPointer<QAction> m_pendingMenuItem;   // "Loading...", waiting for its backup; of m_contextMenu
 
-  std::unique_ptr<WindowExports> m_exports;
+  std::unique_ptr<PhotoExporter> m_exporter;
   std::string m_exportFolder;  // of the last export, also of an earlier run
-  QPointer<QMessageBox> m_stopQuestion;
   NotificationCenter::Token m_startedLoading;
   NotificationCenter::Token m_finishedLoading;
   std::unique_ptr<FolderSearch> m_search;

@@ -64,9 +64,13 @@ bool SLAppDelegate::hasSelection() const {
   return !m_ui->browser->selectionIndexes().empty();
 }
 
-void SLAppDelegate::didStartLoading() {
-  QMetaObject::invokeMethod(
-      this, [this] { m_ui->text->setText("Loading..."); }, Qt::QueuedConnection);
+void SLAppDelegate::didStartLoading(BackupModel* backup) {
+  const auto say = [this, backup] {
+    if (backup == selectedBackup()) {
+      m_ui->text->setText("Loading...");
+    }
+  };
+  QMetaObject::invokeMethod(this, say, Qt::QueuedConnection);
 }
 
 void SLAppDelegate::finishedLoading(BackupModel* backup) {

@@ -1,45 +1,29 @@
 // Export: the commands, the queue and its progress, the pasteboard, the file manager.
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QClipboard>
 #include <QLabel>
 #include <QMainWindow>
-#include <QMessageBox>
-#include <optional>
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "app/PhotoPasteboard.h"
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
-#include "app/export/ExportProgressBar.h"
 #include "app/export/ExportText.h"
 #include "export/ExportDestination.h"
-#include "foundation/Log.h"
 #include "foundation/files/OutputFolder.h"
 #include "foundation/files/Path.h"
 #include "ui_MainWindow.h"
 #include "widgets/desktop/ActivityIndicator.h"
 #include "widgets/desktop/Alert.h"
 #include "widgets/desktop/FolderChooser.h"
-#include "widgets/desktop/NoticeBar.h"
-#include "widgets/desktop/TableSheet.h"
 #include "widgets/desktop/Workspace.h"
 
 namespace snaplift {
 namespace {
-
-// Absent where the backup does not know the size of each.
-std::optional<std::uint64_t> bytesOf(const std::vector<PhotoToExport>& photos) {
-  std::uint64_t bytes = 0;
-  for (const PhotoToExport& photo : photos) {
-    const auto size = photo.photo->info().size;
-    if (!size) {
-      return std::nullopt;
-    }
-    bytes += *size;
-  }
-  return bytes;
-}
 
 std::vector<ImageItem*> photosOfItems(const std::vector<ImageBrowserItemPointer>& items) {
   std::vector<ImageItem*> photos;
@@ -51,6 +35,22 @@ std::vector<ImageItem*> photosOfItems(const std::vector<ImageBrowserItemPointer>
 }
 
 }  // namespace
+
+void SLAppDelegate::connectExport() {
+  m_exporter =
+      std::make_unique<PhotoExporter>(*m_window, *m_ui->exportProgress, *m_ui->exportNotice);
+  connect(m_exporter.get(), &PhotoExporter::progressed, this, [this] { updateExportProgress(); });
+  m_ui->exportNotice->setBackupFolders([this] { return backupFolders(); });
+  connect(m_ui->exportNotice, &ExportNotice::skippingWanted, this, [this] {
+    if (!m_ui->actionSkipExisting->isChecked()) {
+      m_ui->actionSkipExisting->trigger();
+    }
+  });
+  const auto remember = [this] { m_state.setExportSettings(exportSettings()); };
+  connect(m_ui->actionSkipExisting, &QAction::triggered, this, remember);
+  connect(m_ui->actionKeepDates, &QAction::triggered, this, remember);
+  connect(m_ui->layoutGroup, &QActionGroup::triggered, this, remember);
+}
 
 void SLAppDelegate::exportSelectedPhotosFromSelectedBackup() {
   chooseFolderAndExport([this](BackupModel& backup) {
@@ -75,12 +75,48 @@ void SLAppDelegate::chooseFolderAndExport(
     sayThatItIsEncrypted();
     return;
   }
-  const auto chosen = [this, backup, photos](const std::string& folder) {
+  chooseExportFolder([this, backup, photos](const std::string& folder) {
     if (backup) {
       exportPhotos(photos(*backup), folder);
     }
-  };
+  });
+}
+
+void SLAppDelegate::chooseExportFolder(
+    const std::function<void(const std::string& folder)>& chosen) {
   chooseFolder(m_window.get(), "Export", chosen, m_exportFolder);
+}
+
+void SLAppDelegate::exportEverything() {
+  chooseExportFolder([this](const std::string& folder) { exportEverythingInto(folder); });
+}
+
+void SLAppDelegate::exportEverythingInto(const std::string& destination) {
+  if (m_exporter->isCollecting() || !acceptsExportInto(destination)) {
+    return;
+  }
+  auto everything = std::make_unique<EverythingToExport>(exportSettings().layout);
+  for (const auto& device : m_bc->devices()) {
+    everything->add(*device);
+  }
+  m_exporter->exportEverything(std::move(everything), destination, exportOptions());
+}
+
+bool SLAppDelegate::acceptsExportInto(const std::string& destination) {
+  const auto problem = exportDestinationProblem(destination, backupFolders());
+  if (problem) {
+    showAlert(m_window.get(), {"The Photos Cannot Be Exported", QString::fromStdString(*problem)});
+    return false;
+  }
+  m_exportFolder = destination;
+  m_state.setExportFolder(destination);
+  return true;
+}
+
+std::vector<std::string> SLAppDelegate::backupFolders() const {
+  std::vector<std::string> folders;
+  std::ranges::transform(m_bc->backups(), std::back_inserter(folders), &BackupModel::path);
+  return folders;
 }
 
 SLAppDelegate::PhotosToExport SLAppDelegate::photosAtIndexes(
@@ -98,36 +134,17 @@ SLAppDelegate::PhotosToExport SLAppDelegate::photosAtIndexes(
 std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photos,
                                                      const std::string& destination) {
   std::vector<std::string> names;
-  std::vector<std::string> backupFolders;
-  for (const auto& device : m_bc->devices()) {
-    for (const auto& backup : device->backups()) {
-      backupFolders.push_back(backup->path());
-    }
-  }
-  if (const auto problem = exportDestinationProblem(destination, backupFolders)) {
-    showAlert(m_window.get(), {"The Photos Cannot Be Exported", QString::fromStdString(*problem)});
+  if (!acceptsExportInto(destination)) {
     return names;
   }
-  m_exportFolder = destination;
-  m_state.setExportFolder(destination);
-  std::vector<PhotoToExport> wanted;
+  ExportReport report;
+  report.destination = destination;
+  report.options = exportOptions();
   for (const ImageItem* photo : photos) {
     names.emplace_back(lastPathComponent(photo->imageUID()));
-    wanted.push_back({photo});
+    report.missing.push_back({photo});
   }
-  m_ui->exportNotice->hide();
-  const ExportOptions options = exportOptions();
-  const auto begin = [this, wanted, destination, options] {
-    m_exports->begin(wanted, destination, options);
-  };
-  // Of photos that may be there already nobody knows beforehand what they need.
-  const std::uint64_t needed = options.skipsExisting ? 0 : bytesOf(wanted).value_or(0);
-  const auto free = freeBytes(destination);
-  if (free && needed > *free) {
-    askQuestion(m_window.get(), littleRoomText(destination, needed, *free), "Export Anyway", begin);
-  } else {
-    begin();
-  }
+  m_exporter->exportPhotos(report);
   return names;
 }
 
@@ -142,83 +159,36 @@ std::shared_ptr<PromisedFileList> SLAppDelegate::imageBrowserFilesOfItems(
   return std::make_shared<TemporaryPhotos>(photosOfItems(items), tellingFailedCopy(items.size()));
 }
 
-bool SLAppDelegate::isExporting() const {
-  return m_exports->isExporting();
+RememberedState::Export SLAppDelegate::exportSettings() const {
+  const auto layout = m_ui->layoutGroup->actions().indexOf(m_ui->layoutGroup->checkedAction());
+  return {.keepsDates = m_ui->actionKeepDates->isChecked(),
+          .skipsExisting = m_ui->actionSkipExisting->isChecked(),
+          .layout = static_cast<ExportLayout>(layout)};
+}
+
+void SLAppDelegate::showExportSettings(const RememberedState::Export& settings) {
+  m_ui->actionKeepDates->setChecked(settings.keepsDates);
+  m_ui->actionSkipExisting->setChecked(settings.skipsExisting);
+  m_ui->layoutGroup->actions()[static_cast<qsizetype>(settings.layout)]->setChecked(true);
 }
 
 ExportOptions SLAppDelegate::exportOptions() const {
-  return {.keepsDates = m_ui->actionKeepDates->isChecked(),
-          .skipsExisting = m_ui->actionSkipExisting->isChecked()};
+  const RememberedState::Export settings = exportSettings();
+  return {.keepsDates = settings.keepsDates, .skipsExisting = settings.skipsExisting};
 }
 
 void SLAppDelegate::updateExportProgress() {
-  if (isExporting()) {
-    m_ui->centreText->setText(exportProgressText(static_cast<int>(m_exports->remaining())));
+  if (m_exporter->isExporting()) {
+    m_ui->centreText->setText(exportProgressText(static_cast<int>(m_exporter->remaining())));
     m_ui->exportSpinner->startAnimation();
-    m_ui->exportProgress->tell(m_exports->progress());
   } else {
     m_ui->exportSpinner->stopAnimation();
-    m_ui->exportProgress->end();
     updateCentreText();
-    if (m_stopQuestion) {
-      m_stopQuestion->close();
-    }
+  }
+  if (m_exporter->isCollecting()) {
+    m_ui->sourceList->viewport()->update();  // the row of the backup that loads now turns its wheel
   }
   updateCommands();
-}
-
-void SLAppDelegate::exportDidEnd(const ExportReport& report) {
-  for (const ExportedPhoto& photo : report.failures) {
-    systemLog("failed (0) to extract the file: " + photo.error->description());
-  }
-  if (report.summary.onFlush) {
-    systemLog("failed to bring the exported photos to the disk: " +
-              report.summary.onFlush->description());
-  }
-  if (report.summary.lost) {
-    askQuestion(
-        m_window.get(), lostDestinationText(report), "Retry",
-        [this, report] { m_exports->begin(report.missing, report.destination, report.options); },
-        "Stop", [this, report] { tellOfExport(report); });
-    return;
-  }
-  if (report.summary.onFlush) {
-    showAlert(m_window.get(), unsafeExportText(report));
-  }
-  tellOfExport(report);
-}
-
-void SLAppDelegate::tellOfExport(const ExportReport& report) {
-  std::vector<NoticeAction> actions;
-  if (!report.written.empty()) {
-    actions.push_back(
-        {"Show", [report] { showFilesInFileManager(report.destination, report.written); }});
-  }
-  if (!report.failures.empty()) {
-    // As texts: the list may stand longer than the backups.
-    actions.push_back(
-        {"Details...",
-         [this, rows = failureRows(report)] {
-           showTable(m_window.get(), "Photos That Were Not Exported", {"Photo", "Reason"}, rows);
-         },
-         false});
-    std::vector<PhotoToExport> failed = report.missing;
-    failed.resize(report.failures.size());
-    actions.push_back({"Retry Failed", [this, report, failed] {
-                         m_exports->begin(failed, report.destination, report.options);
-                       }});
-  }
-  m_ui->exportNotice->tell(exportedText(report), actions);
-}
-
-void SLAppDelegate::askWhetherToStopExporting() {
-  const AlertText text = {"Photos Are Still Being Exported",
-                          "If you stop now, the photos in hand are finished and the others stay in "
-                          "the backup."};
-  m_stopQuestion = askQuestion(m_window.get(), text, "Stop and Quit", [this] {
-    m_exports->stopAndWait();
-    m_window->close();
-  });
 }
 
 // What a process that was killed left in it would else stay until something is exported there
@@ -237,7 +207,7 @@ void SLAppDelegate::tidyFolderOfLastExport() {
 int SLAppDelegate::imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView&,
                                                                const std::vector<int>& indexes) {
   BackupModel* backup = m_arrayController.content();
-  if (!backup || isExporting()) {
+  if (!backup || m_exporter->isExporting()) {
     return 0;
   }
   const PhotosToExport photos = photosAtIndexes(*backup, indexes);

@@ -13,6 +13,7 @@
 
 #include "SLAppDelegateFixture.h"
 #include "app/export/ExportProgressBar.h"
+#include "app/export/NumberedTwins.h"
 #include "faults/Volume.h"
 #include "support/PhotoSource.h"
 #include "widgets/desktop/ActivityIndicator.h"
@@ -23,6 +24,13 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::IsEmpty;
+
+class PathsAsPhotos : public ImageDataSource {
+public:
+  std::optional<Bytes> imageDataForPath(const std::string& path, Bytes) const override {
+    return Bytes::copyOf(bytesOf(path));
+  }
+};
 
 TEST_F(SLAppDelegateTest, exportsIntoAFolderAndCountsDown) {
   launchWith(40);
@@ -107,7 +115,7 @@ TEST_F(ExportNoticeTest, tellsWhatArrivedAndRetriesWhatDidNot) {
 
   fs::rename(m_tree.path("2"), contentOf(folder, 2));
   button(notice(), "Retry Failed")->click();
-  ASSERT_TRUE(waitForNotice("1 photo exported to out, 1 failed"));
+  ASSERT_TRUE(waitForNotice("8 photos exported to out, 1 failed"));
   EXPECT_EQ(m_tree.read("out/IMG_0002.PNG"), m_picture);
 
   m_delegate->window()->activateWindow();
@@ -134,6 +142,58 @@ TEST_F(ExportNoticeTest, beginsTheChoiceWhereTheLastExportWentAndLeavesOutWhatIs
     ASSERT_TRUE(QTest::qWaitFor([&] { return !dialog; }));
     action("actionSkipExisting").trigger();
   }
+}
+
+TEST(NumberedTwins, countWhereTheyAreMoreThanHalf) {
+  const TemporaryTree tree;
+  const PathsAsPhotos backup;
+  const ImageItem photo("/a/IMG.JPG", backup);
+  tree.write("IMG.JPG", "one");
+  const ExportedPhoto twin{
+      .photo = &photo, .written = tree.write("IMG 1.JPG", "one"), .isRenamed = true, .error = {}};
+  const ExportedPhoto other{
+      .photo = &photo, .written = tree.write("IMG 2.JPG", "two"), .isRenamed = true, .error = {}};
+  EXPECT_TRUE(areMostlyTwins({twin, other, twin}, {}));
+  EXPECT_FALSE(areMostlyTwins({twin, other}, {}));
+}
+
+TEST_F(ExportNoticeTest, offersToSkipWhatWasThereAlready) {
+  launchWith(3);
+  dropAllPhotosInto("out");
+  ASSERT_TRUE(waitForNotice("3 photos exported to out"));
+  dropAllPhotosInto("out");
+  ASSERT_TRUE(waitForNotice(
+      "3 photos exported to out. More than half of them were there already, with the same bytes"));
+  EXPECT_FALSE(action("actionSkipExisting").isChecked());
+  QAbstractButton* skip = nullptr;
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] { return (skip = button(notice(), "Skip Them From Now On")) != nullptr; }));
+  skip->click();
+  EXPECT_TRUE(action("actionSkipExisting").isChecked());
+  dropAllPhotosInto("out");
+  ASSERT_TRUE(waitForNotice("0 photos exported to out, 3 there already"));
+}
+
+TEST_F(ExportNoticeTest, exportsEverythingAndNamesWhatCannotBe) {
+  addBackup("a", 2, 400);
+  addBackup("b", 3, 300);
+  addBackup("c", 1, 200, true);
+  addBackup("d", 1, 100);
+  m_tree.write("root/d/Manifest.mbdb", "no manifest");
+  launch();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return browser().itemCount() == 2; }));
+  action("actionLayoutDevice").trigger();
+  action("actionExportEverything").trigger();
+  emit m_delegate->window()->findChild<QFileDialog*>()->fileSelected(
+      QString::fromStdString(m_tree.makeFolder("out")));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return notice().isVisible(); }, patienceInMilliseconds));
+  EXPECT_THAT(noticeText().toStdString(),
+              testing::MatchesRegex("5 photos exported to out. Encrypted, so nothing was exported "
+                                    "from: Anna's Phone, .*. Damaged, so photos may be "
+                                    "missing: Anna's Phone, .*"));
+  EXPECT_EQ(m_tree.list("out/Anna's Phone").size(), 5U);
+  EXPECT_FALSE(m_delegate->window()->findChild<QMessageBox*>());
+  EXPECT_EQ(centreText(), "2 Photos");
 }
 
 TEST_F(ExportNoticeTest, stopsWhenAskedTo) {

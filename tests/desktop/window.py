@@ -4,6 +4,8 @@ usage: window.py SCENARIO SNAPLIFT WRITEBACKUPS [FILE MANAGER]   (on a session b
 """
 
 import contextlib
+import csv
+import datetime
 import hashlib
 import os
 import re
@@ -127,11 +129,11 @@ class Window:
                 press(find(alert, "push button", button))
         again(f"the end of the alert {text}", answer, lambda: not self.alerts(text))
 
-    def export(self, keys, folder):
+    def export(self, keys, folder, **options):
         """What those keys export, into a folder."""
-        self.choose("Export", lambda: xdotool("key", keys), folder)
+        self.choose("Export", lambda: xdotool("key", keys), folder, **options)
 
-    def choose(self, title, ask, folder):
+    def choose(self, title, ask, folder, confirm=lambda: xdotool("key", "Return")):
         """A folder, in the chooser of that title that comes of asking."""
         def dialogs():
             return matching(self.application, "dialog", title)
@@ -145,7 +147,7 @@ class Window:
                 xdotool("type", "--delay", "1", folder)
         again("the folder's name", type_name, lambda: safe(
             lambda: name.queryText().getText(0, -1)) == folder)
-        self.keys("Return", "the chooser to close", lambda: not dialogs())
+        again("the chooser to close", confirm, lambda: not dialogs())
 
     def has_ended(self):
         return self.process.poll() is not None
@@ -253,13 +255,32 @@ def menu(test):
 
 
 def export(test):
-    """A selection, then a thousand photos; what arrives is what the backup holds."""
+    """A selection, a thousand photos, then everything; what arrives is what the backups hold."""
+    said = os.path.join(test.folder, ".said")
+    with open(said, "w") as heard:
+        started(test.stack, ["dbus-monitor", "interface='org.freedesktop.Notifications'"],
+                stdout=heard)
     window = test.window()
     window.text("5 Photos")
     window.select_photos(0, 4)
-    window.export("ctrl+e", test.folder)
-    wait_for("two photos of one name", lambda: sorted(os.listdir(test.folder)) == [
-        "IMG_0001 1.JPG", "IMG_0001.JPG"])
+    some = os.path.join(test.folder, "some")
+    os.mkdir(some)
+    number = window.window()
+    def look_away():
+        button = find(window.application, "push button", "Export")
+        xdotool("windowminimize", number)
+        wait_for("no window in front", lambda: xdotool("getactivewindow") in ("", "0"))
+        press(button)
+    window.export("ctrl+e", some, confirm=look_away)
+    def is_told():
+        with open(said) as heard:
+            return 'string "2 photos exported to some"' in heard.read()
+    wait_for("word from the desktop", is_told)
+    assert sorted(os.listdir(some)) == ["IMG_0001 1.JPG", "IMG_0001.JPG"], "not of one name"
+    taken = datetime.datetime(2012, 5, 11, 12, tzinfo=datetime.timezone.utc).timestamp()
+    assert {name: taken - os.stat(os.path.join(some, name)).st_mtime for name in os.listdir(
+        some)} == {"IMG_0001.JPG": 1, "IMG_0001 1.JPG": 5}, "not the dates of the device"
+    bring_to_front(number)
     window.text("2 of 5 Photos Selected")
 
     window.select("February 11, 2012", "1000 Photos")
@@ -279,6 +300,55 @@ def export(test):
     assert len(set(contents(many))) == 1000, "photos are missing"
     progress = [text for text in said if text.startswith("Exporting: ")]
     assert all(re.fullmatch(r"Exporting: \d+ Photos Remaining", text) for text in progress)
+    export_everything(test, window)
+
+
+def export_everything(test, window):
+    """With options that the next start still knows; the report tells what came."""
+    def choose(setting, *keys):
+        def act():
+            for key in ("Escape", "Escape", "Escape", "alt+f", "p", *keys):
+                xdotool("key", key)
+        def is_kept():
+            with contextlib.suppress(FileNotFoundError), open(os.path.join(
+                    os.environ["XDG_CONFIG_HOME"], "snaplift", "export.ini")) as kept:
+                return setting in kept.read()
+        again(setting, act, is_kept)
+    choose("layout=device", "f", "d")
+    choose("skipExisting=true", "s")
+    window.keys("ctrl+q", "the end", window.has_ended)
+
+    window = test.window()
+    window.text("5 Photos")
+    window.activate()
+    everything = os.path.join(test.folder, "everything")
+    os.mkdir(everything)
+    def ask():
+        xdotool("key", "alt+f")
+        xdotool("key", "v")
+    lost = "Encrypted, so nothing was exported from: Grandma, January 12, 2012"
+    for text in (f"1012 photos exported to everything. {lost}",
+                 f"0 photos exported to everything, 1012 there already. {lost}"):
+        window.choose("Export", ask, everything)
+        window.text(text)
+    assert {name: len(os.listdir(os.path.join(everything, name))) for name in os.listdir(
+        everything)} == {"Anna": 10, "Big": 1000, "Ben": 2}, os.listdir(everything)
+    assert len(set(contents(everything))) == 1012, "photos are missing"
+    press(find(window.application, "push button", "Details..."))
+    window.keys("Escape", "no details", lambda: not matching(
+        window.application, "tree", "Photos That Were Not Exported"))
+    report = os.path.join(test.folder, "report.csv")
+    window.choose("Save Report", lambda: press(
+        find(window.application, "push button", "Save Report...")), report)
+    wait_for("the report", lambda: os.path.exists(report))
+    with open(report, newline="") as lines:
+        photos = list(csv.DictReader(lines))
+    found = digests(everything)
+    assert len(photos) == 1012 and all(
+        found[photo["written"]][0] == photo["sha256"] and photo["outcome"] == "skipped"
+        for photo in photos), photos[0]
+    window.keys("Escape", "no notice", lambda: not names(window.application, "push button").count(
+        "Save Report..."))
 
 
 def copy(test):

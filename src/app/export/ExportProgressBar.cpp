@@ -42,6 +42,22 @@ void ExportProgressBar::begin() {
   m_stop->setText("&Stop");
 }
 
+void ExportProgressBar::show(double part, const QString& text) {
+  m_bar->setValue(static_cast<int>(barSteps * part));
+  m_text->setText(text);
+  m_bar->setAccessibleDescription(text);
+  QWidget::show();
+}
+
+void ExportProgressBar::tellOfLoading(std::size_t loaded, std::size_t backups) {
+  if (isHidden()) {
+    begin();
+  }
+  const double part =
+      static_cast<double>(loaded) / static_cast<double>(std::max<std::size_t>(1, backups));
+  show(part, QStringLiteral("Loading backups, %1 of %2").arg(loaded).arg(backups));
+}
+
 void ExportProgressBar::tell(const ExportProgress& progress, TransferRate::Time now) {
   if (isHidden()) {
     begin();
@@ -54,7 +70,6 @@ void ExportProgressBar::tell(const ExportProgress& progress, TransferRate::Time 
   const std::uint64_t done = m_countsBytes ? progress.bytesEnded : progress.photosEnded;
   const double part =
       static_cast<double>(done) / static_cast<double>(std::max<std::uint64_t>(1, total));
-  m_bar->setValue(static_cast<int>(barSteps * part));
   m_rate.update(now, done);
   QString text = QStringLiteral("%1 of %2").arg(progress.photosEnded).arg(progress.photos);
   if (const auto rate = m_rate.perSecond(); rate && *rate > 0) {
@@ -64,9 +79,7 @@ void ExportProgressBar::tell(const ExportProgress& progress, TransferRate::Time 
     }
     text += ", " + timeLeftText(static_cast<double>(total - done) / *rate);
   }
-  m_text->setText(text);
-  m_bar->setAccessibleDescription(text);
-  show();
+  show(part, text);
 }
 
 }  // namespace snaplift

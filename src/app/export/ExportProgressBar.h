@@ -22,6 +22,8 @@ public:
   // By bytes where the photos' sizes are known, else by photos.
   void tell(const ExportProgress& progress,
             TransferRate::Time now = std::chrono::steady_clock::now());
+  // Before: the backups are loaded whose photos are to be exported.
+  void tellOfLoading(std::size_t loaded, std::size_t backups);
   void end() { hide(); }
 
 signals:
@@ -29,6 +31,7 @@ signals:
 
 private:
   void begin();
+  void show(double part, const QString& text);
 
   QProgressBar* m_bar;
   QLabel* m_text;

@@ -12,6 +12,7 @@ namespace {
 
 // The photos whose failure is told in words; of 10,000, nobody reads more.
 constexpr std::size_t toldPhotos = 5;
+constexpr std::size_t toldBackups = 3;
 
 QString plain(const std::string& text) {
   return QString::fromStdString(escapedForLog(text));
@@ -30,6 +31,21 @@ QString reasonOf(const ExportedPhoto& failure) {
   return failure.error ? plain(failure.error->reason()) : QString();
 }
 
+// "what: this; that; and 2 more", as a sentence of its own; of no backups, nothing.
+QString backupsText(const char* what, const std::vector<std::string>& backups) {
+  if (backups.empty()) {
+    return {};
+  }
+  QStringList names;
+  for (std::size_t i = 0; i < std::min(toldBackups, backups.size()); ++i) {
+    names << plain(backups[i]);
+  }
+  if (backups.size() > toldBackups) {
+    names << QStringLiteral("and %1 more").arg(backups.size() - toldBackups);
+  }
+  return QStringLiteral(". %1: %2").arg(QLatin1String(what), names.join("; "));
+}
+
 }  // namespace
 
 QString exportedText(const ExportReport& report) {
@@ -45,13 +61,20 @@ QString exportedText(const ExportReport& report) {
   add(summary.shortened, "of another length than the backup states");
   add(summary.failed, "failed");
   add(summary.notBegun, "not begun");
-  return text;
+  return text + backupsText("Encrypted, so nothing was exported from", report.encrypted) +
+         backupsText("Damaged, so photos may be missing", report.damaged);
 }
 
 std::vector<QStringList> failureRows(const ExportReport& report) {
   std::vector<QStringList> rows;
   for (const ExportedPhoto& failure : report.failures) {
     rows.push_back({plain(failure.photo->fileName()), reasonOf(failure)});
+  }
+  for (const std::string& backup : report.encrypted) {
+    rows.push_back({plain(backup), "The backup is encrypted: nothing was exported from it"});
+  }
+  for (const std::string& backup : report.damaged) {
+    rows.push_back({plain(backup), "The backup is damaged: photos may be missing"});
   }
   return rows;
 }
@@ -79,6 +102,16 @@ AlertText unsafeExportText(const ExportReport& report) {
           QStringLiteral("All photos were exported, but their disk does not confirm that it has "
                          "them (%1). Look at them before you give the backup away.")
               .arg(plain(report.summary.onFlush->reason()))};
+}
+
+AlertText unsavedReportText(const std::string& reason) {
+  return {"The Report Could Not Be Saved", plain(reason)};
+}
+
+QString savedReportText(const std::string& file, bool isProven) {
+  return QStringLiteral(". Report saved to %1%2")
+      .arg(plain(file),
+           isProven ? QString() : QStringLiteral(", but files that it names could not be read"));
 }
 
 AlertText failedCopyText(const std::vector<ExportedPhoto>& failures, std::size_t photos) {

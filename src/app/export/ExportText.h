@@ -14,7 +14,7 @@ namespace snaplift {
 // "412 photos exported to Pictures", and what did not arrive.
 QString exportedText(const ExportReport& report);
 
-// Each photo that failed, and why.
+// Each photo that failed and each backup that was left out or is damaged, and why.
 std::vector<QStringList> failureRows(const ExportReport& report);
 
 // The photos need more bytes than are free in the destination.
@@ -25,6 +25,10 @@ AlertText lostDestinationText(const ExportReport& report);
 
 // All photos are there, and their disk does not say that it has them.
 AlertText unsafeExportText(const ExportReport& report);
+
+// The report of an export, which could not be saved; and one that was, with all its files read.
+AlertText unsavedReportText(const std::string& reason);
+QString savedReportText(const std::string& file, bool isProven);
 
 // Photos that were copied to the clipboard and did not reach who asked for them.
 AlertText failedCopyText(const std::vector<ExportedPhoto>& failures, std::size_t photos);

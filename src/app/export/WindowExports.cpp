@@ -22,11 +22,12 @@ void stopAtExit() {
 
 class WindowExports::Export : public ExportObserver {
 public:
-  Export(WindowExports& owner, const std::vector<PhotoToExport>& photos,
-         const std::string& destination, const ExportOptions& options)
-      : m_owner(owner), m_photos(photos), m_job(photos, destination, options, *this) {
-    m_report.destination = destination;
-    m_report.options = options;
+  Export(WindowExports& owner, ExportReport report, std::size_t photos)
+      : m_owner(owner),
+        m_report(std::move(report)),
+        m_photos(takeMissing(photos)),
+        m_job(m_photos, m_report.destination, m_report.options, *this) {
+    m_report.failures.clear();
     m_measuring = std::jthread([this](const std::stop_token& stop) { measure(stop); });
     m_job.start();
   }
@@ -34,19 +35,19 @@ public:
   void photoDidEnd(const ExportedPhoto& photo) override {
     if (photo.error) {
       m_report.failures.push_back(photo);
-      m_report.missing.push_back(m_photos[m_ended]);
-    } else if (!photo.isSkipped) {
-      m_report.written.push_back(photo.written);
+      m_failed.push_back(m_photos[m_ended]);
+    } else {
+      m_report.arrived.push_back(photo);
     }
     ++m_ended;
     m_owner.tellProgress();
   }
 
   void exportDidEnd(const ExportSummary& summary) override {
-    m_report.summary = summary;
-    m_report.missing.insert(m_report.missing.end(),
-                            m_photos.begin() + static_cast<std::ptrdiff_t>(m_ended.load()),
-                            m_photos.end());
+    m_failed.insert(m_failed.end(), m_photos.begin() + static_cast<std::ptrdiff_t>(m_ended.load()),
+                    m_photos.end());
+    m_report.missing.insert(m_report.missing.begin(), m_failed.begin(), m_failed.end());
+    addToReport(summary);
     QMetaObject::invokeMethod(
         &m_owner, [this, owner = &m_owner] { owner->exportHasEnded(this); }, Qt::QueuedConnection);
   }
@@ -64,6 +65,27 @@ public:
   }
 
 private:
+  std::vector<PhotoToExport> takeMissing(std::size_t photos) {
+    auto& missing = m_report.missing;
+    const auto end =
+        missing.begin() + static_cast<std::ptrdiff_t>(std::min(photos, missing.size()));
+    std::vector<PhotoToExport> taken(missing.begin(), end);
+    missing.erase(missing.begin(), end);
+    return taken;
+  }
+
+  void addToReport(const ExportSummary& summary) {
+    ExportSummary sum = summary;
+    sum.exported += m_report.summary.exported;
+    sum.renamed += m_report.summary.renamed;
+    sum.shortened += m_report.summary.shortened;
+    sum.skipped += m_report.summary.skipped;
+    sum.bytes += m_report.summary.bytes;
+    sum.photos = m_report.arrived.size() + m_report.missing.size();
+    sum.notBegun = m_report.missing.size() - summary.failed;
+    m_report.summary = sum;
+  }
+
   // Asks the backup for the photos' sizes, beside the export. The size of one that is not known
   // makes the sum worthless.
   void measure(const std::stop_token& stop) {
@@ -82,9 +104,10 @@ private:
   }
 
   WindowExports& m_owner;
+  ExportReport m_report;  // touched by the job's calls only, until the end
   const std::vector<PhotoToExport> m_photos;
+  std::vector<PhotoToExport> m_failed;
   std::atomic<std::size_t> m_ended = 0;
-  ExportReport m_report;                     // touched by the job's calls only, until the end
   std::vector<std::uint64_t> m_bytesBefore;  // each photo, and all; read when it is measured
   std::atomic<bool> m_isMeasured = false;
   ExportJob m_job;
@@ -100,14 +123,11 @@ WindowExports::~WindowExports() {
   stopAndWait();
 }
 
-void WindowExports::begin(const std::vector<PhotoToExport>& photos, const std::string& destination,
-                          const ExportOptions& options) {
+void WindowExports::begin(ExportReport report, std::size_t photos) {
   // As late as this: what the toolkit has made before then is still there when the exports stop.
   [[maybe_unused]] static const int isRegistered = std::atexit(stopAtExit);
-  if (!photos.empty()) {
-    m_exports.push_back(std::make_unique<Export>(*this, photos, destination, options));
-    emit progressed();
-  }
+  m_exports.push_back(std::make_unique<Export>(*this, std::move(report), photos));
+  emit progressed();
 }
 
 std::size_t WindowExports::remaining() const {

@@ -13,15 +13,19 @@
 
 namespace snaplift {
 
-// What came of one export, for whoever sits before the window.
+// What is to be exported and, when that is over, what came of it. Whoever tries again hands in the
+// same report: it tells of all attempts then.
 struct ExportReport {
   std::string destination;
   ExportOptions options;
-  ExportSummary summary;
-  std::vector<std::string> written;     // paths, in the order of the photos
-  std::vector<ExportedPhoto> failures;  // in their order
-  // The failures again, and then those that were not begun: what is left to export.
+  // What the backups are called of which nothing is exported, and those that may lack photos.
+  std::vector<std::string> encrypted, damaged;
+
+  // What is left to export: in the end those that failed, and then those that were not begun.
   std::vector<PhotoToExport> missing;
+  ExportSummary summary;
+  std::vector<ExportedPhoto> arrived;   // in the order of the photos, as the failures
+  std::vector<ExportedPhoto> failures;  // of the last attempt
 };
 
 // How far all exports are that have run since the window last exported nothing.
@@ -39,11 +43,13 @@ class WindowExports : public QObject {
   Q_OBJECT
 
 public:
+  static constexpr std::size_t allPhotos = SIZE_MAX;
+
   explicit WindowExports(QObject* parent = nullptr);
   ~WindowExports() override;  // stops after the photos in hand
 
-  void begin(const std::vector<PhotoToExport>& photos, const std::string& destination,
-             const ExportOptions& options);
+  // Tries the first `photos` that are missing, or all.
+  void begin(ExportReport report, std::size_t photos = allPhotos);
 
   // How many photos are still to end, of all exports. An export whose photos are all there counts
   // as one until they are on the disk.
