@@ -69,6 +69,7 @@ void SLAppDelegate::didStartLoading(BackupModel* backup) {
     if (backup == selectedBackup()) {
       m_ui->text->setText("Loading...");
     }
+    m_ui->sourceList->reloadItem(backup);  // its wheel turns, whoever has it load
   };
   QMetaObject::invokeMethod(this, say, Qt::QueuedConnection);
 }

@@ -185,9 +185,6 @@ void SLAppDelegate::updateExportProgress() {
     m_ui->exportSpinner->stopAnimation();
     updateCentreText();
   }
-  if (m_exporter->isCollecting()) {
-    m_ui->sourceList->viewport()->update();  // the row of the backup that loads now turns its wheel
-  }
   updateCommands();
 }
 

@@ -63,12 +63,18 @@ void ExportNotice::showDetails() {
   if (!m_report->failures.empty()) {
     choices.push_back({"Retry Failed", [this] {
                          hide();
-                         emit retryWanted(*m_report, m_report->failures.size());
+                         retry();
                        }});
   }
   choices.push_back({"Save Report...", [this] { chooseReportFile(); }});
   showTable(window(), "Photos That Were Not Exported", {"Photo", "Reason"}, failureRows(*m_report),
             choices);
+}
+
+// Where the destination was lost, the others were not begun because of the one that failed.
+void ExportNotice::retry() {
+  const bool wasLost = m_report->summary.lost.has_value();
+  emit retryWanted(*m_report, wasLost ? WindowExports::allPhotos : m_report->failures.size());
 }
 
 void ExportNotice::lookForTwins() {

@@ -41,6 +41,7 @@ private:
   void tellAgain();
   std::vector<NoticeAction> actions();
   void showDetails();
+  void retry();
   void lookForTwins();
   void chooseReportFile();
   void saveReport(const std::string& file);
