@@ -118,6 +118,19 @@ TEST_F(ExportNoticeTest, tellsWhatArrivedAndRetriesWhatDidNot) {
   ASSERT_TRUE(waitForNotice("8 photos exported to out, 1 failed"));
   EXPECT_EQ(m_tree.read("out/IMG_0002.PNG"), m_picture);
 
+  QAbstractButton* save = nullptr;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return (save = button(notice(), "Save Report...")); }));
+  save->click();
+  auto* chooser = m_delegate->window()->findChild<QFileDialog*>();
+  ASSERT_TRUE(chooser);
+  emit chooser->fileSelected(QString::fromStdString(joinPath(folder, "report.csv")));
+  chooser->close();
+  QMessageBox* box = alert();
+  ASSERT_TRUE(box);
+  EXPECT_EQ(box->text(), "The Report Could Not Be Saved");
+  EXPECT_FALSE(fs::exists(joinPath(folder, "report.csv")));
+  answer(box, "Ok");
+
   m_delegate->window()->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(m_delegate->window()));
   QTest::keyClick(&browser(), Qt::Key_Escape);
