@@ -5,8 +5,12 @@ set(resources "${PROJECT_SOURCE_DIR}/resources")
 
 install(TARGETS snaplift-cli)
 install(FILES "${PROJECT_SOURCE_DIR}/man/snaplift-cli.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
-install(FILES "${resources}/completions/snaplift-cli"
+set(completion "${resources}/completions/snaplift-cli")
+install(FILES "${completion}.bash" RENAME snaplift-cli
   DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+install(FILES "${completion}.zsh" RENAME _snaplift-cli
+  DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+install(FILES "${completion}.fish" DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
   RENAME copyright)
 

@@ -1,12 +1,14 @@
 #include <exception>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "backups/BackupAround.h"
 #include "cli/Commands.h"
+#include "cli/Completion.h"
 #include "cli/Output.h"
 
 namespace snaplift::cli {
@@ -179,6 +181,9 @@ ExitStatus run(int argc, char** argv) {
                        "Which (default: your root)");
   CLI::App* exporting = addExportCommand(app, arguments);
   CLI::App* verify = addVerifyCommand(app, arguments);
+  if (argc > 1 && std::string_view(argv[1]) == completionCommand) {
+    return complete(app, {argv + 2, argv + argc});
+  }
   try {
     app.parse(argc, argv);
     if (exporting->parsed() && arguments.names.names.empty() &&

@@ -3,35 +3,52 @@
 # usage: check.sh BUILD-FOLDER
 set -euo pipefail
 id=app.snaplift.Snaplift
+tree=$(realpath "$(dirname "$0")/../..")
 prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 cmake --install "$1" --prefix "$prefix" >/dev/null
+share=$prefix/share
+metainfo=$share/metainfo/$id.metainfo.xml
 
 failed=0
 check() { "$@" || { echo "failed: $*"; failed=1; }; }
 
 for program in snaplift snaplift-cli; do
   check test -x "$prefix/bin/$program"
-  check man --warnings -l -Tutf8 "$prefix/share/man/man1/$program.1" >/dev/null
+  check man --warnings -l -Tutf8 "$share/man/man1/$program.1" >/dev/null
 done
-check desktop-file-validate "$prefix/share/applications/$id.desktop"
-check appstreamcli validate --no-net "$prefix/share/metainfo/$id.metainfo.xml" >/dev/null
+
+check desktop-file-validate "$share/applications/$id.desktop"
+check appstreamcli validate --no-net "$metainfo" >/dev/null
 for size in 16 22 24 32 48 64 128 256 512; do
-  icon=$prefix/share/icons/hicolor/${size}x$size/apps/$id.png
+  icon=$share/icons/hicolor/${size}x$size/apps/$id.png
   # Width and height stand in the header of a PNG, in four bytes each.
   check test "$(od -An -tu4 --endian=big -j16 -N8 "$icon" | xargs)" = "$size $size"
 done
-check grep -q '<svg' "$prefix/share/icons/hicolor/scalable/apps/$id.svg"
+check grep -q '<svg' "$share/icons/hicolor/scalable/apps/$id.svg"
 
-# The completion, asked as bash asks it.
+# The completion, asked as bash asks it, over one backup: a folder "one" of a device "Handset".
+export HOME=$prefix/home PATH=$prefix/bin:$PATH
+python3 "$tree/debian/tests/backup.py" "$HOME"
+completion=$share/bash-completion/completions/snaplift-cli
 words() {
   bash -c 'source "$1"; COMP_WORDS=(snaplift-cli "${@:2}"); COMP_CWORD=$(($# - 1)); _snaplift_cli
-    echo "${COMPREPLY[@]}"' _ "$prefix/share/bash-completion/completions/snaplift-cli" "$@"
+    echo "${COMPREPLY[@]}"' _ "$completion" "$@"
 }
 check test "$(words ex)" = export
-check test "$(words export --dr)" = --dry-run
-for option in $("$prefix/bin/snaplift-cli" export --help | grep -oE -- '--[a-z-]+' | sort -u); do
+check test "$(words photos '')" = "latest one"
+check test "$(words export --device '')" = Handset
+check test "$(words export --output "$prefix/sh")" = "$share"
+check test "$(cd "$prefix" && words photos --root nowhere sh)" = share
+for option in $(snaplift-cli export --help | grep -oE -- '--[a-z-]+' | sort -u); do
   check test "$(words export "$option")" = "$option"
-  check grep -q -- "${option//-/\\\\-}" "$prefix/share/man/man1/snaplift-cli.1"
+  check grep -q -- "${option//-/\\\\-}" "$share/man/man1/snaplift-cli.1"
+done
+# And typed: Tab completes a backup's name.
+check grep -q 'photos one' <(printf 'source %q\nsnaplift-cli photos o\t\nexit\n' "$completion" |
+  script -qec 'bash --norc --noprofile -i' /dev/null)
+for shell in zsh:site-functions/_snaplift-cli fish:vendor_completions.d/snaplift-cli.fish; do
+  check test -f "$share/${shell/://}"
+  ! command -v "${shell%:*}" >/dev/null || check "${shell%:*}" -n "$share/${shell/://}"
 done
 exit "$failed"
