@@ -3,8 +3,15 @@
 set(application_id app.snaplift.Snaplift)
 set(resources "${PROJECT_SOURCE_DIR}/resources")
 
+# install_man_page(NAME): with the version and its day in the foot line.
+function(install_man_page name)
+  set(page "${PROJECT_BINARY_DIR}/man/${name}.1")
+  configure_file("${PROJECT_SOURCE_DIR}/man/${name}.1.in" "${page}" @ONLY)
+  install(FILES "${page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+endfunction()
+
 install(TARGETS snaplift-cli)
-install(FILES "${PROJECT_SOURCE_DIR}/man/snaplift-cli.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+install_man_page(snaplift-cli)
 set(completion "${resources}/completions/snaplift-cli")
 install(FILES "${completion}.bash" RENAME snaplift-cli
   DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
@@ -17,7 +24,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDI
 if(SNAPLIFT_GUI)
   install(TARGETS snaplift)
   install(TARGETS snaplift-picture-decoder DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/snaplift")
-  install(FILES "${PROJECT_SOURCE_DIR}/man/snaplift.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+  install_man_page(snaplift)
   install(FILES "${resources}/${application_id}.desktop"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
   install(FILES "${resources}/${application_id}.metainfo.xml"

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs a build into a folder of the test's own and looks whether a desktop finds all it needs.
+# Installs a build into a folder of the test's own and looks whether a desktop finds all it needs,
+# and whether everything that tells the version tells the same.
 # usage: check.sh BUILD-FOLDER
 set -euo pipefail
 id=app.snaplift.Snaplift
@@ -13,13 +14,22 @@ metainfo=$share/metainfo/$id.metainfo.xml
 failed=0
 check() { "$@" || { echo "failed: $*"; failed=1; }; }
 
+version=$(sed -n 's/^project(snaplift VERSION \([0-9.]*\).*/\1/p' "$tree/CMakeLists.txt")
+day=$(sed -n 's/^set(SNAPLIFT_RELEASED \([0-9-]*\)).*/\1/p' "$tree/CMakeLists.txt")
 for program in snaplift snaplift-cli; do
-  check test -x "$prefix/bin/$program"
+  check test "$("$prefix/bin/$program" --version)" = "$program $version"
   check man --warnings -l -Tutf8 "$share/man/man1/$program.1" >/dev/null
+  check grep -q "^\.TH .* \"$day\" \"Snaplift $version\" " "$share/man/man1/$program.1"
 done
+check test "$(grep -m1 '^## ' "$tree/CHANGELOG.md")" = "## $version ($day)"
+check test "$(head -1 "$tree/debian/changelog" | cut -d' ' -f-2)" = "snaplift ($version)"
+check grep -q "version=\"$version\" date=\"$day\"" <(grep -m1 '<release ' "$metainfo")
 
 check desktop-file-validate "$share/applications/$id.desktop"
 check appstreamcli validate --no-net "$metainfo" >/dev/null
+for picture in $(grep -o '<image>[^<]*' "$metainfo" | sed 's|.*//[^/]*/||'); do
+  check test -f "$tree/$picture"
+done
 for size in 16 22 24 32 48 64 128 256 512; do
   icon=$share/icons/hicolor/${size}x$size/apps/$id.png
   # Width and height stand in the header of a PNG, in four bytes each.
