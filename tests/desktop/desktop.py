@@ -1,12 +1,14 @@
 """A display of our own with a window manager, and waiting for what programs do on it.
 
 Everything waits for a condition: a window, a text, a file. A condition that does not come ends the
-test with its name. A key or a click can get lost on its way, to a window that is not in front yet
-or to one that is just opening: it is sent until something has come of it.
+test with its name, and leaves a picture of the screen in the folder that the test runs in. A key or
+a click can get lost on its way, to a window that is not in front yet or to one that is just opening:
+it is sent until something has come of it.
 """
 
 import contextlib
 import os
+import shutil
 import signal
 import subprocess
 import sys
@@ -16,6 +18,11 @@ import time
 PATIENCE = float(os.environ.get("SNAPLIFT_PATIENCE", 120))  # seconds for any one condition
 
 
+def screen_file():
+    """What the display shows, as its server keeps it: a picture in X's own format."""
+    return os.environ.get("XDG_RUNTIME_DIR", "") + "/Xvfb_screen0"
+
+
 def wait_for(what, condition):
     end = time.monotonic() + PATIENCE
     while time.monotonic() < end:
@@ -23,6 +30,8 @@ def wait_for(what, condition):
         if value:
             return value
         time.sleep(0.02)  # between two looks
+    with contextlib.suppress(FileNotFoundError):
+        shutil.copy(screen_file(), "-".join(["screen", *sys.argv[1:2]]) + ".xwd")
     sys.exit(f"{os.path.basename(sys.argv[0])}: waited in vain for {what}")
 
 
@@ -100,7 +109,8 @@ def start_display(stack):
     """An X server and a window manager of our own."""
     read, write = os.pipe()
     started(stack, ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24",
-                    "-nolisten", "tcp", "-noreset"], pass_fds=[write])
+                    "-nolisten", "tcp", "-noreset", "-fbdir", os.path.dirname(screen_file())],
+            pass_fds=[write])
     os.close(write)
     with os.fdopen(read) as pipe:
         os.environ["DISPLAY"] = ":" + pipe.readline().strip()
