@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t maximumFoldersInLine = 1 << 15;
 constexpr unsigned maximumDepth = 256;  // below the named folder; each may keep a descriptor
 constexpr int maximumErrorsInARow = 16;
+constexpr std::size_t foldersBetweenLooks = 256;
 
 bool isManifest(std::string_view name) {
   constexpr std::array<std::string_view, 4> manifests = {"manifest.plist", "manifest.mbdb",
@@ -41,6 +42,17 @@ struct Search {
   const std::stop_token stop;
   BackupSearchResult result = {};
   std::set<FolderIdentity> found = {};
+
+  // Whether it is a permission that is missing.
+  bool tellUnreadable(const std::string& folder, const std::error_code& error) {
+    const bool isForbidden =
+        error == std::errc::permission_denied || error == std::errc::operation_not_permitted;
+    ++(isForbidden ? result.forbidden : result.unreadable);
+    if (events.unreadable) {
+      events.unreadable(folder, error);
+    }
+    return isForbidden;
+  }
 };
 
 // The search below one named folder.
@@ -59,6 +71,9 @@ public:
       m_skipped.insert(place);
     }
     searchFrom("");
+    if (!isOver()) {
+      lookWhetherItIsStillThere();
+    }
   }
 
 private:
@@ -87,7 +102,9 @@ private:
     if (m_search.events.looking) {
       m_search.events.looking(path);
     }
-    ++m_search.result.folders;
+    if (++m_search.result.folders % foldersBetweenLooks == 0) {
+      lookWhetherItIsStillThere();
+    }
     const std::size_t inLine = m_line.size();
     Signs signs;
     const std::error_code error =
@@ -127,6 +144,7 @@ private:
     }
     const auto identity = folderIdentity(path);
     if (!identity) {
+      lookWhetherItIsStillThere();
       return false;
     }
     if (m_search.found.contains(*identity)) {
@@ -142,6 +160,9 @@ private:
     return true;
   }
 
+  // A tree that is open stays readable when its disk is unmounted, but nothing else on it does.
+  void lookWhetherItIsStillThere() { m_search.result.diskIsGone |= !m_tree.isStillAt(m_top); }
+
   void take(const std::error_code& error, const std::string& path) {
     if (!error) {
       m_errorsInARow = 0;
@@ -153,14 +174,8 @@ private:
     if (error == std::errc::filename_too_long) {
       m_search.result.tooDeep = true;
     } else if (!hasGoneOrIsNone) {
-      ++m_search.result.unreadable;
-      if (m_search.events.unreadable) {
-        m_search.events.unreadable(path, error);
-      }
-      const bool isForbidden =
-          error == std::errc::permission_denied || error == std::errc::operation_not_permitted;
-      m_errorsInARow = isForbidden ? 0 : m_errorsInARow + 1;
-      m_search.result.diskIsGone = m_errorsInARow >= maximumErrorsInARow;
+      m_errorsInARow = m_search.tellUnreadable(path, error) ? 0 : m_errorsInARow + 1;
+      m_search.result.diskIsGone |= m_errorsInARow >= maximumErrorsInARow;
     }
   }
 
@@ -196,10 +211,7 @@ BackupSearchResult searchForBackups(const std::vector<std::string>& folders,
     std::error_code error;
     NamedFolder named{std::filesystem::canonical(folder, error).string(), FolderTree(folder)};
     if (error || named.tree.error()) {
-      ++search.result.unreadable;
-      if (events.unreadable) {
-        events.unreadable(folder, error ? error : named.tree.error());
-      }
+      search.tellUnreadable(folder, error ? error : named.tree.error());
       continue;
     }
     const bool wasSearched = std::ranges::any_of(searched, [&](const NamedFolder& earlier) {

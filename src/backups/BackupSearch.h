@@ -25,9 +25,10 @@ struct BackupSearchEvents {
 struct BackupSearchResult {
   std::size_t folders = 0;     // that were looked into
   std::size_t backups = 0;     // that were found
-  std::size_t unreadable = 0;  // folders
+  std::size_t forbidden = 0;   // folders of which a permission is missing
+  std::size_t unreadable = 0;  // folders that a disk that fails, or has gone, keeps to itself
   bool tooDeep = false;        // some folders lie deeper than anybody keeps a backup
-  bool diskIsGone = false;     // nothing could be read any more: the search ended early
+  bool diskIsGone = false;     // nothing can be read any more: the search may have ended early
 };
 
 // Finds the backups in folders of any kind: a backup, a root, a user folder, a whole disk. Looks

@@ -8,6 +8,7 @@
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/Output.h"
+#include "cli/Selection.h"
 
 namespace snaplift::cli {
 
@@ -40,11 +41,7 @@ ExitStatus findBackups(const std::vector<std::string>& folders) {
                               printNote("cannot read " + folder + ": " + error.message());
                             }},
                        stop.get_token());
-  if (result.tooDeep) {
-    printNote("some folders lie too deep and were not searched");
-  }
-  if (result.diskIsGone) {
-    printMessage("the disk can no longer be read; the search ended early");
+  if (!tellOfSearch(result)) {
     return Failed;
   }
   printNote(countText(result.backups, "backup") + " in " + countText(result.folders, "folder"));

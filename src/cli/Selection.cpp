@@ -158,11 +158,12 @@ bool Selection::takeFolder(const std::string& folder) {
     return false;
   }
   std::vector<std::unique_ptr<BackupModel>> found;
-  searchForBackups({folder}, {.found = [&](auto backup) { found.push_back(std::move(backup)); },
-                              .unreadable =
-                                  [](const std::string& path, const std::error_code& error) {
-                                    printMessage("cannot read " + path + ": " + error.message());
-                                  }});
+  tellOfSearch(searchForBackups({folder},
+                                {.found = [&](auto backup) { found.push_back(std::move(backup)); },
+                                 .unreadable =
+                                     [](const std::string& path, const std::error_code& error) {
+                                       printMessage("cannot read " + path + ": " + error.message());
+                                     }}));
   if (found.empty()) {
     const bool isDamaged = looksLikeBackup(folder);
     printMessage((isDamaged ? "not a backup that can be read: " : "no backups in ") + folder);
@@ -184,6 +185,17 @@ std::optional<Selection> selectOneBackup(const BackupNames& names) {
     printMessage("several backups in " + selection->path() + "; name one of them");
   }
   return selection && selection->backups().size() == 1 ? std::move(selection) : std::nullopt;
+}
+
+bool tellOfSearch(const BackupSearchResult& result) {
+  if (result.tooDeep) {
+    printNote("some folders lie too deep and were not searched");
+  }
+  const bool isWhole = !result.diskIsGone && result.unreadable == 0;
+  if (!isWhole) {
+    printMessage("the disk has gone or fails; backups may be missing");
+  }
+  return isWhole;
 }
 
 std::string_view pathOnDevice(const BackupModel& backup, std::string_view uniquePath) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "backups/BackupController.h"
+#include "backups/BackupSearch.h"
 
 namespace snaplift::cli {
 
@@ -46,6 +47,10 @@ private:
 
 // The selection that is one backup; nothing, and a message, where it is none or several.
 std::optional<Selection> selectOneBackup(const BackupNames& names);
+
+// Tells of what a search has left out. The answer is whether that is nothing that a disk kept to
+// itself.
+bool tellOfSearch(const BackupSearchResult& result);
 
 // A photo's path on the device: its unique path without the backup folder.
 std::string_view pathOnDevice(const BackupModel& backup, std::string_view uniquePath);

@@ -166,9 +166,27 @@ TEST_F(BackupSearchTest, tellsWhatCannotBeReadAndStopsWhenAsked) {
   writeBackup("disk/a/b");
   EXPECT_THAT(search({"gone", "disk"}), ElementsAre("disk/a/b"));
   EXPECT_THAT(m_unreadable, ElementsAre(m_tree.path("gone")));
+  EXPECT_EQ(m_result.unreadable, 1u);
   std::stop_source stop;
   stop.request_stop();
   EXPECT_THAT(search({"disk"}, stop.get_token()), IsEmpty());
+}
+
+// The tree stays open, and what is in it readable for who has it open.
+TEST_F(BackupSearchTest, noticesThatADiskIsUnmounted) {
+  const std::string disk = m_tree.makeFolder("disk");
+  if (::mount("none", disk.c_str(), "tmpfs", 0, nullptr) != 0) {
+    GTEST_SKIP() << "only root may mount disks";
+  }
+  for (const char* backup : {"disk/a/b", "elsewhere"}) {
+    writeBackup(backup);
+    const auto result = searchForBackups(
+        {disk}, {.found = [](const auto&) {},
+                 .looking = [&](const auto&) { ::umount2(disk.c_str(), MNT_DETACH); }});
+    EXPECT_TRUE(result.diskIsGone) << backup;
+    ::mount("none", disk.c_str(), "tmpfs", 0, nullptr);
+  }
+  ::umount(disk.c_str());
 }
 
 }  // namespace

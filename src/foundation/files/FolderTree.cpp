@@ -53,7 +53,7 @@ bool isFolder(int folder, const dirent& entry) {
 FolderTree::FolderTree(const std::string& top) : m_top(::open(top.c_str(), openFolder)) {
   struct stat status;
   if (m_top && ::fstat(m_top.get(), &status) == 0) {
-    m_device = status.st_dev;
+    m_identity = {status.st_dev, status.st_ino};
   } else {
     m_error = lastError();
   }
@@ -73,7 +73,7 @@ FileDescriptor FolderTree::open(const std::string& path) const {
     return FileDescriptor(static_cast<int>(folder));
   }
 #endif
-  return FileDescriptor(openStepByStep(m_top.get(), m_device, path));
+  return FileDescriptor(openStepByStep(m_top.get(), m_identity.device, path));
 }
 
 std::error_code FolderTree::visitEntries(const std::string& path, const Visitor& visit) const {

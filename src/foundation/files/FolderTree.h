@@ -31,11 +31,14 @@ public:
   // Whether there is a folder of that path that visitEntries() could open.
   bool holdsFolder(const std::string& path) const { return bool(open(path)); }
 
+  // Whether `path` leads to the top: not any more where its disk was unmounted.
+  bool isStillAt(const std::string& path) const { return folderIdentity(path) == m_identity; }
+
 private:
   FileDescriptor open(const std::string& path) const;
 
   FileDescriptor m_top;
-  dev_t m_device = 0;
+  FolderIdentity m_identity = {};
   std::error_code m_error;
 };
 
