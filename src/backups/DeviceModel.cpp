@@ -10,17 +10,37 @@ namespace snaplift {
 
 namespace {
 
-// Gives what `words` adds to each title that several backups share.
-template <class Words>
-void tellApart(std::map<const BackupModel*, std::string>& titles, Words words) {
-  std::map<std::string, int> count;
+using Titles = std::map<const BackupModel*, std::string>;
+
+// Each title that several backups share becomes what `retitled` makes of a backup and all of them.
+template <class Retitled>
+void tellApart(Titles& titles, Retitled retitled) {
+  std::map<std::string, std::vector<const BackupModel*>> sharing;
   for (const auto& [backup, title] : titles) {
-    ++count[title];
+    sharing[title].push_back(backup);
   }
-  for (auto& [backup, title] : titles) {
-    if (count[title] > 1) {
-      title += words(*backup);
+  for (const auto& [title, backups] : sharing) {
+    for (const BackupModel* backup : backups) {
+      titles[backup] = backups.size() > 1 ? retitled(*backup, backups) : title;
     }
+  }
+}
+
+// The lowest folder of a path that tells it from the others: a copy of a backup bears the name of
+// the backup, and only a folder above says where it lies.
+std::string ownFolder(std::string_view path, const std::vector<const BackupModel*>& all) {
+  std::vector<std::string_view> others(all.size());
+  std::ranges::transform(all, others.begin(), &BackupModel::path);
+  std::erase(others, path);
+  while (true) {
+    const std::string_view folder = lastPathComponent(path);
+    std::erase_if(others,
+                  [&](std::string_view other) { return lastPathComponent(other) != folder; });
+    if (others.empty() || folder.empty()) {
+      return std::string(folder);
+    }
+    path = parentPath(path);
+    std::ranges::transform(others, others.begin(), parentPath);
   }
 }
 
@@ -46,9 +66,11 @@ std::string DeviceModel::titleOfBackup(const BackupModel& backup) {
     for (const auto& each : m_backups) {
       m_titles.emplace(each.get(), each->name());
     }
-    tellApart(m_titles, [](const BackupModel& each) { return ", " + timeOfDayText(each.date()); });
-    tellApart(m_titles, [](const BackupModel& each) {
-      return " (" + std::string(lastPathComponent(each.path())) + ")";
+    tellApart(m_titles, [](const BackupModel& each, const auto&) {
+      return each.name() + ", " + timeOfDayText(each.date());
+    });
+    tellApart(m_titles, [](const BackupModel& each, const auto& all) {
+      return each.name() + " (" + ownFolder(each.path(), all) + ")";
     });
   }
   return m_titles[&backup];

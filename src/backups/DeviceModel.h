@@ -23,8 +23,8 @@ public:
   // What the device is called where people read it: its name, else the product type that a backup
   // of it states, else "Unnamed Device".
   std::string title();
-  // What one of its backups is called: its date, where others are of that day with the time, and
-  // where that is the same with the name of its folder.
+  // What one of its backups is called: its date; where others are of that day with the time, and
+  // where others are of that time with the folder that tells it from them.
   std::string titleOfBackup(const BackupModel& backup);
 
   void addBackup(std::unique_ptr<BackupModel> backup);

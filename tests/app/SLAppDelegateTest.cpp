@@ -202,8 +202,10 @@ TEST_F(SLAppDelegateTest, tellsApartRowsOfOneNameAndDescribesThem) {
   const std::string first = addBackup("one", 3, 1318420800);
   addBackup("two", 1, 1318420900);
   addBackup("three", 1, 1318420900);
+  addBackup("three", 1, 1318420900, false, "disk/");
   addBackup("other", 1, 1318020900);
-  launch();
+  launch({m_tree.path("disk")});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return sourceList().numberOfRows() == 6; }));
   EXPECT_EQ(sourceList().objectValueForItem(sourceList().itemAtRow(0)), "ANNA'S PHONE");
   QStringList titles;
   for (int row = 1; row < sourceList().numberOfRows(); ++row) {
@@ -215,16 +217,16 @@ TEST_F(SLAppDelegateTest, tellsApartRowsOfOneNameAndDescribesThem) {
   const auto time = [](std::int64_t seconds) {
     return ", " + QString::fromStdString(timeOfDayText(instantFromUnixTime(seconds)));
   };
-  const QString late = date(1318420900) + time(1318420900);
-  EXPECT_EQ(titles, QStringList({late + " (three)", late + " (two)",
+  const QString late = date(1318420900);
+  EXPECT_EQ(titles, QStringList({late + " (disk)", late + " (root)", late + " (two)",
                                  date(1318420800) + time(1318420800), date(1318020900)}));
   const auto described = [&] {
-    return m_delegate->sourceListDescriptionOfItem(sourceList(), backupAtRow(3)).value_or("");
+    return m_delegate->sourceListDescriptionOfItem(sourceList(), backupAtRow(4)).value_or("");
   };
   const QString known = date(1318420800) + time(1318420800) + "\nSystem version 5.0\n" +
                         QString::fromStdString(first);
   EXPECT_EQ(described(), known);
-  select(3);
+  select(4);
   EXPECT_TRUE(waitForText("3 Photos"));
   EXPECT_EQ(described(), known + "\n3 Photos");
 }
