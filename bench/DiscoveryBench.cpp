@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <limits>
 #include <string>
 
 #include <fcntl.h>
@@ -13,6 +14,7 @@
 
 #include "backups/BackupController.h"
 #include "backups/BackupSearch.h"
+#include "bench/PeakMemory.h"
 #include "bench/Ratio.h"
 #include "foundation/Log.h"
 #include "foundation/files/File.h"
@@ -106,8 +108,18 @@ int main(int argc, char** argv) {
       .floor("list it, read each info file", [&] { return readsEachInfoFile(root); })
       .subject("discover", 1.3, [&] { return lists(root); });
   const std::string tree = temporaryFolder() + "/tree";
-  writeTree(tree);
+  const auto written = [&] {
+    if (!std::filesystem::exists(tree)) {
+      writeTree(tree);
+    }
+  };
+  ratios.figure("tree of 1,000,000 files: memory of the search", "bytes", 8'000'000, [&] {
+    written();
+    const auto peak = bench::peakMemoryInBytes([&] { return searchesTree(tree); });
+    return peak ? static_cast<double>(*peak) : std::numeric_limits<double>::infinity();
+  });
   ratios.group("tree of 1,000,000 files", bench::PageCache::Hot)
+      .beforeEach(written)
       .floor("find -name Info.plist", [&] { return walksTree(tree); })
       .subject("search for backups", 1.3, [&] { return searchesTree(tree); });
   return ratios.run(argc, argv);
