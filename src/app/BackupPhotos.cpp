@@ -4,6 +4,14 @@
 
 namespace snaplift {
 
+std::optional<Bytes> BackupPhoto::imageRepresentation() const {
+  std::optional<Bytes> bytes = m_item.imageRepresentation();
+  if (!bytes) {
+    m_unreadable(m_backupFolder);
+  }
+  return bytes;
+}
+
 ImageBrowserItem::Content BackupPhoto::imageContent() const {
   switch (m_item.contentState()) {
     case ContentState::Whole:
@@ -29,7 +37,7 @@ int BackupPhotos::numberOfItemsInImageBrowser(const ImageBrowserView&) const {
 ImageBrowserItemPointer BackupPhotos::imageBrowserItemAtIndex(const ImageBrowserView&,
                                                               int index) const {
   return std::make_shared<BackupPhoto>(*m_content->imageItems()[static_cast<std::size_t>(index)],
-                                       m_content->path());
+                                       m_content->path(), m_unreadable);
 }
 
 }  // namespace snaplift

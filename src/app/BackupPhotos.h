@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "backups/BackupModel.h"
 #include "widgets/photogrid/ImageBrowserViewDataSource.h"
 
@@ -8,14 +11,17 @@ namespace snaplift {
 // One photo of a backup as the photo browser shows it. The item is not owned.
 class BackupPhoto : public ImageBrowserItem {
 public:
-  BackupPhoto(ImageItem& item, const std::string& backupFolder)
-      : m_item(item), m_backupFolder(backupFolder) {}
+  // Told of the backup of a photo that could not be read, on the thread that read it.
+  using Unreadable = std::function<void(const std::string& backupFolder)>;
+
+  BackupPhoto(ImageItem& item, const std::string& backupFolder, const Unreadable& unreadable)
+      : m_item(item), m_backupFolder(backupFolder), m_unreadable(unreadable) {}
 
   ImageItem& item() const { return m_item; }
 
   std::string imageUID() const override { return m_item.imageUID(); }
   std::string imageTitle() const override { return m_item.imageTitle(); }
-  std::optional<Bytes> imageRepresentation() const override { return m_item.imageRepresentation(); }
+  std::optional<Bytes> imageRepresentation() const override;
   std::optional<Bytes> imageBeginning(std::size_t size) const override {
     return m_item.imageBeginning(size);
   }
@@ -26,6 +32,7 @@ public:
 private:
   ImageItem& m_item;
   const std::string& m_backupFolder;
+  const Unreadable& m_unreadable;
 };
 
 // The photos of one backup as the photo browser shows them: exactly the backup's `imageItems`, in
@@ -37,6 +44,8 @@ public:
   // The backup whose photos are shown; null for none. Whoever sets it reloads the browser.
   BackupModel* content() const { return m_content; }
   void setContent(BackupModel* backup) { m_content = backup; }
+  // To be set before there is a content.
+  void setUnreadable(BackupPhoto::Unreadable unreadable) { m_unreadable = std::move(unreadable); }
 
   int numberOfItemsInImageBrowser(const ImageBrowserView& browser) const override;
   ImageBrowserItemPointer imageBrowserItemAtIndex(const ImageBrowserView& browser,
@@ -44,6 +53,7 @@ public:
 
 private:
   BackupModel* m_content = nullptr;
+  BackupPhoto::Unreadable m_unreadable = [](const std::string&) {};
 };
 
 }  // namespace snaplift

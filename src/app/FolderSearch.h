@@ -40,6 +40,8 @@ public:
   void search(const std::string& folder);
   // Ends the search and drops what waits; what was found so far is still told.
   void stop();
+  // What is searched and what waits.
+  const std::deque<std::string>& folders() const { return m_folders; }
   // Whether something is searched or has yet to be told.
   bool isRunning() const { return m_timer.isActive(); }
 

@@ -95,7 +95,12 @@ void RememberedState::setFolders(const char* key, const std::vector<std::string>
     for (const std::string& folder : folders) {
       list << QString::fromLatin1(QByteArray::fromStdString(folder).toPercentEncoding("/"));
     }
-    QSettings(foldersFileName(), QSettings::IniFormat).setValue(key, list);
+    QSettings file(foldersFileName(), QSettings::IniFormat);
+    if (list.isEmpty()) {
+      file.remove(key);
+    } else {
+      file.setValue(key, list);
+    }
   }
 }
 

@@ -69,6 +69,7 @@ SLAppDelegate::SLAppDelegate()
   connectCommands();
   connectFolders();
   connectExport();
+  connectDisks();
 }
 
 SLAppDelegate::~SLAppDelegate() {
@@ -80,7 +81,15 @@ SLAppDelegate::~SLAppDelegate() {
   m_tidying = {};
   m_exporter.reset();
   m_zoomAnimation.reset();
-  m_window.reset();
+  m_window.reset();  // its workers suspect disks
+  m_disks.reset();
+}
+
+void SLAppDelegate::applicationWillTerminate() {
+  m_exporter->stopAndWait();
+  if (m_window->isVisible()) {
+    rememberState();
+  }
 }
 
 void SLAppDelegate::awakeFromNib() {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/BackupPhotos.h"
+#include "app/DiskWatch.h"
 #include "app/FolderSearch.h"
 #include "app/RememberedState.h"
 #include "app/TemporaryPhotos.h"
@@ -33,8 +34,9 @@ namespace snaplift {
 
 // The application's one controller. It owns the window, the backup library and the exports; it
 // feeds the sidebar with devices and backups, loads the backup that the user selects, keeps the
-// main area in step with it, and exports photos. Its four parts stand in four files: start-up and
-// the tree of backups, the folders that are open, the state of the browser, the export.
+// main area in step with it, and exports photos. Its five parts stand in five files: start-up and
+// the tree of backups, the folders that are open, their disks, the state of the browser, the
+// export.
 //
 // Everything runs on the user interface's thread, except the two handlers of loading notifications,
 // which come on a backup's loading thread and hand their work over. The destructor gives up every
@@ -65,6 +67,10 @@ public:
   void applicationDidFinishLaunching(const std::string& backupRoot,
                                      const std::vector<std::string>& folders = {},
                                      bool keepsState = false);
+
+  // The end, however it came: no more photos are begun, those in hand are finished, and the state
+  // is kept. What is left to do after that is to let go of everything.
+  void applicationWillTerminate();
 
   QMainWindow* window() const { return m_window.get(); }
 
@@ -136,17 +142,23 @@ private:
   void searchFolder(const std::string& path, bool wasAskedFor);
   void addBackups(const std::string& folder, std::vector<std::unique_ptr<BackupModel>> backups);
   void searchEnded(const std::string& folder, const BackupSearchResult& result, bool stopped);
-  void tellOfSearch(const std::string& folder, const BackupSearchResult& result);
-  void sayThatThereAreNoBackups();
-  void offerConnectedDisks(QMessageBox& alert);
   void showSearch(const std::string& place);
   // Asks for the whole sidebar anew. The selected backup stays it, or `backup` becomes it.
   void reloadSidebar(BackupModel* backup = nullptr);
   void updateFolders();
   void fillRecentFolders();
+  void closeFolders(const std::vector<std::string>& folders);
   bool takeDrop(QEvent& event);
   void restoreWindow();
   void rememberState();
+
+  // Disks.
+  void connectDisks();
+  void backupWasLookedAt(const std::string& path, bool canBeRead);
+  void isBackAgain(const BackupModel& backup);
+  void tellOfLostFolder(const std::string& folder);
+  void sayThatThereAreNoBackups();
+  void offerConnectedDisks(QMessageBox& alert);
 
   // State of the browser.
   void connectZoom();
@@ -155,7 +167,7 @@ private:
   void showContentOf(BackupModel* backup);
   void didShowContentOf(BackupModel* backup);
   void sayThatItIsEncrypted(std::function<void()> dismissed = {});
-  void tellOfDamage(const BackupModel& backup);
+  void tellOfDamage();
   void showMessage(const QString& message);
   void updateCentreText();
   void updateMenuItem();
@@ -184,7 +196,10 @@ private:
   std::unique_ptr<BackupController> m_bc;
   RememberedState m_state{false};
   std::set<std::string> m_askedFor;  // folders that are searched because the user said so
-  BackupModel* m_shownBySearch = nullptr;
+  struct {
+    BackupModel* backup = nullptr;
+    bool wasAskedFor = false;
+  } m_shownBySearch;
   bool m_isReloading = false;
   std::unique_ptr<Ui::MainWindow> m_ui;
   BackupPhotos m_arrayController;
@@ -193,14 +208,17 @@ private:
   float m_zoomLevel = startZoom;
   std::unique_ptr<ORBAdjustingValueAnimation> m_zoomAnimation;
   std::unique_ptr<QMenu> m_contextMenu;
-  std::set<std::string> m_toldOfDamage;  // paths of backups
-  QPointer<QAction> m_pendingMenuItem;   // "Loading...", waiting for its backup; of m_contextMenu
+  // Paths of backups: whose disk has gone; that cannot be read whole, whether somebody was told of
+  // it or waits to be.
+  std::set<std::string> m_lostBackups, m_toldOfDamage, m_damagedBackups;
+  QPointer<QAction> m_pendingMenuItem;  // "Loading...", waiting for its backup; of m_contextMenu
 
   std::unique_ptr<PhotoExporter> m_exporter;
   std::string m_exportFolder;  // of the last export, also of an earlier run
   NotificationCenter::Token m_startedLoading;
   NotificationCenter::Token m_finishedLoading;
   std::unique_ptr<FolderSearch> m_search;
+  std::unique_ptr<DiskWatch> m_disks;
   std::jthread m_diskProbe;
   std::jthread m_tidying;
 };

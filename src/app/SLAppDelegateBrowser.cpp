@@ -103,7 +103,12 @@ void SLAppDelegate::didShowContentOf(BackupModel* backup) {
   updateMenuItem();
   updateCommands();
   m_ui->sourceList->reloadItem(backup);
-  tellOfDamage(*backup);
+  // Once for each backup, however often it is selected. And not before somebody has looked at its
+  // disk, which may be all that is wrong.
+  if (!backup->isComplete() && m_toldOfDamage.insert(backup->path()).second) {
+    m_damagedBackups.insert(backup->path());
+    m_disks->suspect(backup->path());
+  }
 }
 
 void SLAppDelegate::sayThatItIsEncrypted(std::function<void()> dismissed) {
@@ -114,14 +119,10 @@ void SLAppDelegate::sayThatItIsEncrypted(std::function<void()> dismissed) {
   showAlert(m_window.get(), text, std::move(dismissed));
 }
 
-// Once for each backup, however often it is selected.
-void SLAppDelegate::tellOfDamage(const BackupModel& backup) {
-  if (!backup.isComplete() && m_toldOfDamage.insert(backup.path()).second) {
-    showAlert(m_window.get(),
-              {"This Backup is Damaged",
-               "Snaplift shows every photo that it could find, but some of the "
-               "files that list the photos cannot be read. Photos may be missing."});
-  }
+void SLAppDelegate::tellOfDamage() {
+  showAlert(m_window.get(), {"This Backup is Damaged",
+                             "Snaplift shows every photo that it could find, but some of the "
+                             "files that list the photos cannot be read. Photos may be missing."});
 }
 
 void SLAppDelegate::showMessage(const QString& message) {

@@ -10,8 +10,10 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QUrl>
 #include <algorithm>
 #include <filesystem>
@@ -19,6 +21,7 @@
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
 #include "foundation/Log.h"
+#include "foundation/files/File.h"
 #include "foundation/files/FolderTree.h"
 #include "foundation/files/Path.h"
 #include "ui_MainWindow.h"
@@ -51,39 +54,10 @@ AlertText textOfNoBackups(const std::string& folder, const BackupSearchResult& r
       "Snaplift looked into every folder below it. A backup is a folder that holds a file "
       "“Info.plist” beside a “Manifest.plist”, and many files with long names of digits and "
       "letters.");
-  if (result.unreadable > 0) {
-    text += QString("\n\nThere is no permission to read %1 of its folders.").arg(result.unreadable);
+  if (result.forbidden > 0) {
+    text += QString("\n\nThere is no permission to read %1 of its folders.").arg(result.forbidden);
   }
   return {QString("No Backups Found in “%1”").arg(title), text};
-}
-
-struct DiskWithBackups {
-  std::string disk;
-  std::vector<std::string> roots;
-  std::size_t backups = 0;
-};
-
-std::vector<DiskWithBackups> connectedDisksWithBackups(const std::stop_token& stop) {
-  std::vector<DiskWithBackups> found;
-  for (const std::string& disk : connectedDisks()) {
-    const FolderTree tree(disk);
-    DiskWithBackups with{disk, {}, 0};
-    for (const std::string& root :
-         tree.error() ? std::vector<std::string>() : knownBackupRoots(tree)) {
-      const std::size_t before = with.backups;
-      tree.visitEntries(root, [&](std::string_view name, bool isFolder) {
-        with.backups += isFolder && looksLikeBackup(joinPath(joinPath(disk, root), name));
-        return !stop.stop_requested();
-      });
-      if (with.backups > before) {
-        with.roots.push_back(joinPath(disk, root));
-      }
-    }
-    if (with.backups > 0) {
-      found.push_back(std::move(with));
-    }
-  }
-  return found;
 }
 
 }  // namespace
@@ -113,11 +87,12 @@ void SLAppDelegate::openFolder(const std::string& path) {
 }
 
 void SLAppDelegate::searchFolder(const std::string& path, bool wasAskedFor) {
-  // Absolute, for the day on which it is opened again from elsewhere.
-  std::error_code ignored;
-  const std::string folder =
-      folderMeantBy(std::filesystem::absolute(path, ignored).lexically_normal().string());
+  std::string folder = path;
   if (wasAskedFor) {
+    // Absolute, for the day on which it is opened again from elsewhere; and nobody looks at it then
+    // before the search does, for its disk may not answer.
+    std::error_code ignored;
+    folder = folderMeantBy(std::filesystem::absolute(path, ignored).lexically_normal().string());
     m_askedFor.insert(folder);
   }
   m_search->search(folder);
@@ -143,19 +118,22 @@ void SLAppDelegate::addBackups(const std::string& folder,
   if (isFirst && wasAskedFor) {
     m_state.addRecentFolder(folder);
   }
-  if (!wasAskedFor || (!isFirst && selectedBackup() != m_shownBySearch)) {
+  // What somebody asked for is shown at once, the newest of it; what comes later and is newer takes
+  // its place, unless somebody has selected something else. So it is with what is remembered where
+  // nothing else is shown.
+  const BackupModel* const selected = selectedBackup();
+  const bool continues = selected == m_shownBySearch.backup &&
+                         wasAskedFor == m_shownBySearch.wasAskedFor && !(isFirst && wasAskedFor);
+  if (selected && !continues && !(isFirst && wasAskedFor)) {
     reloadSidebar();
     return;
   }
-  // What somebody asked for is shown at once, the newest of it; what comes later and is newer takes
-  // its place, unless somebody has selected something else.
   const auto isOfThisSearch = [&](BackupModel* backup) {
-    return (!isFirst && backup == m_shownBySearch) ||
-           std::ranges::find(added, backup) != added.end();
+    return (continues && backup == selected) || std::ranges::find(added, backup) != added.end();
   };
   const std::vector<BackupModel*> all = m_bc->backups();
-  m_shownBySearch = *std::ranges::find_if(all, isOfThisSearch);
-  reloadSidebar(m_shownBySearch);
+  m_shownBySearch = {*std::ranges::find_if(all, isOfThisSearch), wasAskedFor};
+  reloadSidebar(m_shownBySearch.backup);
 }
 
 void SLAppDelegate::reloadSidebar(BackupModel* backup) {
@@ -189,62 +167,24 @@ void SLAppDelegate::searchEnded(const std::string& folder, const BackupSearchRes
                                 bool stopped) {
   m_ui->searchBar->setVisible(m_search->isRunning());
   const bool wasAskedFor = m_askedFor.erase(folder) > 0;
-  const bool hasEndedTooEarly = result.diskIsGone;
-  if (wasAskedFor && !stopped && (result.backups == 0 || hasEndedTooEarly)) {
-    tellOfSearch(folder, result);
+  if (result.diskIsGone || (wasAskedFor && result.unreadable > 0 && isReadableFolder(folder))) {
+    tellOfLostFolder(folder);
+  } else if (wasAskedFor && !stopped && result.backups == 0) {
+    showAlert(m_window.get(), textOfNoBackups(folder, result));
   } else if (m_bc->devices().empty() && !m_search->isRunning() && !stopped) {
     sayThatThereAreNoBackups();
   }
 }
 
-void SLAppDelegate::tellOfSearch(const std::string& folder, const BackupSearchResult& result) {
-  showAlert(m_window.get(),
-            result.diskIsGone
-                ? AlertText{QString("“%1” Can No Longer Be Read").arg(folderTitle(folder)),
-                            "Its disk has gone or fails. Backups may be missing from the list."}
-                : textOfNoBackups(folder, result));
-}
-
-void SLAppDelegate::sayThatThereAreNoBackups() {
-  const AlertText text = {
-      "No backup folders found",
-      "Snaplift could not locate any valid iOS backups in your ~/Library/Application "
-      "Support/MobileSync/Backups/ folder."};
-  QMessageBox* alert = showAlertWithChoices(
-      m_window.get(), text, {{"Choose Folder...", [this] { chooseFolderToOpen(); }}},
-      [] { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); });
-  offerConnectedDisks(*alert);
-}
-
-// The alert does not wait for disks, which may have to start turning.
-void SLAppDelegate::offerConnectedDisks(QMessageBox& alert) {
-  m_diskProbe = std::jthread([this, shown = QPointer(&alert)](const std::stop_token& stop) {
-    const std::vector<DiskWithBackups> disks = connectedDisksWithBackups(stop);
-    QMetaObject::invokeMethod(
-        this,
-        [this, shown, disks] {
-          for (const DiskWithBackups& with : disks) {
-            const QString count =
-                with.backups == 1 ? QString("1 Backup") : QString("%1 Backups").arg(with.backups);
-            if (shown) {
-              addChoice(
-                  *shown,
-                  {QString("Open %1 on “%2”").arg(count, folderTitle(with.disk)), [this, with] {
-                     std::ranges::for_each(with.roots,
-                                           [this](const std::string& root) { openFolder(root); });
-                   }});
-            }
-          }
-        },
-        Qt::QueuedConnection);
-  });
-}
-
 void SLAppDelegate::closeFolderOfSelectedBackup() {
   if (const BackupModel* backup = selectedBackup()) {
-    m_bc->closeFoldersOf(*backup);
-    reloadSidebar();
+    closeFolders(m_bc->foldersOf(*backup));
   }
+}
+
+void SLAppDelegate::closeFolders(const std::vector<std::string>& folders) {
+  std::ranges::for_each(folders, [this](const std::string& folder) { m_bc->closeFolder(folder); });
+  reloadSidebar();
 }
 
 void SLAppDelegate::fillRecentFolders() {
@@ -284,6 +224,11 @@ bool SLAppDelegate::takeDrop(QEvent& event) {
 void SLAppDelegate::restoreWindow() {
   const RememberedState::Window window = m_state.window();
   m_window->restoreGeometry(window.geometry);
+  // Neither the size of the first start nor one that is remembered need fit on this screen, where
+  // the frame wants room as well.
+  const int frame = m_window->style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  const QSize room = m_window->screen()->availableSize() - QSize(frame, 2 * frame);
+  m_window->resize(m_window->size().boundedTo(room));
   m_ui->splitView->restoreState(window.divider);
 }
 
@@ -291,6 +236,11 @@ void SLAppDelegate::rememberState() {
   m_state.setWindow({m_window->saveGeometry(), m_ui->splitView->saveState()});
   std::vector<std::string> folders = m_bc ? m_bc->folders() : std::vector<std::string>();
   std::erase(folders, m_bc ? m_bc->basePath() : std::string());
+  for (const std::string& folder : m_search->folders()) {
+    if (std::ranges::find(folders, folder) == folders.end()) {
+      folders.push_back(folder);  // nobody knows yet what it holds
+    }
+  }
   m_state.setOpenFolders(folders);
 }
 

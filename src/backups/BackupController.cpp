@@ -76,7 +76,8 @@ std::unique_ptr<BackupModel> BackupController::reopened(const FolderIdentity& id
                                                         const BackupModel& found) {
   const auto [first, last] = m_closed.equal_range(identity);
   const auto same = std::find_if(first, last, [&](const auto& closed) {
-    return closed.second->path() == found.path() && closed.second->date() == found.date();
+    return closed.second->path() == found.path() && closed.second->date() == found.date() &&
+           closed.second->isComplete();  // it may have been read while its disk failed
   });
   return same == last ? nullptr : std::move(m_closed.extract(same).mapped());
 }
@@ -122,13 +123,10 @@ void BackupController::closeFolder(const std::string& folder) {
   sortDevices();
 }
 
-void BackupController::closeFoldersOf(const BackupModel& backup) {
+std::vector<std::string> BackupController::foldersOf(const BackupModel& backup) const {
   const auto entry =
       std::ranges::find(m_open, &backup, [](const auto& e) { return e.second.backup; });
-  for (const std::string& folder :
-       entry == m_open.end() ? std::vector<std::string>() : std::vector(entry->second.folders)) {
-    closeFolder(folder);
-  }
+  return entry == m_open.end() ? std::vector<std::string>() : entry->second.folders;
 }
 
 }  // namespace snaplift

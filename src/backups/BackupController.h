@@ -45,8 +45,8 @@ public:
   const std::vector<std::string>& folders() const { return m_folders; }
   // Closes the backups that no other folder leads to. Devices without a backup go from the list.
   void closeFolder(const std::string& folder);
-  // Closes every folder that leads to this backup.
-  void closeFoldersOf(const BackupModel& backup);
+  // The folders that lead to this backup.
+  std::vector<std::string> foldersOf(const BackupModel& backup) const;
 
 private:
   struct OpenBackup {

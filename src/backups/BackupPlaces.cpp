@@ -101,6 +101,10 @@ bool looksLikeBackup(const std::string& folder) {
   return fileAttributes(findFile(folder, "info.plist")).has_value();
 }
 
+bool isBackupReadFromDisk(const std::string& folder) {
+  return isReadFromDisk(findFile(folder, "info.plist"));
+}
+
 std::vector<std::string> knownBackupRoots(const FolderTree& tree) {
   std::vector<std::string> roots;
   for (const std::string_view place : places) {

@@ -25,6 +25,10 @@ std::optional<std::string> whyFolderCannotBeRead(const std::string& folder);
 // Whether a folder holds a file that says that it is a backup, whole or not.
 bool looksLikeBackup(const std::string& folder);
 
+// Whether a backup can be read from its disk now, and not only from what the system remembers of
+// it. May take as long as the disk does.
+bool isBackupReadFromDisk(const std::string& folder);
+
 // The backup roots in known places below the top of `tree`, relative to it: those of a user folder,
 // of an application's own folder, and of all users of a disk, as the desktop systems have them.
 std::vector<std::string> knownBackupRoots(const FolderTree& tree);

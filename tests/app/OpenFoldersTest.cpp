@@ -116,6 +116,28 @@ TEST_F(OpenFoldersTest, answersAFolderWithoutBackupsByItsName) {
   EXPECT_EQ(recent(), QStringList({"", "&Clear List"}));
 }
 
+// As of a disk that is taken out; and a newer backup that is found later comes to the front.
+TEST_F(OpenFoldersTest, tellsOnceThatTheDiskOfWhatIsShownHasGone) {
+  addBackup("a", 3, 100, false, "disk/");
+  addBackup("b", 5, 900, false, "disk/deeper/");
+  launch({m_tree.path("disk")});
+  ASSERT_TRUE(waitForText("5 Photos"));
+  ASSERT_TRUE(waitForTheEndOfTheSearch());
+  const ImageBrowserItemPointer photo = browser().itemAtIndex(0);
+  std::filesystem::rename(m_tree.path("disk"), m_tree.path("away"));
+  EXPECT_FALSE(photo->imageRepresentation());
+  QMessageBox* box = alert();
+  ASSERT_TRUE(box);
+  EXPECT_EQ(box->text(), "“disk” Can No Longer Be Read");
+  answer(box, "Ok");
+  select(2);  // it cannot be loaded any more
+  ASSERT_TRUE(waitForText("No Photos"));
+  std::filesystem::rename(m_tree.path("away"), m_tree.path("disk"));
+  emit m_delegate->findChild<DiskWatch*>()->disksChanged();
+  EXPECT_TRUE(waitForText("3 Photos"));
+  EXPECT_FALSE(m_delegate->window()->findChild<QMessageBox*>());
+}
+
 TEST_F(OpenFoldersTest, takesDropsOfFoldersOnly) {
   addBackup("a", 3, 100);
   const std::string b = addBackup("b", 5, 50, false, "disk/");

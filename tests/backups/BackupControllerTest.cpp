@@ -136,6 +136,14 @@ TEST_F(BackupControllerTest, opensAndClosesFoldersOfBackups) {
   controller.closeFolder("again");
   writeBackup("../more/c", "Anna", 9);
   EXPECT_NE(controller.addBackups("changed", found({"../more/c"})).at(0), c);
+
+  // But for one that was read while its disk failed.
+  m_tree.write("root/../more/c/Manifest.mbdb", "");
+  BackupModel* const failed = controller.addBackups("failed", found({"../more/c"})).at(0);
+  failed->imageItems();
+  controller.closeFolder("changed");
+  controller.closeFolder("failed");
+  EXPECT_NE(controller.addBackups("back", found({"../more/c"})).at(0), failed);
 }
 
 }  // namespace

@@ -134,7 +134,7 @@ void PhotoExporter::askWhetherToStop(const std::function<void()>& stopped) {
                           "If you stop now, the photos in hand are finished and the others stay in "
                           "the backup."};
   m_stopQuestion = askQuestion(&m_window, text, "Stop and Quit", [this, stopped] {
-    m_exports.stopAndWait();
+    stopAndWait();
     stopped();
   });
 }

@@ -44,6 +44,9 @@ public:
   bool isExporting() const { return m_exports.isExporting(); }
   std::size_t remaining() const { return m_exports.remaining(); }
 
+  // Returns after the photos in hand; nothing is told of it.
+  void stopAndWait() { m_exports.stopAndWait(); }
+
   // Calls `stopped` when the user has chosen so and the exports have stopped.
   void askWhetherToStop(const std::function<void()>& stopped);
 

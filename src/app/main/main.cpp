@@ -4,6 +4,7 @@
 #include "app/CommandLine.h"
 #include "app/SLAppDelegate.h"
 #include "backups/BackupAround.h"
+#include "foundation/EndInTime.h"
 #include "foundation/files/TemporaryFolder.h"
 #include "widgets/desktop/SignalledEnd.h"
 
@@ -22,8 +23,12 @@ int main(int argc, char** argv) {
   QGuiApplication::setDesktopFileName("app.snaplift.Snaplift");
   const snaplift::SignalledEnd signalledEnd;
   const auto arguments = snaplift::windowArguments({argv + 1, argv + argc});
+  snaplift::EndInTime end;
   snaplift::SLAppDelegate delegate;
   delegate.applicationDidFinishLaunching(snaplift::defaultBackupRoot(), arguments.folders,
                                          arguments.keepsState);
-  return QApplication::exec();
+  const int status = QApplication::exec();
+  delegate.applicationWillTerminate();
+  end.set(std::chrono::seconds(2), status);
+  return status;
 }

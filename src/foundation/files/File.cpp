@@ -191,6 +191,17 @@ std::optional<FileAttributes> OpenFolder::fileAttributes(const std::string& name
   return m_descriptor ? attributesOf(name, m_descriptor.get()) : std::nullopt;
 }
 
+bool isReadFromDisk(const std::string& path) {
+  const InputFile file(path);
+#ifdef POSIX_FADV_DONTNEED
+  if (file) {
+    ::posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_DONTNEED);
+  }
+#endif
+  std::uint8_t byte;
+  return file && (file.size() == 0 || file.read(&byte, 1) == 1);
+}
+
 bool isReadableFolder(const std::string& path) {
   struct stat status;
   return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&

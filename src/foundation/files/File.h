@@ -79,6 +79,10 @@ private:
   FileDescriptor m_descriptor;
 };
 
+// Whether the beginning of a regular file can be read from its disk now, and not only from what the
+// system remembers of it. May take as long as the disk does.
+bool isReadFromDisk(const std::string& path);
+
 // Whether `path` is a folder that the process may list; links are followed.
 bool isReadableFolder(const std::string& path);
 

@@ -38,6 +38,16 @@ void ThumbnailCache::remove(Entries::iterator entry) {
   m_entries.erase(entry);
 }
 
+void ThumbnailCache::forgetUnread() {
+  for (auto next = m_entries.begin(); next != m_entries.end();) {
+    const auto entry = next++;
+    const Thumbnail::State state = entry->thumbnail.state;
+    if (state == Thumbnail::State::Missing || state == Thumbnail::State::Unreadable) {
+      remove(entry);
+    }
+  }
+}
+
 void ThumbnailCache::clear() {
   m_byUID.clear();
   m_entries.clear();

@@ -22,6 +22,8 @@ public:
   const Thumbnail* find(std::string_view uid);
   // Replaces what was there. A thumbnail that is larger than the whole capacity is not kept.
   void insert(const std::string& uid, Thumbnail thumbnail);
+  // Photos that could not be read are asked for again: their disk may be back.
+  void forgetUnread();
   void clear();
 
   std::int64_t byteCount() const { return m_byteCount; }

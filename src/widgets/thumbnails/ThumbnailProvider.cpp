@@ -41,6 +41,7 @@ void ThumbnailProvider::setItems(ItemAt itemAt, int itemCount) {
   m_itemAt = std::move(itemAt);
   m_itemCount = itemCount;
   m_sight = {};
+  m_cache.forgetUnread();
   updateWork();
 }
 
