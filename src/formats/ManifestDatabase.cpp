@@ -21,8 +21,11 @@ constexpr std::uint64_t stepsForEachByte = 8;
 
 constexpr int cacheSizeInKibibytes = 8192;
 
-// Places where the walk may start again behind something that cannot be read.
-constexpr int maximumFailures = 10'000;
+// Places where the walk may start again behind something that cannot be read. Each costs as much as
+// a hundred rows: a small file has few.
+constexpr std::uint64_t maximumFailures = 10'000;
+constexpr std::uint64_t failuresOfAnyDatabase = 100;
+constexpr std::uint64_t bytesForEachFailure = 64;
 
 struct StatementEnd {
   void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
@@ -116,7 +119,7 @@ struct ManifestDatabase::Walk {
   }
 
   bool run() {
-    for (int failures = 0; failures <= maximumFailures; ++failures) {
+    for (std::uint64_t failures = 0; failures <= database.m_mostFailures; ++failures) {
       const int result = goOn();
       if (result == SQLITE_DONE) {
         return failures == 0;
@@ -135,6 +138,7 @@ ManifestDatabase::ManifestDatabase(const std::string& backupFolder, std::stop_to
     : m_stop(std::move(stop)), m_source(joinPath(backupFolder, "Manifest.db"), m_stop) {
   const auto attributes = fileAttributes(joinPath(backupFolder, "Manifest.db"));
   const std::uint64_t size = attributes ? attributes->size : 0;
+  m_mostFailures = std::min(maximumFailures, failuresOfAnyDatabase + size / bytesForEachFailure);
   m_stepsLeft = (stepsOfAnyDatabase + stepsForEachByte * size) / stepsBetweenTests;
   const int flags = (m_source.isCopy() ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) |
                     SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE;

@@ -61,7 +61,8 @@ private:
 
   const std::stop_token m_stop;
   const DatabaseSource m_source;
-  std::uint64_t m_stepsLeft;  // of SQLite's machine, in units of stepsBetweenTests
+  std::uint64_t m_stepsLeft;         // of SQLite's machine, in units of stepsBetweenTests
+  std::uint64_t m_mostFailures = 0;  // of one walk
   sqlite3* m_database = nullptr;
   std::string m_columns;  // what is asked of each row; empty where there is no such table
   bool m_hasRowids = false;
