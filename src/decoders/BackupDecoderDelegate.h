@@ -49,18 +49,26 @@ public:
   // thread, where that has not been done.
   virtual const std::vector<std::string>& imageFilePaths() = 0;
 
+  // What else the camera roll holds: the unique paths of the films and pictures that the rule of
+  // imageFilePaths() leaves out, in the same order. None where all media are listed there.
+  virtual const std::vector<std::string>& otherMediaPaths() = 0;
+
   // Whether encryption keeps the very list of photos from being read: the list is then empty, and
   // nobody knows whether there are photos. False before loading.
   virtual bool encryptsList() const { return false; }
 
-  // What the backup knows of the photo at a place of imageFilePaths(), and what is there of its
-  // content file, found out afresh and without reading it. Before loading, and for a place that the
-  // list does not have: no path, and Missing.
+  // What the backup knows of the photo at a place of imageFilePaths() or, behind them, of
+  // otherMediaPaths(), and what is there of its content file, found out afresh and without reading
+  // it. Before loading, and for a place that the lists do not have: no path, and Missing.
   virtual PhotoInfo photoInfo(std::size_t index) const = 0;
   virtual ContentState contentState(std::size_t index) const = 0;
 
+  // The small picture that the device itself made of the photo or film at that place: an encoded
+  // one, read afresh. Nothing where the backup has none that can be read.
+  virtual std::optional<Bytes> thumbnailData(std::size_t index) const = 0;
+
   // The whole content of a photo's file as it stands in the backup, read afresh; nothing for a path
-  // that imageFilePaths() did not return or a file that cannot be read. `reuse` is an old buffer
+  // that neither list has or a file that cannot be read. `reuse` is an old buffer
   // whose storage may serve again.
   virtual std::optional<Bytes> dataForFileAtPath(const std::string& uniquePath,
                                                  Bytes reuse = {}) const = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <tuple>
 #include <utility>
 
@@ -79,10 +80,16 @@ std::vector<BackupFileModel> newestFirst(std::vector<std::optional<BackupFileMod
 
 void FileListDecoder::loadContents(std::stop_token stop) {
   const auto manifest = readDictionary(backupPath(), "manifest.plist");
-  std::vector<BackupFileModel> photos = readFileModels(manifest, Wanted::Photos, stop);
-  if (!stop.stop_requested()) {
-    setContents(knowsEncryption() && isEncrypted(manifest), std::move(photos));
+  Found found{readFileModels(manifest, Wanted::Media, stop)};
+  if (stop.stop_requested()) {
+    return;
   }
+  const auto others = std::stable_partition(
+      found.photos.begin(), found.photos.end(),
+      [](const BackupFileModel& file) { return hasPhotoExtension(file.path()); });
+  std::move(others, found.photos.end(), std::back_inserter(found.others));
+  found.photos.erase(others, found.photos.end());
+  setContents(knowsEncryption() && isEncrypted(manifest), std::move(found));
 }
 
 void FileListDecoder::visitFiles(const FileVisitor& visit) {
@@ -116,7 +123,7 @@ std::vector<BackupFileModel> FileListDecoder::readFileModels(
 }
 
 bool FileListDecoder::isWanted(std::string_view path, Wanted wanted) {
-  return wanted == Wanted::Inventory || hasPhotoExtension(path);
+  return wanted == Wanted::Inventory || hasPhotoExtension(path) || isInCameraRoll(path);
 }
 
 std::string FileListDecoder::fileName(const ListedFile& file, std::string_view extension) {

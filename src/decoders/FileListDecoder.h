@@ -40,8 +40,9 @@ protected:
   // Whether the generation's manifest has the flag of encryption.
   virtual bool knowsEncryption() const = 0;
 
-  // The photos with all that is needed to hand out their bytes, or every file with its length.
-  enum class Wanted { Photos, Inventory };
+  // The photos, films and other pictures with all that is needed to hand out their bytes, or every
+  // file with its length.
+  enum class Wanted { Media, Inventory };
   static bool isWanted(std::string_view path, Wanted wanted);
 
   // The record of one listed file; nothing where the entry's property list is missing or lacks

@@ -13,6 +13,7 @@ namespace {
 constexpr std::string_view cameraFolders = "Media/DCIM/";
 constexpr std::string_view edits = "Media/PhotoData/Mutations/";
 constexpr std::string_view cloudLibrary = "Media/PhotoData/CPLAssets/";
+constexpr std::string_view thumbnails = "Media/PhotoData/Thumbnails/V2/";
 
 constexpr std::array<std::string_view, 10> photoExtensions = {"jpg", "jpeg", "png",  "heic", "heif",
                                                               "gif", "tif",  "tiff", "webp", "dng"};
@@ -55,6 +56,16 @@ std::optional<PhotoMedia> mediaOfPath(std::string_view devicePath) {
     return PhotoMedia::Photo;
   }
   return contains(filmExtensions, extension) ? std::optional(PhotoMedia::Film) : std::nullopt;
+}
+
+bool isInCameraRoll(std::string_view devicePath) {
+  return mediaOfPath(devicePath) && kindOfPath(devicePath) != PhotoKind::Derived;
+}
+
+std::string_view mediaOfThumbnail(std::string_view devicePath) {
+  return devicePath.starts_with(thumbnails) && equalsIgnoringCase(pathExtension(devicePath), "jpg")
+             ? parentPath(devicePath.substr(thumbnails.size()))
+             : std::string_view();
 }
 
 std::optional<Instant> knownTime(std::optional<Instant> time) {

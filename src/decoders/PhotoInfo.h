@@ -50,6 +50,15 @@ PhotoKind kindOfPath(std::string_view devicePath);
 // By the extension, in any letter case; absent for what is neither a photo nor a film.
 std::optional<PhotoMedia> mediaOfPath(std::string_view devicePath);
 
+// Whether the path is that of a photo or a film that people would call theirs: of any kind that is
+// not derived.
+bool isInCameraRoll(std::string_view devicePath);
+
+// What a thumbnail that the device made is the picture of, as a path below "Media/":
+// "DCIM/100APPLE/IMG_0001.MOV" for
+// "Media/PhotoData/Thumbnails/V2/DCIM/100APPLE/IMG_0001.MOV/5005.JPG". Empty for every other path.
+std::string_view mediaOfThumbnail(std::string_view devicePath);
+
 // `time`, unless it is the start of 1970.
 std::optional<Instant> knownTime(std::optional<Instant> time);
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "decoders/BackupPropertyList.h"
+#include "decoders/PhotoSuffix.h"
 
 namespace snaplift {
 namespace {
@@ -36,7 +37,7 @@ std::optional<BackupFileModel> iOS2Decoder::readFileModel(const OpenFolder& fold
   }
   if (const auto bytes = isPair ? std::nullopt : list->root().valueForKey("Data").data()) {
     model.filelength = bytes->size();
-    if (wanted == Wanted::Photos && mayHold(bytes->size())) {
+    if (wanted == Wanted::Media && hasPhotoExtension(model.path()) && mayHold(bytes->size())) {
       model.data = Bytes::copyOf(*bytes);
     }
   }

@@ -1,8 +1,6 @@
 #include "decoders/iOS4Decoder.h"
 
-#include <algorithm>
-#include <iterator>
-#include <vector>
+#include <utility>
 
 #include "decoders/ManifestPhoto.h"
 #include "decoders/PhotoSuffix.h"
@@ -26,13 +24,16 @@ void iOS4Decoder::loadContents(std::stop_token stop) {
     m_reader.reset();  // it may hold nothing of what the manifest says
     return;
   }
-  std::vector<MBDBXRow> photos;
+  Found found;
   if (media) {
-    std::ranges::copy_if(*media, std::back_inserter(photos), [](const MBDBXRow& row) {
-      return row.type() == MBDBXRow::RegularFile && endsLikePhoto(row.path());
-    });
+    for (const MBDBXRow& row : *media) {
+      const std::string_view path = row.path();
+      if (row.type() == MBDBXRow::RegularFile) {
+        keep(row, path, endsLikePhoto(path), found);
+      }
+    }
   }
-  setContents(encrypted, std::move(photos));
+  setContents(encrypted, std::move(found));
 }
 
 void iOS4Decoder::visitFiles(const FileVisitor& visit) {

@@ -1,8 +1,6 @@
 #include "decoders/iOS5Decoder.h"
 
-#include <algorithm>
-#include <iterator>
-#include <vector>
+#include <utility>
 
 #include "decoders/ManifestPhoto.h"
 #include "decoders/PhotoSuffix.h"
@@ -25,12 +23,14 @@ void iOS5Decoder::loadContents(std::stop_token stop) {
   if (!reader().hasWholeManifest()) {
     noteDamageOf(joinPath(backupPath(), "Manifest.mbdb"));
   }
-  std::vector<ManifestRecord> photos;
+  Found found;
   if (cameraRoll) {
-    std::ranges::copy_if(*cameraRoll, std::back_inserter(photos), endsLikePhoto,
-                         &ManifestRecord::path);
+    for (const ManifestRecord& record : *cameraRoll) {
+      const std::string_view path = record.path();
+      keep(record, path, endsLikePhoto(path), found);
+    }
   }
-  setContents(encrypted, std::move(photos));
+  setContents(encrypted, std::move(found));
 }
 
 void iOS5Decoder::visitFiles(const FileVisitor& visit) {
