@@ -1,6 +1,8 @@
 #include "backups/BackupModel.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -93,6 +95,15 @@ BackupModel::BackupModel(std::string path, std::optional<std::string> deviceName
       m_date(date),
       m_delegate(std::move(delegate)) {}
 
+std::string OtherMedia::subject() const {
+  const auto counted = [](std::size_t count, const char* thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+  };
+  return (films > 0 ? counted(films, "film") : "") + (films > 0 && pictures > 0 ? " and " : "") +
+         (pictures > 0 ? counted(pictures, "other picture") : "") +
+         (films + pictures == 1 ? " is" : " are");
+}
+
 std::string BackupModel::description() const {
   return m_deviceName.value_or(absentText) + " - " + defaultDateText(m_date);
 }
@@ -139,13 +150,41 @@ void BackupModel::prepareDelegate(std::stop_token stop) {
 
 const std::vector<std::unique_ptr<ImageItem>>& BackupModel::imageItems() {
   std::call_once(m_itemsBuilt, [this] {
-    const std::vector<std::string>& paths = imagePaths();
-    m_imageItems.reserve(paths.size());
-    for (const std::string& path : paths) {
-      m_imageItems.push_back(std::make_unique<ImageItem>(path, *this, m_imageItems.size()));
-    }
+    std::size_t index = 0;
+    const auto build = [&](const std::vector<std::string>& paths, auto& items) {
+      items.reserve(paths.size());
+      for (const std::string& path : paths) {
+        items.push_back(std::make_unique<ImageItem>(path, *this, index++));
+      }
+    };
+    build(imagePaths(), m_imageItems);
+    build(m_delegate->otherMediaPaths(), m_unwantedItems);
   });
   return m_imageItems;
+}
+
+OtherMedia BackupModel::otherMedia() {
+  OtherMedia media;
+  const std::size_t photos = imagePaths().size();
+  const std::size_t others = m_delegate->otherMediaPaths().size();
+  for (std::size_t i = 0; i < others; ++i) {
+    const bool isFilm = m_delegate->photoInfo(photos + i).media == PhotoMedia::Film;
+    ++(isFilm ? media.films : media.pictures);
+  }
+  return media;
+}
+
+void BackupModel::setWantsOtherMedia(bool wants) {
+  imageItems();
+  const auto firstOther =
+      m_imageItems.begin() + static_cast<std::ptrdiff_t>(m_delegate->imageFilePaths().size());
+  if (wants) {
+    std::ranges::move(m_unwantedItems, std::back_inserter(m_imageItems));
+    m_unwantedItems.clear();
+  } else {
+    std::move(firstOther, m_imageItems.end(), std::back_inserter(m_unwantedItems));
+    m_imageItems.erase(firstOther, m_imageItems.end());
+  }
 }
 
 const std::vector<std::string>& BackupModel::imagePaths() {

@@ -24,6 +24,15 @@ namespace snaplift {
 inline constexpr std::string_view startedLoadingNotification = "ORBStartedLoadingImageFileSystem";
 inline constexpr std::string_view finishedLoadingNotification = "ORBFinishedLoadingImageFileSystem";
 
+// What a backup's camera roll holds beside the photos of the list.
+struct OtherMedia {
+  std::size_t films = 0, pictures = 0;
+
+  bool isEmpty() const { return films + pictures == 0; }
+  // "5 films and 2 other pictures are", "1 film is": what they are is the caller's to say.
+  std::string subject() const;
+};
+
 // One backup folder. Making it reads the small "info.plist" and no more, so that a whole root can
 // be listed at start-up; it picks the decoder of the backup's system version. The manifest is read
 // when the content is asked for, by prepareContent() on a thread of its own or by the first
@@ -64,18 +73,27 @@ public:
   bool processing() const { return m_processing; }
   bool contentReady() const { return m_contentReady; }
 
-  // One item for each photo, in the decoder's order. Built once, by the first caller, and kept.
+  // One item for each photo, in the decoder's order; then, where they are wanted, one for each film
+  // and picture besides. The items are built once, by the first caller, and kept.
   const std::vector<std::unique_ptr<ImageItem>>& imageItems();
+  // What there is besides, wanted or not. Loads first, as imageItems() does.
+  OtherMedia otherMedia();
+  // Changes the list of imageItems(), while nobody else looks at it. Items that leave the list live
+  // on, and come back when they are wanted again.
+  void setWantsOtherMedia(bool wants);
   // The photos' unique paths. Loads first, on this thread, where that has not been done.
   const std::vector<std::string>& imagePaths();
   std::optional<Bytes> imageDataForPath(const std::string& uniquePath,
                                         Bytes reuse = {}) const override;
-  // By the photo's place in imagePaths(), once that has been loaded.
+  // By the photo's place in the decoder's lists, once they have been loaded.
   std::optional<PhotoInfo> photoInfo(std::size_t index) const override {
     return m_delegate->photoInfo(index);
   }
   ContentState contentState(std::size_t index) const override {
     return m_delegate->contentState(index);
+  }
+  std::optional<Bytes> thumbnailData(std::size_t index) const override {
+    return m_delegate->thumbnailData(index);
   }
   std::string contentFileForPath(const std::string& uniquePath) const override;
   bool encrypted() const override { return m_delegate->encrypted(); }
@@ -117,6 +135,7 @@ private:
   bool m_isLoaded = false;    // guarded by it: what others read of the decoder never changes again
   std::once_flag m_itemsBuilt;
   std::vector<std::unique_ptr<ImageItem>> m_imageItems;
+  std::vector<std::unique_ptr<ImageItem>> m_unwantedItems;  // those of the other media, or none
 
   std::atomic<bool> m_loadUnderWay = false;  // from prepareContent() until processing is cleared
   std::atomic<bool> m_processing = false;

@@ -26,6 +26,9 @@ public:
   virtual std::optional<PhotoInfo> photoInfo(std::size_t) const { return std::nullopt; }
   virtual ContentState contentState(std::size_t) const { return ContentState::Whole; }
 
+  // The small encoded picture that the device made of photo number `index`, read afresh.
+  virtual std::optional<Bytes> thumbnailData(std::size_t) const { return std::nullopt; }
+
   // The path of the file whose whole content that photo is, so that it can be copied without being
   // read. Empty where the photo stands inside another file, and for an unknown path.
   virtual std::string contentFileForPath(const std::string& /*uniquePath*/) const { return {}; }

@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include "formats/FilmLength.h"
 #include "foundation/Log.h"
 #include "foundation/files/File.h"
 #include "foundation/files/FileURL.h"
@@ -70,6 +71,10 @@ std::optional<Bytes> ImageItem::imageBeginning(std::size_t size) const {
     contents->resize(std::min(contents->size(), size));
   }
   return contents;
+}
+
+std::optional<std::chrono::milliseconds> ImageItem::filmLength() const {
+  return lengthOfFilm(m_delegate.contentFileForPath(m_path));
 }
 
 std::optional<FileError> ImageItem::read(const FileReader& readFile,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -68,6 +69,10 @@ public:
   std::optional<Bytes> imageRepresentation() const;
   // The first `size` bytes of it, or all where there are fewer. Of a content file, no more is read.
   std::optional<Bytes> imageBeginning(std::size_t size) const;
+  // The small picture that the device itself made of it: an encoded one, read at each call.
+  std::optional<Bytes> thumbnail() const { return m_delegate.thumbnailData(m_index); }
+  // How long a film plays, where its file says so; looks into the file at each call.
+  std::optional<std::chrono::milliseconds> filmLength() const;
 
   // Copies the photo into the folder `destination`. The answer is why it did not arrive; that is
   // one line in the system log, too: "failed (%d) to extract the file: %@".
