@@ -1,3 +1,4 @@
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,10 +17,12 @@ struct Finding {
   bool isClean() const { return present == listed; }
 };
 
-Finding findingOf(BackupModel& backup) {
+Finding findingOf(const std::vector<std::unique_ptr<ImageItem>>& photos) {
   Finding finding;
-  for (const std::string& uniquePath : backup.imagePaths()) {
-    switch (backup.contentState(finding.listed++)) {
+  finding.listed = photos.size();
+  for (const auto& photo : photos) {
+    const std::string& uniquePath = photo->path();
+    switch (photo->contentState()) {
       case ContentState::Whole:
         ++finding.present;
         break;
@@ -74,7 +77,7 @@ ExitStatus checkBackups(const BackupNames& names, bool json) {
   }
   ExitStatus status = Done;
   for (BackupModel* backup : selection->backups()) {
-    const Finding finding = findingOf(*backup);
+    const Finding finding = findingOf(selection->photosOf(*backup));
     if (json) {
       printJson({{"path", backup->path()},
                  {"encrypted", backup->encrypted()},

@@ -44,7 +44,7 @@ std::vector<PhotoToExport> photosOf(const Selection& chosen, PhotoFilter& filter
   LayoutFolders folders(layout);
   const auto devices = devicesOfBackups(chosen);
   for (BackupModel* backup : chosen.backups()) {
-    const auto& items = backup->imageItems();
+    const auto& items = chosen.photosOf(*backup);
     if (backup->encrypted()) {
       printMessage("encrypted, nothing is exported from it: " + backup->path());
       encrypted.push_back(backup->path());

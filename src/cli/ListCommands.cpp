@@ -1,4 +1,6 @@
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/Commands.h"
 #include "cli/Output.h"
@@ -33,9 +35,9 @@ const char* wordFor(PhotoKind kind) {
   return "derived";
 }
 
-Json photosJson(BackupModel& backup) {
+Json photosJson(const BackupModel& backup, const std::vector<std::unique_ptr<ImageItem>>& items) {
   Json photos = Json::array();
-  for (const auto& item : backup.imageItems()) {
+  for (const auto& item : items) {
     const PhotoInfo info = item->info();
     const std::optional<Instant> date = info.date();
     photos.push_back({{"uniquePath", item->path()},
@@ -131,14 +133,15 @@ ExitStatus listPhotos(const BackupNames& names, bool json) {
     return NoSuchBackup;
   }
   BackupModel* backup = selection->backups().front();
+  const auto& photos = selection->photosOf(*backup);
   if (json) {
-    printJson(photosJson(*backup));
+    printJson(photosJson(*backup, photos));
     return statusOf(*backup);
   }
-  for (const std::string& uniquePath : backup->imagePaths()) {
-    printLine(pathOnDevice(*backup, uniquePath));
+  for (const auto& photo : photos) {
+    printLine(pathOnDevice(*backup, photo->path()));
   }
-  printNote(countText(backup->imagePaths().size(), "photo") +
+  printNote(countText(photos.size(), "photo") +
             (backup->encrypted() ? ", encrypted: they cannot be exported" : ""));
   return statusOf(*backup);
 }

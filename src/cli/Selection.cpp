@@ -123,6 +123,7 @@ std::optional<std::vector<std::string>> foldersOf(const BackupNames& names) {
 
 std::optional<Selection> Selection::initWithNames(const BackupNames& names) {
   Selection selection;
+  selection.m_wantsAllMedia = names.wantsAllMedia;
   if (names.names.empty() && names.deviceNames.empty()) {
     return selection.takeRoot(names.root) ? std::optional(std::move(selection)) : std::nullopt;
   }
@@ -177,6 +178,15 @@ bool Selection::takeFolder(const std::string& folder) {
     }
   }
   return true;
+}
+
+const std::vector<std::unique_ptr<ImageItem>>& Selection::photosOf(BackupModel& backup) const {
+  backup.setWantsOtherMedia(m_wantsAllMedia);
+  const OtherMedia others = backup.otherMedia();
+  if (!m_wantsAllMedia && !others.isEmpty()) {
+    printNote(others.subject() + " left out of " + backup.path() + "; see --media");
+  }
+  return backup.imageItems();
 }
 
 std::optional<Selection> selectOneBackup(const BackupNames& names) {

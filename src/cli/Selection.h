@@ -17,6 +17,7 @@ struct BackupNames {
   std::vector<std::string> names = {};
   std::vector<std::string> deviceNames = {};  // all backups of these devices of the root
   std::optional<std::string> root = {};       // absent: the user's backup root
+  bool wantsAllMedia = false;  // of each backup, its films and other pictures beside its photos
 };
 
 // The backups that a command line names, each once. The log lines that finding them writes go to
@@ -35,6 +36,10 @@ public:
   // In the order in which they were named; of one folder device by device, newest first.
   const std::vector<BackupModel*>& backups() const { return m_backups; }
 
+  // The photos of one of them, and what else is wanted of it. Loads it, and tells the user what
+  // there is besides.
+  const std::vector<std::unique_ptr<ImageItem>>& photosOf(BackupModel& backup) const;
+
 private:
   Selection() = default;
   bool takeRoot(const std::optional<std::string>& root);
@@ -43,6 +48,7 @@ private:
   std::string m_path;
   std::unique_ptr<BackupController> m_library;
   std::vector<BackupModel*> m_backups;
+  bool m_wantsAllMedia = false;
 };
 
 // The selection that is one backup; nothing, and a message, where it is none or several.

@@ -24,7 +24,7 @@ constexpr const char* introduction =
     "  snaplift-cli export --device \"Anna's Phone\" -o ~/Pictures\n"
     "  snaplift-cli verify report.csv            are the files of export --report as they were?\n"
     "\n"
-    "Gets photos back out of the backups of old handsets (system versions 1 to 9).\n"
+    "Gets photos back out of the backups of handsets (system versions 1 to today's).\n"
     "Backups are only read, never written. A BACKUP is a folder that is one or has some\n"
     "below it; or, of your root, a backup's folder name, its beginning, or \"latest\".\n";
 
@@ -56,6 +56,18 @@ CLI::App* addBackupCommand(CLI::App& app, Arguments& arguments, const char* name
       ->add_option("-r,--root", arguments.names.root, "Where names are looked up (default: yours)")
       ->type_name("FOLDER");
   return command;
+}
+
+void addMediaOption(CLI::App& command, Arguments& arguments) {
+  command
+      .add_option_function<std::string>(
+          "--media",
+          [&arguments](const std::string& media) {
+            arguments.names.wantsAllMedia = media == "all";
+          },
+          "Of versions 1 to 9: photos (jpg and png), or all pictures and films")
+      ->type_name("photos|all")
+      ->check(CLI::IsMember({"photos", "all"}).description(""));
 }
 
 CLI::App* addOneBackupCommand(CLI::App& app, Arguments& arguments, const char* name,
@@ -111,6 +123,7 @@ CLI::App* addExportCommand(CLI::App& app, Arguments& arguments) {
                    "All backups of the device of this name")
       ->type_name("NAME")
       ->allow_extra_args(false);  // each time one name: what follows is a BACKUP
+  addMediaOption(*command, arguments);
   command->add_option("-j,--jobs", options.workers, "Photos in hand at once (default: one a core)")
       ->type_name("NUMBER")
       ->check(CLI::Range(1, 256).description(""));
@@ -179,6 +192,8 @@ ExitStatus run(int argc, char** argv) {
   CLI::App* check =
       addBackupCommand(app, arguments, "check", "Count the listed, present and missing photos",
                        "Which (default: your root)");
+  addMediaOption(*photos, arguments);
+  addMediaOption(*check, arguments);
   CLI::App* exporting = addExportCommand(app, arguments);
   CLI::App* verify = addVerifyCommand(app, arguments);
   if (argc > 1 && std::string_view(argv[1]) == completionCommand) {
