@@ -36,6 +36,7 @@ NoticeBar::NoticeBar(QWidget* parent)
   // Of a widget that is hidden no shortcut works: Escape is the others' again.
   auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
   connect(escape, &QShortcut::activated, this, &QWidget::hide);
+  connect(escape, &QShortcut::activatedAmbiguously, this, &QWidget::hide);  // one bar at a time
   hide();
 }
 

@@ -52,4 +52,8 @@ void showFilesInFileManager(const std::string& folder, const std::vector<std::st
   }
 }
 
+bool openFileInItsProgram(const std::string& path) {
+  return QDesktopServices::openUrl(urlOf(path));
+}
+
 }  // namespace snaplift

@@ -13,4 +13,7 @@ void openFolderInFileManager(const std::string& folder);
 // The same, with these files in it selected where the service knows how.
 void showFilesInFileManager(const std::string& folder, const std::vector<std::string>& files);
 
+// Opens the file with the program that the desktop has for its kind. False where it has none.
+bool openFileInItsProgram(const std::string& path);
+
 }  // namespace snaplift

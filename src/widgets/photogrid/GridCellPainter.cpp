@@ -67,7 +67,7 @@ void GridCellPainter::draw(const Cell& cell) {
   const Thumbnail* thumbnail = cell.thumbnail;
   const bool hasPicture = thumbnail != nullptr && !thumbnail->picture.isNull();
   const QSizeF cameraFormat(4.0 * frame.width(), 3.0 * frame.width());
-  const QRect rect = pictureRect(frame, hasPicture ? thumbnail->photoSize : cameraFormat);
+  const QRect rect = pictureRect(frame, hasPicture ? thumbnail->wholeSize() : cameraFormat);
   if (hasPicture) {
     drawPicture(rect, *thumbnail);
     if (thumbnail->isDamaged) {
@@ -77,7 +77,12 @@ void GridCellPainter::draw(const Cell& cell) {
     drawBlank(rect);
     if (thumbnail != nullptr && thumbnail->isBroken()) {
       drawBrokenMark(rect, troubleOf(*thumbnail).word);
+    } else if (thumbnail != nullptr && thumbnail->isFilm) {
+      drawFilm(rect);
     }
+  }
+  if (thumbnail != nullptr && thumbnail->isFilm) {
+    drawFilmMark(rect, *thumbnail);
   }
   if (cell.isSelected) {
     const double out = 1 + selectionWidth / 2.0;
@@ -159,6 +164,50 @@ void GridCellPainter::drawDamagedMark(const QRect& rect) {
   m_painter.drawLine(QPointF(box.center().x(), box.top() + side * 0.32),
                      QPointF(box.center().x(), box.top() + side * 0.56));
   m_painter.drawPoint(QPointF(box.center().x(), box.top() + side * 0.75));
+}
+
+// A strip of film with a frame between its holes, for a film of which there is no picture.
+void GridCellPainter::drawFilm(const QRect& rect) {
+  const double unit = std::clamp(rect.height() * 0.16, 6.0, 28.0);
+  const QPointF centre = QRectF(rect).center();
+  m_painter.setBrush(Qt::NoBrush);
+  m_painter.setPen(
+      QPen(ink(0.5), std::max(unit / 9, 1.2), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  const auto box = [&](double x, double y, double width, double height) {
+    m_painter.drawRoundedRect(QRectF(centre + QPointF(x, y) * unit, QSizeF(width, height) * unit),
+                              unit / 10, unit / 10);
+  };
+  box(-1.5, -1, 3, 2);
+  box(-0.9, -1, 1.8, 2);
+  for (const double y : {-0.8, -0.2, 0.4}) {
+    box(-1.35, y, 0.3, 0.4);
+    box(1.05, y, 0.3, 0.4);
+  }
+}
+
+// A badge in the corner that says: this one moves, and how long where that is known.
+void GridCellPainter::drawFilmMark(const QRect& rect, const Thumbnail& film) {
+  const double side = std::clamp(rect.height() * 0.13, 9.0, 16.0);
+  const QFontMetrics font(m_metrics.captionFont);
+  const QString length = film.filmLength ? filmLengthText(*film.filmLength) : QString();
+  const double height = std::max(side + 4, length.isEmpty() ? 0.0 : double(font.height()));
+  const double textWidth = length.isEmpty() ? 0 : font.horizontalAdvance(length) + 4;
+  QRectF pill(rect.left() + 4, rect.bottom() - height - 3, side + 8 + textWidth, height);
+  if (pill.width() > rect.width() - 8) {
+    pill.setWidth(side + 8);
+  }
+  m_painter.setPen(Qt::NoPen);
+  m_painter.setBrush(QColor(0, 0, 0, 150));
+  m_painter.drawRoundedRect(pill, cornerRadius, cornerRadius);
+  const QPointF tip(pill.left() + 5, pill.center().y());
+  const QPointF triangle[] = {tip + QPointF(0, -side * 0.4), tip + QPointF(side * 0.7, 0),
+                              tip + QPointF(0, side * 0.4)};
+  m_painter.setBrush(Qt::white);
+  m_painter.drawPolygon(triangle, 3);
+  if (pill.width() > side + 8) {
+    m_painter.setPen(Qt::white);
+    m_painter.drawText(pill.adjusted(side + 3, 0, -3, 0), Qt::AlignCenter, length);
+  }
 }
 
 void GridCellPainter::drawCaption(const Cell& cell) {

@@ -25,8 +25,9 @@ struct GridCellMetrics {
   QSize cellSize() const { return {picture.width(), picture.height() + captionHeight}; }
 };
 
-// Draws the cells of a grid: the picture, with a mark where a part of it is missing, or a
-// placeholder, or a mark for a photo that cannot be shown; the caption; selection and focus.
+// Draws the cells of a grid: the picture, with a mark where a part of it is missing or where it is
+// a film's, or a placeholder, or a mark for a photo that cannot be shown; the caption; selection
+// and focus.
 class GridCellPainter {
 public:
   struct Cell {
@@ -49,6 +50,8 @@ private:
   void drawBlank(const QRect& rect);
   void drawBrokenMark(const QRect& rect, const QString& word);
   void drawDamagedMark(const QRect& rect);
+  void drawFilm(const QRect& rect);
+  void drawFilmMark(const QRect& rect, const Thumbnail& film);
   void drawCaption(const Cell& cell);
 
   QPainter& m_painter;

@@ -32,8 +32,9 @@ public:
     const Thumbnail* known =
         kind == QAccessible::Description ? m_view->thumbnailAtIndex(m_index) : nullptr;
     return kind == QAccessible::Name ? m_view->titleAtIndex(m_index)
-           : known != nullptr        ? QString(troubleOf(*known).sentence)
-                                     : QString();
+           : known == nullptr        ? QString()
+           : known->isFilm           ? QString("Film")
+                                     : QString(troubleOf(*known).sentence);
   }
   QRect rect() const override {
     if (!isValid()) {

@@ -254,6 +254,12 @@ QString ImageBrowserView::toolTipOf(int index) const {
   QStringList lines{plainText::shortened(item->imageTitle())};
   if (const Thumbnail* thumbnail = m_thumbnails->find(item->imageUID())) {
     QStringList measures;
+    if (thumbnail->isFilm) {
+      measures << "Film";
+    }
+    if (thumbnail->filmLength) {
+      measures << filmLengthText(*thumbnail->filmLength);
+    }
     if (thumbnail->photoSize.isValid()) {
       measures << QString("%1 × %2 pixels")
                       .arg(thumbnail->photoSize.width())

@@ -10,6 +10,8 @@ public:
   virtual ~ImageBrowserViewDelegate() = default;
 
   virtual void imageBrowserCellWasDoubleClickedAtIndex(ImageBrowserView&, int /*index*/) {}
+  // The user wants to see a film.
+  virtual void imageBrowserOpenItemAtIndex(ImageBrowserView&, int /*index*/) {}
   // The zoom that keys and wheel stop at.
   virtual double maxZoom() const { return 1.0; }
 };

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QLocale>
 #include <QPainter>
+#include <QPushButton>
 #include <QToolButton>
 #include <algorithm>
 #include <cmath>
@@ -56,6 +57,7 @@ PhotoPreview::PhotoPreview(ImageBrowserView* view)
       m_previous(addButton(QStringLiteral("‹"), "Previous Photo")),
       m_next(addButton(QStringLiteral("›"), "Next Photo")),
       m_close(addButton(QStringLiteral("×"), "Close Preview")),
+      m_player(new QPushButton("Open in Player", this)),
       m_neighbours(neighbourCapacity),
       m_self(std::make_shared<PhotoPreview*>(this)) {
   setFocusPolicy(Qt::StrongFocus);
@@ -64,6 +66,13 @@ PhotoPreview::PhotoPreview(ImageBrowserView* view)
   connect(m_previous, &QToolButton::clicked, this, [this] { go(Qt::Key_Left); });
   connect(m_next, &QToolButton::clicked, this, [this] { go(Qt::Key_Right); });
   connect(m_close, &QToolButton::clicked, this, [this] { m_view->setPreviewOpen(false); });
+  m_player->setFocusPolicy(Qt::TabFocus);
+  m_player->hide();
+  connect(m_player, &QPushButton::clicked, this, [this] {
+    if (m_view->delegate() != nullptr) {
+      m_view->delegate()->imageBrowserOpenItemAtIndex(*m_view, m_index);
+    }
+  });
   m_loader = std::make_unique<ThumbnailLoader>(
       [self = std::weak_ptr(m_self)] {
         mainThread::run([self] {
@@ -115,6 +124,7 @@ void PhotoPreview::showPhoto(int index) {
   setWindowTitle(title());
   m_previous->setEnabled(index > 0);
   m_next->setEnabled(index + 1 < m_view->itemCount());
+  m_player->setVisible(m_item->isFilm());
   request();
   update();
 }
@@ -178,14 +188,16 @@ void PhotoPreview::keep(ThumbnailResult&& result) {
 
 // Beside the buttons, which no photo hides.
 QRect PhotoPreview::photoArea() const {
-  const int caption = fontMetrics().height() + margin;
+  const bool isFilm = m_item != nullptr && m_item->isFilm();
+  const int caption =
+      fontMetrics().height() + margin + (isFilm ? m_player->sizeHint().height() + margin / 2 : 0);
   const int side = buttonSide + margin / 2;
   return rect().adjusted(side, margin, -side, -caption - margin / 2);
 }
 
 // As large as the area allows, never larger than the photo is.
 QSizeF PhotoPreview::fittedSize() const {
-  const QSizeF size = QSizeF(m_photo.photoSize) / devicePixelRatio();
+  const QSizeF size = QSizeF(m_photo.wholeSize()) / devicePixelRatio();
   const QSizeF area = photoArea().size();
   const bool fits = size.width() <= area.width() && size.height() <= area.height();
   return (fits ? size : size.scaled(area, Qt::KeepAspectRatio)).expandedTo(QSizeF(1, 1));
@@ -260,6 +272,8 @@ void PhotoPreview::paintEvent(QPaintEvent*) {
     painter.setClipRect(area);
     painter.drawImage(photoRect(), m_photo.picture);
     painter.setClipping(false);
+  } else if (m_photo.isFilm) {
+    painter.drawText(area, Qt::AlignCenter, "The backup has no picture of this film.");
   } else if (m_photo.isBroken()) {
     painter.drawText(area, Qt::AlignCenter, troubleOf(m_photo).sentence);
   }
@@ -278,6 +292,11 @@ void PhotoPreview::resizeEvent(QResizeEvent*) {
   m_previous->move(gap, middle);
   m_next->move(width() - buttonSide - gap, middle);
   m_close->move(width() - buttonSide - gap, gap);
+  const QSize player = m_player->sizeHint();
+  m_player->setGeometry(
+      QRect((width() - player.width()) / 2,
+            height() - 2 * margin - fontMetrics().height() - player.height() + margin / 2,
+            player.width(), player.height()));
   moveTo(m_centre);
   request();
 }

@@ -8,6 +8,7 @@
 #include "widgets/thumbnails/ThumbnailCache.h"
 #include "widgets/thumbnails/ThumbnailLoader.h"
 
+class QPushButton;
 class QToolButton;
 
 namespace snaplift {
@@ -18,8 +19,9 @@ class ImageBrowserView;
 // this size on a worker of the preview's own, then the photos before and behind it, so that a step
 // shows the next one without waiting. Arrow keys step through the view's photos; plus, minus, 0 and
 // the wheel zoom, for which the full picture is decoded, and a drag moves it; F11 fills the screen;
-// Space, Escape and a double click close it. Buttons do for the pointer what these keys do. It
-// exists only while it is open.
+// Space, Escape and a double click close it. Buttons do for the pointer what these keys do. Of a
+// film it shows the still, and a button has the delegate open it in a player. It exists only while
+// it is open.
 //
 // To screen readers it is a picture with the photo's name, and its place in the list for a
 // description.
@@ -73,6 +75,7 @@ private:
   QToolButton* m_previous;
   QToolButton* m_next;
   QToolButton* m_close;
+  QPushButton* m_player;
   int m_index = -1;
   int m_direction = 1;  // of the last step
   ImageBrowserItemPointer m_item;

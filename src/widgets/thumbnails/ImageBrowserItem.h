@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -24,6 +25,13 @@ public:
   virtual std::optional<Bytes> imageRepresentation() const = 0;
   // Their first `size`, or all where there are fewer: enough for the preview in a camera's photo.
   virtual std::optional<Bytes> imageBeginning(std::size_t size) const = 0;
+  // A small encoded picture that the source has beside the item, read anew at every call.
+  virtual std::optional<Bytes> imageThumbnail() const { return std::nullopt; }
+  // Whether that one, if there is one, is sooner shown than what the item's own bytes bring along.
+  virtual bool isThumbnailFirst() const { return false; }
+  // A film: its bytes, which may be many, are never read for a picture.
+  virtual bool isFilm() const { return false; }
+  virtual std::optional<std::chrono::milliseconds> filmLength() const { return std::nullopt; }
   // What can be told of the bytes without reading them. Looks at the disk at every call.
   enum class Content { Whole, Short, Unreadable, Missing };
   virtual Content imageContent() const { return Content::Whole; }

@@ -20,6 +20,13 @@ ThumbnailTrouble troubleOf(const Thumbnail& thumbnail) {
   }
 }
 
+QString filmLengthText(std::chrono::milliseconds length) {
+  const auto seconds = std::chrono::ceil<std::chrono::seconds>(length).count();
+  const QString clock =
+      QString("%1:%2").arg(seconds / 60 % 60).arg(seconds % 60, 2, 10, QChar(u'0'));
+  return seconds < 3600 ? clock : QString("%1:%2").arg(seconds / 3600).arg(clock, 5, QChar(u'0'));
+}
+
 int thumbnailStep(int pixels) {
   constexpr std::array steps{96, 128, 192, 256, 384, 512, 768, 1024, 1536};
   const auto* step = std::lower_bound(steps.begin(), steps.end(), pixels);

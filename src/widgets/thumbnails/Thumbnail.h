@@ -2,7 +2,10 @@
 
 #include <QImage>
 #include <QSize>
+#include <QString>
+#include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace snaplift {
 
@@ -23,6 +26,12 @@ struct Thumbnail {
   QSize photoSize;             // of the whole photo, upright, in pixels; invalid if not known
   std::int64_t byteCount = 0;  // of the whole photo
   bool isDamaged = false;      // `picture` shows what is left of the photo
+  bool isFilm = false;         // `picture`, if there is one, is a still of it
+  std::optional<std::chrono::milliseconds> filmLength = {};
+
+  // The size of the whole photo; where that is not known, one of the picture's shape that is larger
+  // than any place for it.
+  QSize wholeSize() const { return photoSize.isValid() ? photoSize : picture.size() * 64; }
 
   bool isBroken() const {
     return state == State::Missing || state == State::Unreadable || state == State::Undecodable;
@@ -36,6 +45,9 @@ struct ThumbnailTrouble {
   const char* sentence;
 };
 ThumbnailTrouble troubleOf(const Thumbnail& thumbnail);
+
+// "0:12", "1:02:03": to the next second.
+QString filmLengthText(std::chrono::milliseconds length);
 
 // The length in pixels of the longer side that a thumbnail is decoded with, for a cell of `pixels`:
 // the next of a few fixed steps, each at most one and a half times the one before. So zooming

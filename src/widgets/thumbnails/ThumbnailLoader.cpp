@@ -51,6 +51,13 @@ std::optional<Bytes> neededBytes(const ImageBrowserItem& item, Kind kind) {
   return item.imageRepresentation();
 }
 
+Thumbnail brokenThumbnail(ImageBrowserItem::Content content) {
+  Thumbnail broken;
+  broken.state = content == ImageBrowserItem::Content::Missing ? Thumbnail::State::Missing
+                                                               : Thumbnail::State::Unreadable;
+  return broken;
+}
+
 Thumbnail thumbnailOf(DecodedPicture&& decoded, const ThumbnailRequest& request) {
   Thumbnail result;
   const bool isPreview = request.kind == Kind::Preview;
@@ -101,6 +108,9 @@ struct ThumbnailLoader::State {
   std::optional<Thumbnail> run(Job& job, PictureDecoder& decoder, const StopSignal& stop) const;
   DecodedPicture decode(const Job& job, ByteView bytes, PictureDecoder& decoder,
                         const StopSignal& stop) const;
+  std::optional<Thumbnail> devicePreview(const Job& job, PictureDecoder& decoder,
+                                         const StopSignal& stop) const;
+  Thumbnail filmThumbnail(const Job& job, PictureDecoder& decoder, const StopSignal& stop) const;
   bool keepResult(const Running& job, std::optional<Thumbnail> thumbnail, Job&& begun);
 };
 
@@ -124,31 +134,77 @@ DecodedPicture ThumbnailLoader::State::decode(const Job& job, ByteView bytes,
                      : decoder.decode(request, bytes, stop);
 }
 
+// The small picture that the source has beside the photo, as a first paint; nothing where there is
+// none that can be shown. How large the whole photo is, it does not tell.
+std::optional<Thumbnail> ThumbnailLoader::State::devicePreview(const Job& job,
+                                                               PictureDecoder& decoder,
+                                                               const StopSignal& stop) const {
+  const std::optional<Bytes> bytes = job.request.item->imageThumbnail();
+  if (!bytes) {
+    return std::nullopt;
+  }
+  DecodedPicture decoded = decoder.decode(
+      {PictureRequest::Kind::Picture, static_cast<std::uint32_t>(job.request.pixels)}, *bytes,
+      stop);
+  if (decoded.outcome != DecodedPicture::Outcome::Decoded) {
+    return std::nullopt;
+  }
+  Thumbnail result = thumbnailOf(std::move(decoded), job.request);
+  result.state = Thumbnail::State::Preview;
+  result.photoSize = {};
+  return result;
+}
+
+// There is nothing more to come than that picture, or none.
+Thumbnail ThumbnailLoader::State::filmThumbnail(const Job& job, PictureDecoder& decoder,
+                                                const StopSignal& stop) const {
+  Thumbnail film = devicePreview(job, decoder, stop).value_or(Thumbnail());
+  film.state = Thumbnail::State::Ready;
+  film.pixels = job.request.pixels;
+  film.isFilm = true;
+  film.filmLength = job.request.item->filmLength();
+  return film;
+}
+
 // Nothing: the photo turned out to be large and is to come again when it is its turn.
 std::optional<Thumbnail> ThumbnailLoader::State::run(Job& job, PictureDecoder& decoder,
                                                      const StopSignal& stop) const {
   if (job.request.kind == Kind::Shrink) {
     return shrunk(job.request);
   }
-  const std::optional<Bytes> bytes = neededBytes(*job.request.item, job.request.kind);
+  using Content = ImageBrowserItem::Content;
+  const ImageBrowserItem& item = *job.request.item;
+  const bool isPreview = job.request.kind == Kind::Preview;
+  if (item.isFilm() || (isPreview && item.isThumbnailFirst())) {
+    const Content content = item.imageContent();
+    if (content == Content::Missing || content == Content::Unreadable) {
+      return brokenThumbnail(content);
+    }
+    std::optional<Thumbnail> result =
+        item.isFilm() ? filmThumbnail(job, decoder, stop) : devicePreview(job, decoder, stop);
+    if (result) {
+      result->isDamaged = content == Content::Short;
+      return result;
+    }
+  }
+  const std::optional<Bytes> bytes = neededBytes(item, job.request.kind);
   if (!bytes) {
-    Thumbnail broken;
-    const bool isMissing = job.request.item->imageContent() == ImageBrowserItem::Content::Missing;
-    broken.state = isMissing ? Thumbnail::State::Missing : Thumbnail::State::Unreadable;
-    return broken;
+    return brokenThumbnail(item.imageContent());
   }
   DecodedPicture decoded = decode(job, *bytes, decoder, stop);
+  if (isPreview && decoded.outcome == DecodedPicture::Outcome::NoPreview) {
+    if (auto result = devicePreview(job, decoder, stop)) {
+      return result;
+    }
+  }
   if (decoded.outcome == DecodedPicture::Outcome::TooLarge && !job.isLarge &&
       limits.largeMemory > 0) {
     job.isLarge = true;
     return std::nullopt;
   }
   Thumbnail result = thumbnailOf(std::move(decoded), job.request);
-  if (job.request.kind == Kind::Decode) {
-    result.byteCount = static_cast<std::int64_t>(bytes->size());
-  }
-  result.isDamaged =
-      result.isDamaged || job.request.item->imageContent() == ImageBrowserItem::Content::Short;
+  result.byteCount = static_cast<std::int64_t>(bytes->size());
+  result.isDamaged = result.isDamaged || item.imageContent() == Content::Short;
   return result;
 }
 
