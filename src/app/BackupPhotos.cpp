@@ -26,6 +26,11 @@ ImageBrowserItem::Content BackupPhoto::imageContent() const {
   return Content::Missing;
 }
 
+bool BackupPhoto::isThumbnailFirst() const {
+  const std::string type = m_item.imageFileType();
+  return equalsIgnoringCase(type, "heic") || equalsIgnoringCase(type, "heif");
+}
+
 std::string BackupPhoto::imageOrigin() const {
   return std::string(parentPath(m_item.path().substr(m_backupFolder.size() + 1)));
 }

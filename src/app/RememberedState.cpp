@@ -54,6 +54,16 @@ void RememberedState::setWindow(const Window& window) const {
   }
 }
 
+bool RememberedState::showsOtherMedia() const {
+  return m_keeps && QSettings(windowFileName(), QSettings::IniFormat).value("otherMedia").toBool();
+}
+
+void RememberedState::setShowsOtherMedia(bool shows) const {
+  if (m_keeps) {
+    QSettings(windowFileName(), QSettings::IniFormat).setValue("otherMedia", shows);
+  }
+}
+
 std::vector<std::string> RememberedState::recentFolders() const {
   return m_keeps ? folders("recent") : m_recent;
 }

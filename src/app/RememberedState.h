@@ -8,12 +8,12 @@
 
 namespace snaplift {
 
-// What the window keeps for its next start: its size and place, the divider, the folders that were
-// open and those that were opened lately, the folder of the last export, and how photos are
-// exported. Kept in three files and nowhere else: "folders.ini" and "export.ini" in
-// "$XDG_CONFIG_HOME/snaplift", and "$XDG_STATE_HOME/snaplift/window.ini". One that keeps nothing
-// reads and writes nothing. Files that cannot be read or written are passed over: nobody wants to
-// hear of them.
+// What the window keeps for its next start: its size and place, the divider, whether films are
+// shown, the folders that were open and those that were opened lately, the folder of the last
+// export, and how photos are exported. Kept in three files and nowhere else: "folders.ini" and
+// "export.ini" in "$XDG_CONFIG_HOME/snaplift", and "$XDG_STATE_HOME/snaplift/window.ini". One that
+// keeps nothing reads and writes nothing. Files that cannot be read or written are passed over:
+// nobody wants to hear of them.
 class RememberedState {
 public:
   static constexpr std::size_t recentFolderCount = 10;
@@ -25,6 +25,10 @@ public:
   };
   Window window() const;
   void setWindow(const Window& window) const;
+
+  // Whether films and pictures beside the photos are shown.
+  bool showsOtherMedia() const;
+  void setShowsOtherMedia(bool shows) const;
 
   std::vector<std::string> openFolders() const { return folders("open"); }
   void setOpenFolders(const std::vector<std::string>& open) const { setFolders("open", open); }

@@ -130,6 +130,7 @@ void SLAppDelegate::connectCommands() {
   command(m_ui->actionZoomOut, [browser] { browser->zoomOut(); });
   command(m_ui->actionStartSize, [browser] { browser->zoomToInitialSize(); });
   command(m_ui->actionPreview, [browser] { browser->setPreviewOpen(!browser->isPreviewOpen()); });
+  connect(m_ui->actionOtherMedia, &QAction::toggled, this, &SLAppDelegate::showOtherMedia);
   command(m_ui->actionAbout, [this] { showAbout(); });
   connect(m_ui->exportButton, &QPushButton::clicked, this, [this] {
     (hasSelection() ? m_ui->actionExportSelected : m_ui->actionExportAll)->trigger();
@@ -140,6 +141,7 @@ void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot,
                                                   const std::vector<std::string>& folders,
                                                   bool keepsState) {
   m_state = RememberedState(keepsState);
+  m_ui->actionOtherMedia->setChecked(m_state.showsOtherMedia());
   m_bc = std::make_unique<BackupController>(backupRoot);
   // Before the sidebar can select a backup and start its load: no finish may be missed.
   registerForLoading();

@@ -113,6 +113,7 @@ public:
 
   // The photo browser's questions.
   void imageBrowserCellWasDoubleClickedAtIndex(ImageBrowserView& browser, int index) override;
+  void imageBrowserOpenItemAtIndex(ImageBrowserView& browser, int index) override;
   std::optional<std::vector<std::string>> imageBrowserExportItemsToDestination(
       ORBImageBrowserView& browser, const std::vector<ImageBrowserItemPointer>& items,
       const std::string& destination) override;
@@ -168,6 +169,8 @@ private:
   void didShowContentOf(BackupModel* backup);
   void sayThatItIsEncrypted(std::function<void()> dismissed = {});
   void tellOfDamage();
+  void tellOfOtherMedia(BackupModel& backup);
+  void showOtherMedia(bool shows);
   void showMessage(const QString& message);
   void updateCentreText();
   void updateMenuItem();
@@ -215,6 +218,7 @@ private:
 
   std::unique_ptr<PhotoExporter> m_exporter;
   std::string m_exportFolder;  // of the last export, also of an earlier run
+  std::shared_ptr<TemporaryPhotos> m_openedFilm;
   NotificationCenter::Token m_startedLoading;
   NotificationCenter::Token m_finishedLoading;
   std::unique_ptr<FolderSearch> m_search;

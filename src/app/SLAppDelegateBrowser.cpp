@@ -14,6 +14,8 @@
 #include "ui_MainWindow.h"
 #include "widgets/desktop/Alert.h"
 #include "widgets/desktop/MainThread.h"
+#include "widgets/desktop/NoticeBar.h"
+#include "widgets/desktop/Workspace.h"
 
 namespace snaplift {
 namespace {
@@ -82,8 +84,10 @@ void SLAppDelegate::showContentOf(BackupModel* backup) {
   if (backup != selectedBackup()) {
     return;
   }
+  backup->setWantsOtherMedia(m_ui->actionOtherMedia->isChecked());
   m_arrayController.setContent(backup);
   m_ui->browser->reloadData();
+  tellOfOtherMedia(*backup);
   if (backup->imageItems().empty() && !backup->encryptsList()) {
     showMessage("No Photos Found in This Backup");
   } else if (backup->encrypted()) {
@@ -123,6 +127,40 @@ void SLAppDelegate::tellOfDamage() {
   showAlert(m_window.get(), {"This Backup is Damaged",
                              "Snaplift shows every photo that it could find, but some of the "
                              "files that list the photos cannot be read. Photos may be missing."});
+}
+
+void SLAppDelegate::tellOfOtherMedia(BackupModel& backup) {
+  const OtherMedia others = backup.otherMedia();
+  if (others.isEmpty() || backup.encrypted() || m_ui->actionOtherMedia->isChecked()) {
+    m_ui->mediaNotice->hide();
+    return;
+  }
+  m_ui->mediaNotice->tell(QString::fromStdString(others.subject() + " not shown"),
+                          {{"Show Them", [this] { m_ui->actionOtherMedia->setChecked(true); }}});
+}
+
+void SLAppDelegate::showOtherMedia(bool shows) {
+  m_state.setShowsOtherMedia(shows);
+  BackupModel* backup = m_arrayController.content();
+  if (backup && !backup->encrypted()) {
+    showContentOf(backup);
+  }
+}
+
+void SLAppDelegate::imageBrowserOpenItemAtIndex(ImageBrowserView&, int index) {
+  BackupModel* backup = m_arrayController.content();
+  if (!backup) {
+    return;
+  }
+  const PhotosToExport films = photosAtIndexes(*backup, {index});
+  m_openedFilm = std::make_shared<TemporaryPhotos>(films, tellingFailedCopy(films.size()));
+  const auto copy = m_openedFilm;  // who waits here may be asked again
+  for (const std::string& path : copy->paths()) {
+    if (!openFileInItsProgram(path)) {
+      showAlert(m_window.get(), {"This Film Cannot Be Opened",
+                                 "The desktop has no program that opens films of this kind."});
+    }
+  }
 }
 
 void SLAppDelegate::showMessage(const QString& message) {

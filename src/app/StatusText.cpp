@@ -28,6 +28,9 @@ QString backupDescription(BackupModel& backup) {
     lines << "System version " + QString::fromStdString(escapedForLog(*backup.productVersion()));
   }
   lines << QString::fromStdString(escapedForLog(backup.path()));
+  if (backup.wasLeftUnfinished()) {
+    lines << "Not finished by the device's backup";
+  }
   if (backup.contentReady()) {
     lines << photoCountText(static_cast<int>(backup.imageItems().size()), 0);
   }

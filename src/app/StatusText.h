@@ -16,7 +16,7 @@ QString photoCountText(int photos, int selected);
 QString exportProgressText(int remaining);
 
 // What there is to know of a backup besides the title of its row, one thing a line: date and time,
-// system version, folder and, once it is loaded, the number of photos.
+// system version, folder, whether it is unfinished and, once it is loaded, the number of photos.
 QString backupDescription(BackupModel& backup);
 
 // A folder as a person calls it: by the last component of its path.
