@@ -8,6 +8,8 @@
 #include <jpeglib.h>
 #include <png.h>
 
+#include "pictures/BigEndian.h"
+
 namespace snaplift::samples {
 namespace {
 
@@ -55,14 +57,6 @@ std::string jpegOf(const Image& image, int quality) {
   return jpegOfPixels(image.bytes.data(), image.width, image.height, 3, quality);
 }
 
-std::string bigEndian(std::size_t value, int width) {
-  std::string bytes;
-  while (width > 0) {
-    bytes += static_cast<char>(value >> 8 * --width);
-  }
-  return bytes;
-}
-
 enum class TiffType { Text = 2, Short = 3, Long = 4 };
 
 // One entry of a TIFF directory; a short stands left in the four bytes of the value.
@@ -107,6 +101,10 @@ std::string jpegOfPixels(const std::uint8_t* pixels, int width, int height, int 
   jpeg_destroy_compress(&encoder);
   const std::unique_ptr<unsigned char, void (*)(void*)> owned(bytes, std::free);
   return {reinterpret_cast<const char*>(bytes), size};
+}
+
+std::string plainJpeg(const Image& image) {
+  return jpegOf(image, previewQuality);
 }
 
 std::string jpegPhoto(const Image& upright, const CameraData& camera) {

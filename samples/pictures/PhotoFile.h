@@ -28,6 +28,9 @@ std::string jpegOfPixels(const std::uint8_t* pixels, int width, int height, int 
 // into. Throws std::runtime_error for more than a segment holds.
 std::string withExif(std::string_view jpeg, const CameraData& camera, std::string_view preview);
 
+// The JPEG file of a picture and nothing else: a thumbnail, a frame of a film.
+std::string plainJpeg(const Image& image);
+
 // The PNG file of a screen picture, upright, without further data. Throws std::runtime_error.
 std::string pngPicture(const Image& image);
 

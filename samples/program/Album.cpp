@@ -5,18 +5,48 @@
 #include <iterator>
 #include <thread>
 #include <utility>
+#include <vector>
 
+#include "pictures/FilmFile.h"
+#include "pictures/HeicPhoto.h"
 #include "pictures/Landscape.h"
 #include "pictures/PhotoFile.h"
 
 namespace snaplift::samples {
 namespace {
 
+// The camera pans over a view that is wider than its picture.
+std::string panned(const Shot& shot) {
+  constexpr int framesOfSecond = 12;
+  constexpr int frameCount = 5 * framesOfSecond;
+  const Image view = paintLandscape(shot.seed, shot.width * 3 / 2, shot.height);
+  std::vector<std::string> frames;
+  for (int frame = 0; frame < frameCount; ++frame) {
+    Image picture(shot.width, shot.height);
+    const int left = frame * (view.width - shot.width) / frameCount;
+    for (int y = 0; y < shot.height; ++y) {
+      std::copy_n(view.pixel(left, y), 3 * shot.width, picture.pixel(0, y));
+    }
+    frames.push_back(plainJpeg(picture));
+  }
+  return jpegFilm(frames, shot.width, shot.height, framesOfSecond);
+}
+
 std::string painted(const Shot& shot) {
+  if (shot.source == Source::Film) {
+    return panned(shot);
+  }
   const Image picture = paintLandscape(shot.seed, shot.width, shot.height);
-  return shot.source == Source::Screen
-             ? pngPicture(picture)
-             : jpegPhoto(picture, {.orientation = shot.orientation, .taken = shot.taken});
+  switch (shot.source) {
+    case Source::Screen:
+      return pngPicture(picture);
+    case Source::NewerCamera:
+      return heicPhoto(picture);
+    case Source::Thumbnail:
+      return plainJpeg(picture);
+    default:
+      return jpegPhoto(picture, {.orientation = shot.orientation, .taken = shot.taken});
+  }
 }
 
 }  // namespace

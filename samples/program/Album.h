@@ -9,7 +9,8 @@
 
 namespace snaplift::samples {
 
-enum class Source { Camera, Screen };
+// A camera of newer handsets takes HEIC photos, and films; a device makes small pictures of both.
+enum class Source { Camera, Screen, NewerCamera, Film, Thumbnail };
 
 // Which landscape one photo shows, and how it was taken.
 struct Shot {
@@ -28,7 +29,7 @@ class Album {
 public:
   explicit Album(const std::vector<Shot>& shots);
 
-  // The file of one of those shots: a JPEG, or a PNG from a screen.
+  // The file of one of those shots. A HEIC photo is empty in a build without libheif.
   const std::string& fileOf(const Shot& shot) const { return m_files.at(shot); }
 
 private:

@@ -4,29 +4,17 @@
 #include <vector>
 
 #include "foundation/files/Path.h"
-#include "program/Album.h"
+#include "program/Rolls.h"
 #include "samples/BackupWriter.h"
 
 namespace snaplift::samples {
 namespace {
 
-constexpr std::int64_t secondsPerDay = 86400;
-
-// The camera of a generation of handsets.
-struct Camera {
-  int width, height;
-};
 constexpr Camera twoMegapixels = {1600, 1200};
 constexpr Camera threeMegapixels = {2048, 1536};
 constexpr Camera fiveMegapixels = {2592, 1936};
 
-// A roll of photos that one device took over the years, in the order in which it took them.
-struct Roll {
-  std::uint32_t firstSeed;
-  int photos;
-  Camera camera;
-  std::int64_t firstDay;  // since 1970
-};
+constexpr Camera newerCamera = {2016, 1512};
 
 // One backup of the root: a device's roll as far as it had come.
 struct PlannedBackup {
@@ -35,31 +23,44 @@ struct PlannedBackup {
   const char *deviceName, *version;
   std::int64_t day;  // since 1970
   Roll roll;
-  int screens = 0;  // pictures of the screen besides
   bool encrypted = false;
+  bool interrupted = false;  // the backup was: it is not finished, and its manifest has a log
 };
 
-constexpr Roll annasRoll(int photos) {
-  return {0, photos, fiveMegapixels, 14800};
+constexpr Roll annasRoll(int photos, int screens, int films = 0) {
+  return {0, photos, fiveMegapixels, 14800, screens, films};
 }
 constexpr Roll bensRoll(int photos) {
   return {40, photos, twoMegapixels, 13900};
 }
 
 const std::vector<PlannedBackup> plan = {
+    {"f1d2d2f924e986ac86fdf7b36c94bcdf32beec15",
+     Generation::Ten,
+     "Anna's New Phone",
+     "14.3",
+     18644,
+     {0, 14, newerCamera, 18330, 2}},
+    {"e242ed3bffccdf271b7fbaf34ed72d089537b42f",
+     Generation::Ten,
+     "Ben's New Phone",
+     "10.3.1",
+     17310,
+     {44, 5, newerCamera, 17200},
+     false,
+     true},
     {"2b6f0cc904d137be2e1730235f5664094b831186", Generation::Five, "Anna's Phone", "5.1.1", 15501,
-     annasRoll(14), 2},
+     annasRoll(14, 2, 3)},
     {"3f2a9c51d0e84b7796ac13f5b2087de46190ab35", Generation::Four, "Anna's Phone", "4.3.3", 15203,
-     annasRoll(9), 1},
+     annasRoll(9, 1)},
     {"77de68daecd823babbb58edb1c8e14d7106e83bb", Generation::Three, "Anna's Phone", "3.1.3", 14862,
-     annasRoll(5)},
+     annasRoll(5, 0)},
     {"902ba3cda1883801594b6e1b452790cc53948fda",
      Generation::Five,
      "Kitchen Tablet",
      "5.0.1",
      15420,
-     {20, 7, threeMegapixels, 15210},
-     4},
+     {20, 7, threeMegapixels, 15210, 4}},
     {"1b6453892473a467d07372d45eb05abc2031647a", Generation::TwoPairForm, "Ben's Old Phone",
      "2.2.1", 14390, bensRoll(6)},
     {"c1dfd96eea8cc2b62785275bca38ac261256e278", Generation::TwoSingleForm, "Ben's Old Phone",
@@ -70,7 +71,6 @@ const std::vector<PlannedBackup> plan = {
      "5.1",
      15480,
      {60, 2, threeMegapixels, 15300},
-     0,
      true},
     {"da4b9237bacccdf19c0760cab7aec4a8359010b0",
      Generation::Four,
@@ -93,29 +93,13 @@ const std::vector<PlannedBackup> plan = {
 };
 constexpr const char* damagedFolder = "ac3478d69a3c81fa62e60f5c3696165a4e5e6ac4";
 
-Instant noonOf(std::int64_t day) {
-  return instantFromUnixTime(day * secondsPerDay + 43200);
-}
-
-std::vector<Shot> shotsOf(const PlannedBackup& backup, bool small) {
+std::vector<PlacedShot> shotsOf(const PlannedBackup& backup, bool small) {
+  if (backup.roll.photos == 0) {
+    return {};
+  }
   const int divisor = small ? 4 : 1;
-  std::vector<Shot> shots;
-  for (int i = 0; i < backup.roll.photos; ++i) {
-    // Most pictures are taken upright; each orientation comes up somewhere.
-    const auto seed = backup.roll.firstSeed + static_cast<std::uint32_t>(i);
-    const int orientation = i % 3 == 2 ? 1 + static_cast<int>(seed / 3 % 8) : 1;
-    const bool portrait = orientation >= 5;
-    const int width = backup.roll.camera.width / divisor;
-    const int height = backup.roll.camera.height / divisor;
-    shots.push_back({Source::Camera, seed, portrait ? height : width, portrait ? width : height,
-                     orientation, noonOf(backup.roll.firstDay + 23L * i)});
-  }
-  for (int i = 0; i < backup.screens; ++i) {
-    const std::uint32_t seed = backup.roll.firstSeed + 100 + static_cast<std::uint32_t>(i);
-    shots.push_back({Source::Screen, seed, 640 / divisor, 960 / divisor, 1,
-                     noonOf(backup.roll.firstDay + 11L * i)});
-  }
-  return shots;
+  return backup.generation == Generation::Ten ? newRoll(backup.roll, divisor)
+                                              : oldRoll(backup.roll, divisor);
 }
 
 std::uint32_t secondsOf(Instant instant) {
@@ -123,18 +107,16 @@ std::uint32_t secondsOf(Instant instant) {
       std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count());
 }
 
-void addPhotos(SampleBackup& backup, const std::vector<Shot>& shots, const Album& album) {
+void addPhotos(SampleBackup& backup, const std::vector<PlacedShot>& shots, const Album& album) {
   const std::string domain(photoDomain(backup.generation));
-  const std::string folder = "Media/DCIM/100APPLE";
-  backup.files.push_back({.domain = domain, .path = folder, .mode = folderMode});
-  int number = 0;
-  for (const Shot& shot : shots) {
-    const std::string digits = std::to_string(10000 + ++number).substr(1);
-    const char* extension = shot.source == Source::Screen ? ".PNG" : ".JPG";
-    backup.files.push_back({.domain = domain,
-                            .path = joinPath(folder, "IMG_" + digits + extension),
-                            .content = album.fileOf(shot),
-                            .modificationDate = secondsOf(shot.taken)});
+  backup.files.push_back({.domain = domain, .path = "Media/DCIM/100APPLE", .mode = folderMode});
+  for (const PlacedShot& shot : shots) {
+    if (!album.fileOf(shot.shot).empty()) {
+      backup.files.push_back({.domain = domain,
+                              .path = shot.path,
+                              .content = album.fileOf(shot.shot),
+                              .modificationDate = secondsOf(shot.shot.taken)});
+    }
   }
   backup.files.push_back({.domain = domain,
                           .path = "Media/Recordings/Memo.m4a",
@@ -147,7 +129,8 @@ void addPhotos(SampleBackup& backup, const std::vector<Shot>& shots, const Album
 void addOtherFiles(SampleBackup& backup) {
   for (int i = 0; i < 120; ++i) {
     const std::string application = "AppDomain-app.example.tool" + std::to_string(i / 6);
-    const std::string name = "Library/Preferences/settings" + std::to_string(i % 6) + ".plist";
+    const int number = i < 60 ? i : i % 6;
+    const std::string name = "Library/Preferences/settings" + std::to_string(number) + ".plist";
     backup.files.push_back({.domain = i < 60 ? "HomeDomain" : application,
                             .path = name,
                             .content = i % 6 == 5 ? std::string() : "settings " + std::to_string(i),
@@ -184,8 +167,9 @@ void damage(const std::string& folder, const SampleBackup& backup) {
 void writeSampleRoot(const std::string& root, bool small) {
   std::vector<Shot> allShots;
   for (const PlannedBackup& planned : plan) {
-    const std::vector<Shot> shots = shotsOf(planned, small);
-    allShots.insert(allShots.end(), shots.begin(), shots.end());
+    for (const PlacedShot& shot : shotsOf(planned, small)) {
+      allShots.push_back(shot.shot);
+    }
   }
   const Album album(allShots);
   for (const PlannedBackup& planned : plan) {
@@ -194,10 +178,14 @@ void writeSampleRoot(const std::string& root, bool small) {
                         .productVersion = planned.version,
                         .encrypted = planned.encrypted,
                         .date = noonOf(planned.day)};
-    if (planned.roll.photos + planned.screens > 0) {
+    if (planned.roll.photos > 0) {
       addPhotos(backup, shotsOf(planned, small), album);
     }
     addOtherFiles(backup);
+    if (planned.interrupted) {
+      backup.unfinished = true;
+      backup.filesInLog = backup.files.size() / 2;
+    }
     const std::string folder = joinPath(root, planned.folder);
     writeBackup(folder, backup);
     if (planned.folder == std::string_view(damagedFolder)) {
