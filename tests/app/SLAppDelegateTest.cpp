@@ -1,13 +1,17 @@
 #include <QApplication>
 #include <QClipboard>
+#include <QDesktopServices>
 #include <QFileDialog>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QTextBrowser>
 #include <filesystem>
 #include <functional>
 #include <latch>
+
+#include <gmock/gmock.h>
 
 #include "SLAppDelegateFixture.h"
 
@@ -229,6 +233,69 @@ TEST_F(SLAppDelegateTest, tellsApartRowsOfOneNameAndDescribesThem) {
   select(4);
   EXPECT_TRUE(waitForText("3 Photos"));
   EXPECT_EQ(described(), known + "\n3 Photos");
+}
+
+TEST_F(SLAppDelegateTest, saysWhatIsNotShownAndShowsItFromThenOn) {
+  qputenv("XDG_STATE_HOME", QByteArray::fromStdString(m_tree.path("state")));
+  samples::SampleBackup backup{.deviceName = "Anna's Phone", .productVersion = "5.0"};
+  for (const char* name : {"a.MOV", "b.PNG", "c.GIF", "d.mp4"}) {
+    backup.files.push_back({.domain = "CameraRollDomain",
+                            .path = std::string("Media/DCIM/100APPLE/") + name,
+                            .content = m_picture});
+  }
+  samples::writeBackup(m_tree.path("root/a"), backup);
+  addBackup("older", 2, -100);
+  launch({}, true);
+  auto& notice = child<QWidget>("mediaNotice");
+  const auto shows = [&](const QString& expected) {
+    return waitForText(expected) && QTest::qWaitFor([&] { return notice.isVisible(); });
+  };
+  ASSERT_TRUE(shows("1 Photo"));
+  EXPECT_EQ(notice.accessibleName(), "2 films and 1 other picture are not shown");
+  select(2);
+  EXPECT_TRUE(waitForText("2 Photos"));
+  EXPECT_FALSE(notice.isVisible());
+  select(1);
+  ASSERT_TRUE(shows("1 Photo"));
+  notice.findChild<QPushButton*>()->click();
+  EXPECT_TRUE(waitForText("4 Photos"));
+  EXPECT_FALSE(notice.isVisible());
+  EXPECT_TRUE(action("actionOtherMedia").isChecked());
+  EXPECT_EQ(dropAllPhotosInto("out")->size(), 4);
+  action("actionOtherMedia").setChecked(false);
+  EXPECT_TRUE(waitForText("1 Photo"));
+  action("actionOtherMedia").setChecked(true);
+  launch({}, true);
+  EXPECT_TRUE(waitForText("4 Photos"));
+}
+
+TEST_F(SLAppDelegateTest, opensACopyOfAFilmInAPlayerAndSaysWhatIsUnfinished) {
+  const std::string film = "Media/DCIM/100APPLE/a.MOV";
+  samples::writeBackup(m_tree.path("root/a"),
+                       {.generation = samples::Generation::Ten,
+                        .deviceName = "Anna's Phone",
+                        .productVersion = "14.3",
+                        .files = {{.domain = "CameraRollDomain", .path = film, .content = "film"}},
+                        .unfinished = true});
+  launch();
+  ASSERT_TRUE(waitForText("1 Photo"));
+  EXPECT_THAT(m_delegate->sourceListDescriptionOfItem(sourceList(), backupAtRow(1))
+                  .value_or("")
+                  .toStdString(),
+              testing::HasSubstr("\nNot finished by the device's backup\n"));
+  action("actionPreview").trigger();
+  QTextBrowser player;  // stands for the desktop, which knows what program opens a film
+  QDesktopServices::setUrlHandler("file", &player, "setSource");
+  auto* button = browser().findChild<QPushButton*>();
+  ASSERT_EQ(button->text(), "Open in Player");
+  button->click();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !player.source().isEmpty(); }));
+  QDesktopServices::unsetUrlHandler("file");
+  const QString opened = player.source().toLocalFile();
+  EXPECT_TRUE(opened.endsWith("/a.MOV"));
+  EXPECT_FALSE(opened.startsWith(QString::fromStdString(m_tree.path("root"))));
+  QFile copy(opened);
+  EXPECT_TRUE(copy.open(QIODevice::ReadOnly) && copy.readAll() == "film");
 }
 
 TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {

@@ -300,6 +300,29 @@ TEST_F(ListCommandsTest, checksForMissingAndShortPhotos) {
   }
 }
 
+TEST_F(ListCommandsTest, takesFilmsAndOtherPicturesWhereTheyAreWanted) {
+  const std::string roll = "Media/DCIM/100APPLE/";
+  const std::string backup =
+      write("five", {.generation = Generation::Five,
+                     .productVersion = "5.0",
+                     .files = {photo(layoutFive, roll + "a.MOV", "film"),
+                               photo(layoutFive, roll + "b.JPG", "photo"),
+                               photo(layoutFive, roll + "c.TIFF", "other")}});
+  const std::string hint = "1 film and 1 other picture are left out of " + backup + "; see --media";
+  const ProgramResult photos = run({"photos", backup, "--media", "photos"});
+  EXPECT_EQ(photos.output, roll + "b.JPG\n");
+  EXPECT_THAT(photos.errors, HasSubstr(hint));
+  const ProgramResult all = run({"photos", backup, "--media", "all"});
+  EXPECT_EQ(all.output, roll + "b.JPG\n" + roll + "a.MOV\n" + roll + "c.TIFF\n");
+  EXPECT_THAT(all.errors, testing::Not(HasSubstr("left out")));
+  EXPECT_THAT(run({"check", backup}).errors, HasSubstr(hint));
+  EXPECT_THAT(run({"check", backup, "--media", "all"}).output, HasSubstr("3 photos listed, 3 p"));
+  const std::string out = m_tree.makeFolder("out");
+  EXPECT_EQ(run({"export", backup, "--media", "all", "-o", out}).status, 0);
+  EXPECT_TRUE(std::filesystem::exists(out + "/a.MOV"));
+  EXPECT_EQ(run({"photos", backup, "--media", "some"}).status, 2);
+}
+
 TEST_F(ListCommandsTest, replacesBytesThatAreNoUtf8) {
   const std::string backup = write("root/\xff", {.generation = Generation::Five,
                                                  .productVersion = "5.0",

@@ -285,6 +285,37 @@ TEST_P(DecoderContract, handsOutBytesToManyThreadsWhileAnotherBackupLoads) {
   EXPECT_EQ(right, 8 * photoCount);
 }
 
+TEST_P(DecoderContract, keepsOtherMediaApartAndFindsWhatTheDeviceMadeOfThem) {
+  samples::SampleBackup backup = this->backup();
+  const std::string film = "Media/DCIM/100APPLE/IMG_1.MOV", other = "Media/DCIM/100APPLE/a.gif";
+  const std::string made = "Media/PhotoData/Thumbnails/V2/DCIM/100APPLE/IMG_1.MOV/";
+  for (const std::string& path : {film, other, made + "5003.JPG", made + "5005.JPG"}) {
+    const bool isLarge = path.ends_with("5003.JPG");
+    backup.files.push_back({.domain = backup.files.front().domain,
+                            .path = path,
+                            .content = path + (isLarge ? " in large" : ""),
+                            .modificationDate = path == other ? 1000U : 1001U});
+  }
+  samples::writeBackup(folder(), backup);
+  const auto decoder = this->decoder();
+  const bool listsAll = GetParam().generation == Generation::Ten;
+  const auto& listed = listsAll ? decoder->imageFilePaths() : decoder->otherMediaPaths();
+  EXPECT_THAT(decoder->otherMediaPaths(), SizeIs(listsAll ? 0 : 2));
+  ASSERT_THAT(listed, testing::IsSupersetOf({folder() + "/" + film, folder() + "/" + other}));
+  const std::size_t first = listsAll ? 0 : decoder->imageFilePaths().size();
+  for (std::size_t i = 0; i < listed.size(); ++i) {
+    const PhotoInfo info = decoder->photoInfo(first + i);
+    const bool isFilm = info.devicePath == film;
+    EXPECT_EQ(folder() + "/" + std::string(info.devicePath), listed[i]);
+    EXPECT_EQ(info.media, isFilm ? PhotoMedia::Film : PhotoMedia::Photo);
+    EXPECT_EQ(decoder->contentState(first + i), ContentState::Whole);
+    ASSERT_TRUE(decoder->dataForFileAtPath(listed[i]));
+    const auto thumbnail = decoder->thumbnailData(first + i);
+    ASSERT_EQ(thumbnail.has_value(), isFilm && hasDatabase()) << info.devicePath;
+    EXPECT_TRUE(!thumbnail || textOf(*thumbnail) == made + "5003.JPG in large");
+  }
+}
+
 TEST_P(DecoderContract, visitsEveryFileWithAllThatIsKnownOfIt) {
   samples::writeBackup(folder(), backup());
   using Line = std::tuple<std::string, std::string, std::uint64_t, std::optional<Instant>>;

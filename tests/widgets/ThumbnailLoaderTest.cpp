@@ -46,6 +46,7 @@ protected:
       for (ThumbnailResult& result : m_loader->takeResults()) {
         m_titles.push_back(result.uid.substr(result.uid.find("IMG")));
         m_states[m_titles.back()] = result.thumbnail.state;
+        m_thumbnails[m_titles.back()] = std::move(result.thumbnail);
       }
     }
     return m_titles;
@@ -54,6 +55,7 @@ protected:
   std::optional<test::TestPhotos> m_photos;
   std::optional<ThumbnailLoader> m_loader;
   std::map<std::string, State> m_states;
+  std::map<std::string, Thumbnail> m_thumbnails;
 
 private:
   void tell() {
@@ -158,6 +160,64 @@ TEST_F(ThumbnailLoaderTest, endsAtOnceWhileADecoderHangs) {
   const auto begin = std::chrono::steady_clock::now();
   m_loader.reset();
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+}
+
+// A photo or film beside which its source has a small picture.
+struct WithThumbnail final : ImageBrowserItem {
+  std::string uid;
+  QByteArray bytes, thumbnail;
+  bool film = false, first = false;
+  mutable bool wasRead = false;
+
+  std::string imageUID() const override { return "IMG" + uid; }
+  std::string imageTitle() const override { return uid; }
+  std::optional<Bytes> imageRepresentation() const override {
+    wasRead = true;
+    return test::bytesFrom(bytes);
+  }
+  std::optional<Bytes> imageThumbnail() const override {
+    return thumbnail.isEmpty() ? std::nullopt : std::optional(test::bytesFrom(thumbnail));
+  }
+  bool isThumbnailFirst() const override { return first; }
+  bool isFilm() const override { return film; }
+  std::optional<std::chrono::milliseconds> filmLength() const override {
+    return std::chrono::milliseconds(11'001);
+  }
+};
+
+TEST_F(ThumbnailLoaderTest, takesWhatTheSourceHasBesideForFilmsAndWhereItComesFirst) {
+  const QByteArray small = encoded(quadrants({64, 48})), large = encoded(quadrants({640, 480}));
+  struct Case {
+    QByteArray thumbnail;
+    bool film, first;
+    Kind kind;
+    State state;
+    bool hasPicture, isRead;
+  };
+  const Case cases[] = {{small, true, false, Kind::Decode, State::Ready, true, false},
+                        {"", true, false, Kind::Preview, State::Ready, false, false},
+                        {small, false, true, Kind::Preview, State::Preview, true, false},
+                        {small, false, true, Kind::Decode, State::Ready, true, true},
+                        {small, false, false, Kind::Preview, State::Preview, true, true},
+                        {"bad", false, true, Kind::Preview, State::Unknown, false, true}};
+  start(1, [](int) { return std::nullopt; });
+  for (const Case& c : cases) {
+    const auto item = std::make_shared<WithThumbnail>();
+    item->uid = std::to_string(&c - cases);
+    item->bytes = large;
+    item->thumbnail = c.thumbnail;
+    item->film = c.film;
+    item->first = c.first;
+    m_loader->setWork({{item, item->imageUID(), c.kind, 96, {}}});
+    const std::string title = waitFor(static_cast<std::size_t>(&c - cases) + 1).back();
+    const Thumbnail& result = m_thumbnails[title];
+    EXPECT_EQ(result.state, c.state) << title;
+    EXPECT_EQ(!result.picture.isNull(), c.hasPicture) << title;
+    EXPECT_EQ(result.photoSize.isValid(), c.isRead && c.state == State::Ready) << title;
+    EXPECT_EQ(item->wasRead, c.isRead) << title;
+    EXPECT_EQ(result.isFilm, c.film);
+    EXPECT_EQ(result.filmLength ? filmLengthText(*result.filmLength) : "", c.film ? "0:12" : "");
+  }
 }
 
 TEST_F(ThumbnailLoaderTest, shrinksWhatIsLarger) {
