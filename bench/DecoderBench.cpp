@@ -2,6 +2,7 @@
 // generation 10, told by a database; and finding a photo by its unique path.
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -12,6 +13,7 @@
 #include <unistd.h>
 
 #include "bench/PageCache.h"
+#include "bench/PeakMemory.h"
 #include "bench/Ratio.h"
 #include "decoders/iOS10Decoder.h"
 #include "decoders/iOS3Decoder.h"
@@ -137,6 +139,17 @@ bool loadsDatabase(iOS10Decoder& decoder) {
   return decoder.imageFilePaths().size() == rollCount && decoder.isComplete();
 }
 
+// For each row, and for whatever the database says.
+constexpr double boundInMegabytes = 64 + 100.0 * rowCount / 1e6;
+
+double megabytesOfLoad(const std::string& folder) {
+  const auto bytes = bench::peakMemoryInBytes([&] {
+    iOS10Decoder decoder(folder);
+    return loadsDatabase(decoder);
+  });
+  return bytes ? static_cast<double>(*bytes) / 1e6 : std::numeric_limits<double>::infinity();
+}
+
 }  // namespace
 }  // namespace snaplift
 
@@ -176,6 +189,8 @@ int main(int argc, char** argv) {
       .subject(
           "load", 1.5, [&] { return loadsDatabase(*decoderOfTen); },
           [&] { decoderOfTen.emplace(ten); });
+  ratios.figure("peak memory, 300,000 rows of generation 10", "MB", boundInMegabytes,
+                [&] { return megabytesOfLoad(ten); });
   ratios.group("10,000 photos by unique path", bench::PageCache::Hot)
       .floor("scan", [&] { return photos.size() == photoCount && findsEachByScanning(photos); })
       .subject("look up", 0.01, [&] { return findsEach(finder, photos); });

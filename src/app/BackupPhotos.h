@@ -24,6 +24,7 @@ public:
   std::optional<Bytes> imageRepresentation() const override;
   std::optional<Bytes> imageBeginning(std::size_t size) const override {
     return m_item.imageBeginning(size);
+  }
   std::optional<Bytes> imageThumbnail() const override { return m_item.thumbnail(); }
   // Of photos that are slow to decode.
   bool isThumbnailFirst() const override;

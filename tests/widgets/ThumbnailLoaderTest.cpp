@@ -175,6 +175,7 @@ struct WithThumbnail final : ImageBrowserItem {
     wasRead = true;
     return test::bytesFrom(bytes);
   }
+  std::optional<Bytes> imageBeginning(std::size_t) const override { return imageRepresentation(); }
   std::optional<Bytes> imageThumbnail() const override {
     return thumbnail.isEmpty() ? std::nullopt : std::optional(test::bytesFrom(thumbnail));
   }

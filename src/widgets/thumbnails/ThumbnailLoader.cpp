@@ -203,7 +203,9 @@ std::optional<Thumbnail> ThumbnailLoader::State::run(Job& job, PictureDecoder& d
     return std::nullopt;
   }
   Thumbnail result = thumbnailOf(std::move(decoded), job.request);
-  result.byteCount = static_cast<std::int64_t>(bytes->size());
+  if (!isPreview) {
+    result.byteCount = static_cast<std::int64_t>(bytes->size());
+  }
   result.isDamaged = result.isDamaged || item.imageContent() == Content::Short;
   return result;
 }
