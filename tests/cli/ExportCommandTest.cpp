@@ -305,7 +305,7 @@ TEST_F(ExportCommandTest, choosesPhotosByWhatIsKnownOfThem) {
       write("b", {.generation = Generation::Five,
                   .productVersion = "5.0",
                   .files = {photo(layoutFive, "Media/DCIM/100APPLE/IMG_0001.JPG", "1", 1318420800),
-                            photo(layoutFive, "Media/DCIM/101APPLE/IMG_0002.MOV", "2", 1318420801),
+                            photo(layoutFive, "Media/DCIM/101APPLE/IMG_0002.PNG", "2", 1318420801),
                             photo(layoutFive, edit, "3", 1318420802),
                             photo(layoutFive, "Media/DCIM/101APPLE/IMG_0004.JPG", "4", 0)}});
   m_tree.write("list", backup + "/" + edit + "\r\n\n" + backup + "/gone\n");

@@ -75,7 +75,8 @@ TEST_F(ExportReportFileTest, isReadAsItWasWritten) {
 }
 
 TEST_F(ExportReportFileTest, seesEveryChangeOfAFile) {
-  const ReportedPhoto photo = report()[0];
+  const std::vector<ReportedPhoto> reported = report();
+  const ReportedPhoto& photo = reported[0];
   EXPECT_EQ(compareWithReport(photo), ReportedFile::Same);
   for (const char* content : {"abd", "ab", "abcd"}) {
     m_tree.write("a,\"b\r\n.jpg", content);
@@ -85,7 +86,7 @@ TEST_F(ExportReportFileTest, seesEveryChangeOfAFile) {
   EXPECT_EQ(compareWithReport(photo), ReportedFile::Gone);
   fs::create_directory(photo.written);
   EXPECT_EQ(compareWithReport(photo), ReportedFile::Unreadable);
-  EXPECT_EQ(compareWithReport(report()[3]), ReportedFile::None);
+  EXPECT_EQ(compareWithReport(reported[3]), ReportedFile::None);
 }
 
 TEST_F(ExportReportFileTest, saysWhereItIsDamaged) {
