@@ -51,10 +51,6 @@ std::unique_ptr<BackupDecoderDelegate> decoderForVersion(const std::optional<std
   return nullptr;
 }
 
-bool isForbiddenFolder(const std::string& path) {
-  return ::faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES;
-}
-
 }  // namespace
 
 std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string& path) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "foundation/files/File.h"
 #include "foundation/files/FileDescriptor.h"
 
 namespace snaplift {
