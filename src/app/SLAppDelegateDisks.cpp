@@ -74,6 +74,7 @@ void SLAppDelegate::backupWasLookedAt(const std::string& path, bool canBeRead) {
     return;
   }
   if (m_lostBackups.erase(path) > 0) {
+    m_damagedBackups.erase(path);
     isBackAgain(**backup);
   }
   if (m_damagedBackups.erase(path) > 0) {

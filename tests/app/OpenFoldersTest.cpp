@@ -87,7 +87,7 @@ TEST_F(OpenFoldersTest, keepsWhatIsInUse) {
   const ImageBrowserItemPointer used = browser().itemAtIndex(0);
   action("actionCloseFolder").trigger();
   EXPECT_EQ(sourceList().numberOfRows(), 2);
-  EXPECT_TRUE(waitForText("3 Photos"));
+  EXPECT_TRUE(waitForText("5 Photos"));
   EXPECT_EQ(textOf(used->imageRepresentation().value_or(Bytes())), m_picture);
   action("actionCloseFolder").trigger();  // the root's
   EXPECT_EQ(sourceList().numberOfRows(), 0);
@@ -158,9 +158,9 @@ TEST_F(OpenFoldersTest, remembersItsFoldersAndPlace) {
   launch({disk, m_tree.path("gone")}, true);
   ASSERT_TRUE(waitForRows(3));
   ASSERT_TRUE(waitForTheEndOfTheSearch());
-  m_delegate->window()->resize(900, 555);
+  m_delegate->window()->resize(700, 455);
   auto& divider = child<QSplitter>("splitView");
-  divider.setSizes({290, 610});
+  divider.setSizes({250, 450});
   const QList<int> sizes = divider.sizes();
   ASSERT_TRUE(waitForText("2 Photos"));
   dropAllPhotosInto("out");
@@ -179,7 +179,7 @@ TEST_F(OpenFoldersTest, remembersItsFoldersAndPlace) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return exported() == 2; }));
   EXPECT_TRUE(waitForText("5 Photos"));
   EXPECT_TRUE(waitForTheEndOfTheSearch());
-  EXPECT_EQ(m_delegate->window()->size(), QSize(900, 555));
+  EXPECT_EQ(m_delegate->window()->size(), QSize(700, 455));
   EXPECT_EQ(child<QSplitter>("splitView").sizes(), sizes);
   EXPECT_FALSE(m_delegate->window()->findChild<QMessageBox*>());  // not of what is gone
   EXPECT_EQ(m_tree.list("config"), std::vector<std::string>({"snaplift", "snaplift/folders.ini"}));

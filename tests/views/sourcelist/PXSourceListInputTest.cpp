@@ -238,10 +238,10 @@ TEST_F(InputTest, aControlClickAsksForTheMenuAndSelectsNothing) {
   list.setDelegate(&menus);
   list.setMenu(&own);
   select({4});
-  const auto asksFor = [this](const QMenu& expected, const QMenu& other, int row) {
+  const auto asksFor = [this](QMenu& expected, const QMenu& other, int row) {
     clickRow(list, row, Qt::ControlModifier);
     EXPECT_TRUE(expected.isVisible() && !other.isVisible()) << row;
-    QApplication::activePopupWidget()->close();
+    expected.close();
     EXPECT_EQ(selected(), RowIndexes{4});
   };
   asksFor(menus.menu, own, 2);
