@@ -155,6 +155,7 @@ void SLAppDelegate::imageBrowserOpenItemAtIndex(ImageBrowserView&, int index) {
   const PhotosToExport films = photosAtIndexes(*backup, {index});
   m_openedFilm = std::make_shared<TemporaryPhotos>(films, tellingFailedCopy(films.size()));
   const auto copy = m_openedFilm;  // who waits here may be asked again
+  copy->write();
   for (const std::string& path : copy->paths()) {
     if (!openFileInItsProgram(path)) {
       showAlert(m_window.get(), {"This Film Cannot Be Opened",
