@@ -197,7 +197,7 @@ void printSummary(const ExportSummary& summary, const std::vector<std::string>& 
 std::optional<std::string> problemOf(const ExportOptions& options, const Selection& chosen) {
   std::vector<std::string> folders;
   std::ranges::transform(chosen.backups(), std::back_inserter(folders), &BackupModel::path);
-  const auto problem = exportDestinationProblem(options.destination, folders);
+  auto problem = exportDestinationProblem(options.destination, folders);
   if (problem || !options.report) {
     return problem;
   }

@@ -86,7 +86,7 @@ std::string foldedCase(std::string_view name) {
     } else {
       std::array<std::uint8_t, U8_MAX_LENGTH> bytes;
       std::size_t count = 0;
-      U8_APPEND_UNSAFE(bytes.data(), count, u_foldCase(code, U_FOLD_CASE_DEFAULT));
+      U8_APPEND_UNSAFE(bytes, count, u_foldCase(code, U_FOLD_CASE_DEFAULT));
       folded.append(bytes.begin(), bytes.begin() + count);
     }
     name.remove_prefix(length);
