@@ -42,7 +42,7 @@ Owner<heif_image> imageOf(const Image& picture, int bits) {
   std::uint8_t* plane = heif_image_get_plane(image.get(), heif_channel_interleaved, &stride);
   for (int y = 0; y < picture.height; ++y) {
     const std::uint8_t* from = picture.pixel(0, y);
-    std::uint8_t* to = plane + y * stride;
+    std::uint8_t* to = plane + std::ptrdiff_t{y} * stride;
     for (int i = 0; i < 3 * picture.width; ++i) {
       const int level = from[i];
       const int deep = level << (bits - 8) | level >> (16 - bits);

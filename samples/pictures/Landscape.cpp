@@ -115,10 +115,11 @@ public:
     if (m_hasLake && y > m_horizon) {
       return waterAt(x, y - m_horizon, ranges);
     }
-    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
-      if (const float below = y - range->ridge; below >= 0) {
-        const float far = 1 - range->nearness, mist = m_mist * step(0, 0.16F, below);
-        return mix(groundAt(*range, x, y, below) * m_sunlight, m_time.horizon * 0.95F,
+    for (std::size_t i = ranges.size(); i-- > 0;) {
+      const Range& range = ranges[i];
+      if (const float below = y - range.ridge; below >= 0) {
+        const float far = 1 - range.nearness, mist = m_mist * step(0, 0.16F, below);
+        return mix(groundAt(range, x, y, below) * m_sunlight, m_time.horizon * 0.95F,
                    std::min(1.0F, far * (0.62F * far + mist)));
       }
     }

@@ -93,7 +93,8 @@ std::string jpegOfPixels(const std::uint8_t* pixels, int width, int height, int 
   encoder.write_JFIF_header = FALSE;  // EXIF wants to be the first segment
   encoder.write_Adobe_marker = channels == 4 ? TRUE : FALSE;
   jpeg_start_compress(&encoder, TRUE);
-  for (int y = 0; y < height; ++y, pixels += width * channels) {
+  const std::ptrdiff_t rowLength = std::ptrdiff_t{width} * channels;
+  for (int y = 0; y < height; ++y, pixels += rowLength) {
     auto* row = const_cast<JSAMPLE*>(pixels);  // the encoder only reads it
     jpeg_write_scanlines(&encoder, &row, 1);
   }
