@@ -1,13 +1,14 @@
 # Completion of snaplift-cli for bash; the program itself knows what can come next.
 
 _snaplift_cli() {
-  local word=${COMP_WORDS[COMP_CWORD]} quoted line
+  local word=${COMP_WORDS[COMP_CWORD]} quoted line what
   local given=("${COMP_WORDS[@]:1:COMP_CWORD}")
   COMPREPLY=()
   while IFS= read -r line; do
-    if [[ $line == / ]]; then
+    if [[ $line == [/*] ]]; then # folders, or files as well
       compopt -o filenames 2>/dev/null
-      mapfile -t COMPREPLY < <(compgen -d -- "$word")
+      [[ $line == / ]] && what=-d || what=-f
+      mapfile -t COMPREPLY < <(compgen "$what" -- "$word")
       return
     fi
     line=${line%%$'\t'*}

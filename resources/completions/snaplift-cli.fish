@@ -6,6 +6,8 @@ function __snaplift_cli_candidates
     for line in ($words[1] complete $words[2..-1] "$word" 2>/dev/null)
         if test "$line" = /
             __fish_complete_directories "$word"
+        else if test "$line" = '*'
+            __fish_complete_path "$word"
         else
             echo $line
         end

@@ -7,6 +7,9 @@ for line in ${(f)"$(_call_program candidates ${words[1]} complete "${(@q)given}"
   if [[ $line == / ]]; then
     _files -/
     return
+  elif [[ $line == '*' ]]; then
+    _files
+    return
   fi
   candidates+=("${${line%%$'\t'*}//:/\\:}:${line#*$'\t'}")
 done

@@ -26,6 +26,19 @@ void printFolders() {
   printText("/\n");
 }
 
+void printFiles() {
+  printText("*\n");
+}
+
+// The words of "photos|all".
+void printChoices(std::string_view choices) {
+  while (!choices.empty()) {
+    const std::string_view choice = choices.substr(0, choices.find('|'));
+    printCandidate(std::string(choice), "");
+    choices.remove_prefix(std::min(choice.size() + 1, choices.size()));
+  }
+}
+
 void printOptions(const CLI::App& command) {
   for (const CLI::Option* option : command.get_options()) {
     for (const std::string& name : option->get_lnames()) {
@@ -108,6 +121,10 @@ ExitStatus complete(const CLI::App& app, const std::vector<std::string>& words) 
     printOptions(*command);
   } else if (kind == "FOLDER" || (kind == "BACKUP" && beginsPath(word))) {
     printFolders();
+  } else if (kind == "FILE" || kind == "REPORT") {
+    printFiles();
+  } else if (kind.find('|') != std::string::npos) {
+    printChoices(kind);
   } else if (kind == "NAME" || kind == "BACKUP") {
     const BackupController root(rootOf(words));
     if (kind == "NAME") {

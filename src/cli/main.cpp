@@ -86,7 +86,7 @@ CLI::App* addFindCommand(CLI::App& app, Arguments& arguments) {
 
 void addLayoutOption(CLI::App& command, ExportOptions& options) {
   command.add_option("--layout", options.layout, "Folders: flat (none), device, month or dcim")
-      ->type_name("NAME")
+      ->type_name(CLI::detail::join(layoutNames, "|"))
       ->check(CLI::IsMember(layoutNames).description(""));
 }
 

@@ -49,6 +49,8 @@ check test "$(words ex)" = export
 check test "$(words photos '')" = "latest one"
 check test "$(words export --device '')" = Handset
 check test "$(words export --output "$prefix/sh")" = "$share"
+check test "$(words export --layout mo)" = month
+check test "$(words verify "$prefix/home/")" = "$prefix/home/Library"
 check test "$(cd "$prefix" && words photos --root nowhere sh)" = share
 for option in $(snaplift-cli export --help | grep -oE -- '--[a-z-]+' | sort -u); do
   check test "$(words export "$option")" = "$option"
