@@ -1,6 +1,8 @@
 #include "app/export/WindowExports.h"
 
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <thread>
 #include <utility>
@@ -9,6 +11,8 @@
 
 namespace snaplift {
 namespace {
+
+constexpr auto tellInterval = std::chrono::milliseconds(50);
 
 WindowExports* exportsOfProcess = nullptr;
 
@@ -167,15 +171,17 @@ void WindowExports::stopAndWait() {
   m_over.clear();
 }
 
-// One told progress at a time: however many photos end meanwhile, the last state is shown and the
-// event loop is not flooded.
+// One told progress at a time, and some in a second: however many photos end meanwhile, the last
+// state is shown, and telling takes no time from the export.
 void WindowExports::tellProgress() {
   if (!m_isProgressTold.exchange(true)) {
     QMetaObject::invokeMethod(
         this,
         [this] {
-          m_isProgressTold = false;
-          emit progressed();
+          QTimer::singleShot(tellInterval, this, [this] {
+            m_isProgressTold = false;
+            emit progressed();
+          });
         },
         Qt::QueuedConnection);
   }
