@@ -64,8 +64,11 @@ TEST_F(DatabaseDecoder, listsWhatTheOwnerSeesByPath) {
   folder.flags = 2;
   DatabaseEntry link = entry(roll + "link.jpg");
   link.flags = 4;
-  write({entry(edited), entry(cloud), entry(second), elsewhere, folder, link, entry(first),
-         entry(roll + "IMG_0001.AAE"), entry("Media/DCIM/.MISC/x.jpg"),
+  DatabaseEntry replaced = entry(first);  // the last row of a path counts
+  replaced.fileID = std::string(40, '0');
+  replaced.record = {};
+  write({replaced, entry(edited), entry(cloud), entry(second), elsewhere, folder, link,
+         entry(first), entry(roll + "IMG_0001.AAE"), entry("Media/DCIM/.MISC/x.jpg"),
          entry("Media/PhotoData/Thumbnails/V2/DCIM/100APPLE/IMG_0001.HEIC/5005.JPG")});
   EXPECT_THAT(photos(), ElementsAre(first, second, cloud, edited));
   iOS10Decoder decoder(m_tree.path("b"));

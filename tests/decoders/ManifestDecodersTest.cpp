@@ -62,6 +62,9 @@ TEST_F(ManifestDecoders, onlyGeneration4ListsEmptyFilesAndLinks) {
                  {.path = "folder.png", .mode = samples::folderMode}});
   EXPECT_THAT(photos<iOS5Decoder>(), ElementsAre());
   EXPECT_THAT(photos<iOS4Decoder>(), ElementsAre("empty.jpg", "link.jpg"));
+  iOS4Decoder(m_tree.root()).visitFiles([](const BackedUpFile& file) {
+    ADD_FAILURE() << file.path << " has nothing to show";
+  });
 }
 
 TEST_F(ManifestDecoders, takeAPhotosDatesFromTheFirstAndTheThirdTime) {

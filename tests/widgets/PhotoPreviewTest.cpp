@@ -1,4 +1,6 @@
 #include <QTest>
+#include <QToolButton>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
@@ -44,6 +46,23 @@ TEST_F(PhotoPreviewTest, hasTheNeighboursBeforeTheyAreAskedFor) {
     EXPECT_EQ(m_preview->photo().state, State::Ready);
     ASSERT_TRUE(loadsAll());
   }
+}
+
+TEST_F(PhotoPreviewTest, buttonsGoToTheNeighboursUntilThereIsNone) {
+  const auto button = [this](const char* name) {
+    const auto all = m_preview->findChildren<QToolButton*>();
+    return *std::ranges::find(all, QString(name), &QToolButton::accessibleName);
+  };
+  const auto place = [this] { return m_preview->accessibleDescription(); };
+  ASSERT_EQ(place(), "4 of 10");
+  button("Next Photo")->click();
+  EXPECT_EQ(place(), "5 of 10");
+  QTest::keyClick(m_preview, Qt::Key_End);
+  EXPECT_FALSE(button("Next Photo")->isEnabled());
+  button("Previous Photo")->click();
+  EXPECT_EQ(place(), "9 of 10");
+  QTest::keyClick(m_preview, Qt::Key_Home);
+  EXPECT_FALSE(button("Previous Photo")->isEnabled());
 }
 
 TEST_F(PhotoPreviewTest, zoomsIntoTheFullPicture) {
