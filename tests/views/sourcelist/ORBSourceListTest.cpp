@@ -1,4 +1,5 @@
 #include <QAccessible>
+#include <QToolTip>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -237,6 +238,10 @@ TEST_F(ORBSourceListTest, screenReadersMeetATree) {
   detailed.root.children = twoGroups();
   list.setDataSource(&detailed);
   EXPECT_EQ(tree->child(0)->child(1)->text(QAccessible::Description), "<b>12:30</b>, /backups");
+  QHelpEvent help(QEvent::ToolTip, centreOfRow(list, 2), middle);
+  QApplication::sendEvent(list.viewport(), &help);
+  EXPECT_TRUE(QToolTip::text().contains("&lt;b&gt;")) << "no markup";
+  QToolTip::hideText();
   list.setDataSource(&source);
 }
 

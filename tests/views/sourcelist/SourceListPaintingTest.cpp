@@ -82,6 +82,7 @@ TEST_F(PaintingTest, badgesFollowSelectionKeyboardAndWindow) {
   EXPECT_EQ(at(270, 30), highlight);
   EXPECT_EQ(list.colorsOfBadge(1), (BadgeColors{Qt::white, highlight}));
   other.setFocus();
+  EXPECT_NE(at(270, 30), highlight) << "the keys go elsewhere";
   EXPECT_EQ(list.colorsOfBadge(1), (BadgeColors{Qt::white, QColor(153, 169, 203)}));
   deactivate();
   EXPECT_EQ(list.colorsOfBadge(1), (BadgeColors{Qt::white, QColor(170, 170, 170)}));
