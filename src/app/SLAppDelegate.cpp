@@ -176,11 +176,15 @@ void SLAppDelegate::registerForLoading() {
 }
 
 void SLAppDelegate::showAbout() {
-  QMessageBox::about(
-      m_window.get(), "About Snaplift",
+  auto* box = new QMessageBox(
+      QMessageBox::NoIcon, "About Snaplift",
       "<h3>Snaplift " SNAPLIFT_VERSION
       "</h3><p>Gets photos back out of the backups of old handsets.</p><p>Backups are "
-      "only read, never changed.</p>");
+      "only read, never changed.</p>",
+      QMessageBox::Ok, m_window.get());
+  box->setIconPixmap(m_window->windowIcon().pixmap(64));
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
 }
 
 BackupModel* SLAppDelegate::selectedBackup() const {

@@ -18,6 +18,24 @@
 namespace snaplift {
 namespace {
 
+// Stands for the desktop, which knows what program opens a file or a folder.
+class Desktop {
+public:
+  Desktop() {
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+    QDesktopServices::setUrlHandler("file", &m_program, "setSource");
+  }
+  ~Desktop() { QDesktopServices::unsetUrlHandler("file"); }
+
+  QString opened() const { return m_program.source().toLocalFile(); }
+  bool waitForOpened() {
+    return QTest::qWaitFor([this] { return !opened().isEmpty(); });
+  }
+
+private:
+  QTextBrowser m_program;
+};
+
 TEST_F(SLAppDelegateTest, followsTheSelectionOfPhotos) {
   launchWith(5);
   EXPECT_FALSE(m_delegate->hasSelection());
@@ -170,11 +188,13 @@ TEST_F(SLAppDelegateTest, showsTheOldPhotosUntilALoadEndsAndIgnoresOneThatComesT
 }
 
 TEST_F(SLAppDelegateTest, everyCommandDoesWhatItSays) {
-  addBackup("a", 3, 100);
+  const std::string folder = addBackup("a", 3, 100);
   addBackup("b", 2, 50);
   launch();
   ASSERT_TRUE(waitForText("3 Photos"));
-  const auto dialog = [&] { return m_delegate->window()->findChild<QFileDialog*>(); };
+  Desktop desktop;
+  QWidget* window = m_delegate->window();
+  const auto dialog = [&] { return window->findChild<QDialog*>(); };
   const auto zoom = [&] { return browser().zoomValue(); };
   const auto selected = [&] { return browser().selectionIndexes().count(); };
   const float start = zoom();
@@ -192,9 +212,13 @@ TEST_F(SLAppDelegateTest, everyCommandDoesWhatItSays) {
       {"actionZoomOut", [&] { return zoom() < start; }},
       {"actionPreview", [&] { return browser().isPreviewOpen(); }},
       {"actionPreview", [&] { return !browser().isPreviewOpen(); }},
+      {"actionAbout", [&] { return dialog() && dialog()->windowTitle() == "About Snaplift"; }},
+      {"actionReveal", [&] { return desktop.opened().toStdString() == folder; }},
+      {"actionClose", [&] { return !window->isVisible(); }},
       {"actionCloseFolder", [&] { return sourceList().numberOfRows() == 0; }},
-      {"actionQuit", [&] { return !m_delegate->window()->isVisible(); }}};
+      {"actionQuit", [&] { return !window->isVisible(); }}};
   for (const auto& [name, isDone] : commands) {
+    window->show();
     EXPECT_TRUE(action(name).isEnabled()) << name;
     action(name).trigger();
     EXPECT_TRUE(QTest::qWaitFor([&] { return isDone(); })) << name;
@@ -284,14 +308,12 @@ TEST_F(SLAppDelegateTest, opensACopyOfAFilmInAPlayerAndSaysWhatIsUnfinished) {
                   .toStdString(),
               testing::HasSubstr("\nNot finished by the device's backup\n"));
   action("actionPreview").trigger();
-  QTextBrowser player;  // stands for the desktop, which knows what program opens a film
-  QDesktopServices::setUrlHandler("file", &player, "setSource");
+  Desktop desktop;
   auto* button = browser().findChild<QPushButton*>();
   ASSERT_EQ(button->text(), "Open in Player");
   button->click();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !player.source().isEmpty(); }));
-  QDesktopServices::unsetUrlHandler("file");
-  const QString opened = player.source().toLocalFile();
+  EXPECT_TRUE(desktop.waitForOpened());
+  const QString opened = desktop.opened();
   EXPECT_TRUE(opened.endsWith("/a.MOV"));
   EXPECT_FALSE(opened.startsWith(QString::fromStdString(m_tree.path("root"))));
   QFile copy(opened);
@@ -299,8 +321,9 @@ TEST_F(SLAppDelegateTest, opensACopyOfAFilmInAPlayerAndSaysWhatIsUnfinished) {
 }
 
 TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
-  addBackup("a", 2, 100);
+  const std::string folder = addBackup("a", 2, 100);
   addBackup("b", 0, 50);
+  addBackup("c", 2, 20, true);
   launch();
   ASSERT_TRUE(waitForText("2 Photos"));
   EXPECT_EQ(contextMenu(0), nullptr);
@@ -320,7 +343,10 @@ TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
   EXPECT_EQ(titles(contextMenu(1)), QStringList({"Export All...", "", "Reveal In Finder"}));
   contextMenu(1)->actions().front()->trigger();
   EXPECT_TRUE(m_delegate->window()->findChild<QFileDialog*>());
-  EXPECT_TRUE(contextMenu(1)->actions().back()->isEnabled());
+  Desktop desktop;
+  contextMenu(1)->actions().back()->trigger();
+  EXPECT_TRUE(desktop.waitForOpened());
+  EXPECT_EQ(desktop.opened().toStdString(), folder);
   HeldLoad held(backupAtRow(2));
   QMenu* pending = contextMenu(2);
   EXPECT_EQ(titles(pending), QStringList({"Loading...", "", "Reveal In Finder"}));
@@ -329,6 +355,12 @@ TEST_F(SLAppDelegateTest, offersAMenuForBackupsOnly) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return pending->actions().front()->text() == "No Photos"; }));
   EXPECT_FALSE(pending->actions().front()->isEnabled());
   EXPECT_EQ(titles(contextMenu(2)), QStringList({"No Photos", "", "Reveal In Finder"}));
+
+  HeldLoad heldEncrypted(backupAtRow(3));
+  pending = contextMenu(3);
+  heldEncrypted.release();
+  answer(alert(), "Ok");
+  EXPECT_EQ(pending->actions().front()->text(), "Loading...");
 }
 
 TEST_F(SLAppDelegateTest, zoomsBackAndForthWithADoubleClick) {

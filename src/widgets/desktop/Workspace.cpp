@@ -28,8 +28,12 @@ void askFileManager(const char* method, const std::vector<std::string>& paths,
     urls << urlOf(path).toString(QUrl::FullyEncoded);
   }
   call << urls << QString();
-  // The watcher is called back at once, with an error, where there is no session bus.
-  auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
+  const QDBusConnection bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) {  // a watcher would never be called back
+    QDesktopServices::openUrl(urlOf(folder));
+    return;
+  }
+  auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, folder] {
     if (watcher->isError()) {
       QDesktopServices::openUrl(urlOf(folder));
