@@ -26,6 +26,7 @@ if(SNAPLIFT_GUI)
   install(TARGETS snaplift-picture-decoder DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/snaplift")
   install_man_page(snaplift)
   install(FILES "${resources}/${application_id}.desktop"
+    "${resources}/zz.snaplift.Snaplift.Folders.desktop"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
   install(FILES "${resources}/${application_id}.metainfo.xml"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")

@@ -25,7 +25,7 @@ check test "$(grep -m1 '^## ' "$tree/CHANGELOG.md")" = "## $version ($day)"
 check test "$(head -1 "$tree/debian/changelog" | cut -d' ' -f-2)" = "snaplift ($version)"
 check grep -q "version=\"$version\" date=\"$day\"" <(grep -m1 '<release ' "$metainfo")
 
-check desktop-file-validate "$share/applications/$id.desktop"
+check desktop-file-validate "$share/applications/"*.desktop
 check appstreamcli validate --no-net "$metainfo" >/dev/null
 for picture in $(grep -o '<image>[^<]*' "$metainfo" | sed 's|.*//[^/]*/||'); do
   check test -f "$tree/$picture"
