@@ -58,6 +58,7 @@ protected:
     if (!GetParam().hasNameless) {
       call.environment.insert(call.environment.end(),
                               {{"LD_PRELOAD", FAULT_PRELOAD},
+                               {"ASAN_OPTIONS", "verify_asan_link_order=0"},
                                {"SNAPLIFT_FAULT", "open:1000000000:5"},  // never
                                {"SNAPLIFT_FAULT_MARK", m_tree.path("mark")},
                                {"SNAPLIFT_FAULT_KIND", "1"}});
