@@ -51,6 +51,14 @@ std::unique_ptr<BackupDecoderDelegate> decoderForVersion(const std::optional<std
   return nullptr;
 }
 
+bool saysThatItIsUnfinished(const OpenFolder& folder) {
+  std::optional<DatedContent> file = folder.readFoundFile("Status.plist");
+  const auto status = file ? parseDictionary(std::move(file->bytes)) : std::nullopt;
+  const PropertyListValue state =
+      status ? status->root().valueForKey("SnapshotState") : PropertyListValue();
+  return state.string() && !state.equals("finished");
+}
+
 }  // namespace
 
 std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string& path) {
@@ -79,6 +87,7 @@ std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string
       path, std::move(deviceName), std::move(version), file->modificationDate, std::move(decoder)));
   model->m_folder = folder.identity();
   model->m_productType = textUnderKey(*info, "Product Type");
+  model->m_wasLeftUnfinished = saysThatItIsUnfinished(folder);
   return model;
 }
 
@@ -191,13 +200,6 @@ const std::vector<std::string>& BackupModel::imagePaths() {
 std::optional<Bytes> BackupModel::imageDataForPath(const std::string& uniquePath,
                                                    Bytes reuse) const {
   return m_delegate->dataForFileAtPath(uniquePath, std::move(reuse));
-}
-
-bool BackupModel::wasLeftUnfinished() const {
-  const auto status = readDictionary(m_path, "Status.plist");
-  const PropertyListValue state =
-      status ? status->root().valueForKey("SnapshotState") : PropertyListValue();
-  return state.string() && !state.equals("finished");
 }
 
 std::string BackupModel::contentFileForPath(const std::string& uniquePath) const {

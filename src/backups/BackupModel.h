@@ -103,8 +103,8 @@ public:
   // log names it.
   bool isComplete() const { return m_delegate->isComplete(); }
   // Whether the backup says of itself, in "Status.plist", that the device did not make it to its
-  // end. Reads the file.
-  bool wasLeftUnfinished() const;
+  // end.
+  bool wasLeftUnfinished() const { return m_wasLeftUnfinished; }
   // Whether there is a photo to show: never in an encrypted backup.
   bool hasImages() { return !imageItems().empty() && !encrypted(); }
   // Calls `visit` for each file of the backup's manifest; see BackupDecoderDelegate.
@@ -128,6 +128,7 @@ private:
   // Written before anybody else knows of the model.
   std::optional<FolderIdentity> m_folder;
   std::optional<std::string> m_productType;
+  bool m_wasLeftUnfinished = false;
   const Instant m_date;
   const std::unique_ptr<BackupDecoderDelegate> m_delegate;
 
