@@ -171,6 +171,11 @@ void SLAppDelegate::searchEnded(const std::string& folder, const BackupSearchRes
     tellOfLostFolder(folder);
   } else if (wasAskedFor && !stopped && result.backups == 0) {
     showAlert(m_window.get(), textOfNoBackups(folder, result));
+  } else if (wasAskedFor && result.forbidden > 0) {
+    m_ui->searchNotice->tell(
+        QString("Backups may be missing: there is no permission to read %1 of the folders in “%2”.")
+            .arg(result.forbidden)
+            .arg(folderTitle(folder)));
   } else if (m_bc->devices().empty() && !m_search->isRunning() && !stopped) {
     sayThatThereAreNoBackups();
   }
