@@ -51,9 +51,11 @@ std::unique_ptr<BackupDecoderDelegate> decoderForVersion(const std::optional<std
   return nullptr;
 }
 
+// By the exact name: old backups have none, and a folder of 100,000 files is not to be listed for
+// it while a root is.
 bool saysThatItIsUnfinished(const OpenFolder& folder) {
-  std::optional<DatedContent> file = folder.readFoundFile("Status.plist");
-  const auto status = file ? parseDictionary(std::move(file->bytes)) : std::nullopt;
+  std::optional<Bytes> file = folder.readFile("Status.plist");
+  const auto status = file ? parseDictionary(std::move(*file)) : std::nullopt;
   const PropertyListValue state =
       status ? status->root().valueForKey("SnapshotState") : PropertyListValue();
   return state.string() && !state.equals("finished");
