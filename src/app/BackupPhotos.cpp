@@ -5,7 +5,14 @@
 namespace snaplift {
 
 std::optional<Bytes> BackupPhoto::imageRepresentation() const {
-  std::optional<Bytes> bytes = m_item.imageRepresentation();
+  return tellingUnreadable(m_item.imageRepresentation());
+}
+
+std::optional<Bytes> BackupPhoto::imageBeginning(std::size_t size) const {
+  return tellingUnreadable(m_item.imageBeginning(size));
+}
+
+std::optional<Bytes> BackupPhoto::tellingUnreadable(std::optional<Bytes> bytes) const {
   if (!bytes) {
     m_unreadable(m_backupFolder);
   }

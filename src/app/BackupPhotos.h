@@ -22,9 +22,7 @@ public:
   std::string imageUID() const override { return m_item.imageUID(); }
   std::string imageTitle() const override { return m_item.imageTitle(); }
   std::optional<Bytes> imageRepresentation() const override;
-  std::optional<Bytes> imageBeginning(std::size_t size) const override {
-    return m_item.imageBeginning(size);
-  }
+  std::optional<Bytes> imageBeginning(std::size_t size) const override;
   std::optional<Bytes> imageThumbnail() const override { return m_item.thumbnail(); }
   // Of photos that are slow to decode.
   bool isThumbnailFirst() const override;
@@ -37,6 +35,8 @@ public:
   std::string imageOrigin() const override;
 
 private:
+  std::optional<Bytes> tellingUnreadable(std::optional<Bytes> bytes) const;
+
   ImageItem& m_item;
   const std::string& m_backupFolder;
   const Unreadable& m_unreadable;

@@ -125,11 +125,12 @@ TEST_F(OpenFoldersTest, tellsOnceThatTheDiskOfWhatIsShownHasGone) {
   ASSERT_TRUE(waitForTheEndOfTheSearch());
   const ImageBrowserItemPointer photo = browser().itemAtIndex(0);
   std::filesystem::rename(m_tree.path("disk"), m_tree.path("away"));
-  EXPECT_FALSE(photo->imageRepresentation());
+  EXPECT_FALSE(photo->imageBeginning(1));  // which a tile asks for first
   QMessageBox* box = alert();
   ASSERT_TRUE(box);
   EXPECT_EQ(box->text(), "“disk” Can No Longer Be Read");
   answer(box, "Ok");
+  EXPECT_FALSE(photo->imageRepresentation());
   select(2);  // it cannot be loaded any more
   ASSERT_TRUE(waitForText("No Photos"));
   std::filesystem::rename(m_tree.path("away"), m_tree.path("disk"));
