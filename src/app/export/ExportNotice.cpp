@@ -48,8 +48,7 @@ std::vector<NoticeAction> ExportNotice::actions() {
     actions.push_back({"Details...", [this] { showDetails(); }, false});
   }
   if (!m_report->failures.empty()) {
-    actions.push_back(
-        {"Retry Failed", [this] { emit retryWanted(*m_report, m_report->failures.size()); }});
+    actions.push_back({"Retry Failed", [this] { retry(); }});
   }
   if (m_offersSkipping) {
     actions.push_back({"Skip Them From Now On", [this] { emit skippingWanted(); }});
