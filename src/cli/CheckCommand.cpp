@@ -47,17 +47,12 @@ void printPhotos(const BackupModel& backup, const char* what,
   }
 }
 
-// Counts of what is rare stand in the line only where there are some.
-std::string rareCount(std::size_t count, const char* what) {
-  return count == 0 ? "" : ", " + countText(count) + what;
-}
-
 void printReport(DeviceModel& device, const BackupModel& backup, const Finding& finding) {
   printHeading(device.title() + ", " + backupText(device, backup));
   printLine("  " + countText(finding.listed, "photo") + " listed, " + countText(finding.present) +
             " present, " + countText(finding.missing.size()) + " missing" +
-            rareCount(finding.shortened.size(), " short") +
-            rareCount(finding.unreadable.size(), " without permission to read") +
+            rareCountText(finding.shortened.size(), "short") +
+            rareCountText(finding.unreadable.size(), "without permission to read") +
             (backup.encrypted() ? ", encrypted" : "") +
             (backup.isComplete() ? "" : "; the list of files is incomplete"));
   if (backup.wasLeftUnfinished()) {

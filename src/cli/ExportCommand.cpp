@@ -167,10 +167,9 @@ std::string summaryText(const ExportSummary& summary, bool dryRun) {
            " can be exported, " + countText(summary.failed) + " cannot";
   }
   return countText(summary.exported, "photo") + " exported (" + sizeText(summary.bytes) + "), " +
-         countText(summary.renamed) + " under another name, " +
-         (summary.skipped > 0 ? countText(summary.skipped) + " there already, " : "") +
-         (summary.shortened > 0 ? countText(summary.shortened) + " short, " : "") +
-         countText(summary.failed) + " failed";
+         countText(summary.renamed) + " under another name" +
+         rareCountText(summary.skipped, "there already") +
+         rareCountText(summary.shortened, "short") + ", " + countText(summary.failed) + " failed";
 }
 
 void printSummary(const ExportSummary& summary, const std::vector<std::string>& encrypted,
@@ -190,7 +189,7 @@ void printSummary(const ExportSummary& summary, const std::vector<std::string>& 
     return;
   }
   printNote((interrupted() ? "interrupted: " : "") + summaryText(summary, options.dryRun) +
-            (summary.notBegun > 0 ? ", " + countText(summary.notBegun) + " not begun" : ""));
+            rareCountText(summary.notBegun, "not begun"));
 }
 
 // Why the destination or the report's place cannot be used.

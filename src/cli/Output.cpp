@@ -127,6 +127,10 @@ std::string countText(std::uint64_t count, std::string_view thing) {
   return countText(count) + " " + std::string(thing) + (count == 1 ? "" : "s");
 }
 
+std::string rareCountText(std::uint64_t count, std::string_view what) {
+  return count == 0 ? "" : ", " + countText(count) + " " + std::string(what);
+}
+
 std::string sizeText(std::uint64_t bytes) {
   constexpr std::array units = {"bytes", "kB", "MB", "GB", "TB"};
   auto value = static_cast<double>(bytes);

@@ -62,6 +62,9 @@ std::string countText(std::uint64_t count);
 // "1 photo", "12,345 photos".
 std::string countText(std::uint64_t count, std::string_view thing);
 
+// ", 12 short": what is rare stands in a line only where there is some of it.
+std::string rareCountText(std::uint64_t count, std::string_view what);
+
 // "58.3 MB", in powers of 1000 as file managers count.
 std::string sizeText(std::uint64_t bytes);
 

@@ -63,15 +63,12 @@ void printSummary(const Count& count, bool json) {
     printJson(summary);
     return;
   }
-  const auto rare = [&](ReportedFile file, const char* words) {
-    return count.of(file) == 0 ? "" : ", " + countText(count.of(file)) + words;
-  };
   printNote((interrupted() ? "interrupted: " : "") +
             countText(count.of(ReportedFile::Same), "file") + " as reported, " +
             countText(count.of(ReportedFile::Different)) + " different, " +
             countText(count.of(ReportedFile::Gone)) + " gone" +
-            rare(ReportedFile::Unreadable, " unreadable") +
-            rare(ReportedFile::None, " of the report had not arrived"));
+            rareCountText(count.of(ReportedFile::Unreadable), "unreadable") +
+            rareCountText(count.of(ReportedFile::None), "of the report had not arrived"));
 }
 
 }  // namespace
