@@ -16,21 +16,14 @@ namespace {
 constexpr std::size_t rowsOfBatch = 4096;
 constexpr std::size_t maximumBatchInBytes = std::size_t{4} << 20;
 
-int digitOf(char c) {
-  return c >= '0' && c <= '9'   ? c - '0'
-         : c >= 'a' && c <= 'f' ? c - 'a' + 10
-         : c >= 'A' && c <= 'F' ? c - 'A' + 10
-                                : -1;
-}
-
 // False for a text that is not 40 hexadecimal digits.
 bool readDigest(std::string_view text, std::array<std::uint8_t, 20>& digest) {
   if (text.size() != 2 * digest.size()) {
     return false;
   }
   for (std::size_t i = 0; i < digest.size(); ++i) {
-    const int high = digitOf(text[2 * i]);
-    const int low = digitOf(text[2 * i + 1]);
+    const int high = hexDigit(text[2 * i]);
+    const int low = hexDigit(text[2 * i + 1]);
     if (high < 0 || low < 0) {
       return false;
     }

@@ -31,4 +31,12 @@ enum class HexCase { Lower, Upper };
 // Two hexadecimal digits a byte, high nibble first, in the order of the bytes.
 std::string hexText(ByteView bytes, HexCase hexCase);
 
+// The value of a hexadecimal digit of either case; -1 for any other character.
+constexpr int hexDigit(char c) {
+  return c >= '0' && c <= '9'   ? c - '0'
+         : c >= 'a' && c <= 'f' ? c - 'a' + 10
+         : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                : -1;
+}
+
 }  // namespace snaplift

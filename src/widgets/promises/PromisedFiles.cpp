@@ -1,18 +1,11 @@
 #include "widgets/promises/PromisedFiles.h"
 
+#include "foundation/Digest.h"
 #include "foundation/files/OutputFolder.h"
 #include "foundation/files/Path.h"
 
 namespace snaplift {
 namespace {
-
-int hexDigit(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
-  }
-  const char lower = static_cast<char>(c | 0x20);
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
 
 std::string percentDecoded(std::string_view text) {
   std::string result;
