@@ -47,13 +47,15 @@ ExportFolders::ExportFolders(std::string destination, bool knowsNames, bool make
       m_knowsNames(knowsNames),
       m_makesFolders(makesFolders) {}
 
+std::string ExportFolders::pathAt(const std::string& path) const {
+  return path.empty() ? m_destination->path() : joinPath(m_destination->path(), path);
+}
+
 ExportFolder& ExportFolders::folderAt(const std::string& path) {
   const std::lock_guard lock(m_mutex);
   std::unique_ptr<ExportFolder>& folder = m_folders[path];
   if (!folder) {
-    const std::string& top = m_destination->path();
-    folder = std::make_unique<ExportFolder>(path.empty() ? top : joinPath(top, path), prepare(path),
-                                            m_knowsNames);
+    folder = std::make_unique<ExportFolder>(pathAt(path), prepare(path), m_knowsNames);
     if (path.empty()) {
       folder->m_output = m_destination;
     }
@@ -96,12 +98,15 @@ std::optional<FileError> ExportFolders::prepare(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     error = prepare(slash != std::string::npos ? path.substr(0, slash) : std::string());
     if (!error) {
-      error = prepareBelow(joinPath(m_destination->path(), path));
+      error = prepareBelow(pathAt(path));
     }
   }
   if (!error && m_makesFolders) {
-    path.empty() ? m_destination->removeAbandonedParts()
-                 : OutputFolder(joinPath(m_destination->path(), path)).removeAbandonedParts();
+    if (path.empty()) {
+      m_destination->removeAbandonedParts();
+    } else {
+      OutputFolder(pathAt(path)).removeAbandonedParts();
+    }
   }
   m_prepared.emplace(path, error);
   return error;

@@ -65,6 +65,7 @@ public:
   [[nodiscard]] std::optional<FileError> flush();
 
 private:
+  std::string pathAt(const std::string& path) const;
   std::optional<FileError> prepare(const std::string& path);
   std::optional<FileError> prepareBelow(const std::string& path);
 
