@@ -43,7 +43,6 @@ public:
   // The best that is known; null for nothing. Valid until the event loop runs.
   const Thumbnail* find(const std::string& uid) { return m_cache.find(uid); }
   bool isIdle() const { return m_loader->isIdle(); }
-  std::int64_t cachedBytes() const { return m_cache.byteCount(); }
 
 signals:
   // There is something better to paint for these photos of the sight.
