@@ -44,7 +44,7 @@ constexpr std::array allowedCalls{
 // What a sanitizer's runtime does beside: it reports, gives each thread a stack for signals, tries
 // out whether memory is there by writing it into a pipe, and sleeps.
 constexpr std::array sanitizerCalls{SCMP_SYS(write), SCMP_SYS(sigaltstack), SCMP_SYS(pipe2),
-                                    SCMP_SYS(clock_nanosleep)};
+                                    SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep)};
 
 void setLimit(int resource, rlim_t value) {
   const rlimit limit{value, value};
