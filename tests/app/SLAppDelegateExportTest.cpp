@@ -224,8 +224,9 @@ TEST_F(ExportNoticeTest, stopsWhenAskedTo) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return notice().isVisible(); }, patienceInMilliseconds));
   const auto there = static_cast<int>(m_tree.list("out").size());
   EXPECT_LT(there, 1000);
-  EXPECT_EQ(noticeText(),
-            QString("%1 photos exported to out, %2 not begun").arg(there).arg(1000 - there));
+  EXPECT_EQ(noticeText(), QString("%1 exported to out, %2 not begun")
+                              .arg(there == 1 ? "1 photo" : QString("%1 photos").arg(there))
+                              .arg(1000 - there));
   EXPECT_FALSE(progress.isVisible());
 }
 
