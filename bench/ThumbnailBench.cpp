@@ -108,6 +108,8 @@ int runThumbnailBench(int argc, char** argv) {
       .subject("thumbnails, two workers, started for it", 0.68, [&] { return thumbnails(2); })
       .subject("embedded previews", 0.02,
                [&] { return running.load(photoCount, photos, Kind::Preview, cell); })
+      .subject("a first screen of 24 previews, two workers", 0.06,
+               [&] { return running.load(screenfulCount, photos, Kind::Preview, cell); })
       .subject("a first screen of 24 previews, two workers, started for it", 0.2,
                [&] { return Loading(2).load(screenfulCount, photos, Kind::Preview, cell); });
   return ratios.run(argc, argv);

@@ -130,7 +130,7 @@ DecodedPicture PictureDecoder::decode(const PictureRequest& request, ByteView by
   if (!picture || !pixels) {
     return {.outcome = Outcome::TooLarge};
   }
-  if (isReady(stop)) {
+  if (prepare(stop)) {
     limitProcessorTime();
     const bool isAsked = sendRequest(m_socket.get(), request, picture.get(), pixels.get());
     if (const auto answer = isAsked ? message(stop, m_limits.time) : std::nullopt) {
@@ -141,7 +141,7 @@ DecodedPicture PictureDecoder::decode(const PictureRequest& request, ByteView by
   return {.outcome = stop.level() == StopSignal::Level::None ? Outcome::Failed : Outcome::Stopped};
 }
 
-bool PictureDecoder::isReady(const StopSignal& stop) {
+bool PictureDecoder::prepare(const StopSignal& stop) {
   while (m_process == 0 && m_deathsAtStart < maxDeathsAtStart) {
     const bool isCaged = start() && awaitCage(stop);
     if (!isCaged) {

@@ -1,45 +1,19 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "widgets/thumbnails/ImageBrowserItem.h"
-#include "widgets/thumbnails/Thumbnail.h"
+#include "widgets/thumbnails/ThumbnailMaker.h"
 
 namespace snaplift {
-
-// One piece of work of a ThumbnailLoader.
-struct ThumbnailRequest {
-  enum class Kind {
-    Preview,  // the embedded preview, if it would do for `pixels`
-    Decode,   // the photo itself, with `pixels` on its longer side
-    Shrink    // `source`, a thumbnail that is larger, with `pixels` on its longer side
-  };
-
-  ImageBrowserItemPointer item;
-  std::string uid;
-  Kind kind = Kind::Decode;
-  int pixels = 0;
-  Thumbnail source;
-};
 
 struct ThumbnailResult {
   std::string uid;
   ThumbnailRequest::Kind kind;
   int pixels;  // as requested
   Thumbnail thumbnail;
-};
-
-// What the decoders of one loader may cost together.
-struct LoaderLimits {
-  std::size_t memory = 200'000'000;       // shared evenly among the workers
-  std::size_t largeMemory = 200'000'000;  // beside it, for one picture that needs more; 0: none
-  std::chrono::milliseconds time{10'000};
-  std::string decoder;  // see DecoderLimits::program
 };
 
 // Makes thumbnails on worker threads, in the order that it was given last. It belongs to one view
@@ -60,6 +34,8 @@ public:
   ThumbnailLoader& operator=(const ThumbnailLoader&) = delete;
   ~ThumbnailLoader();
 
+  // Has the decoders started that the workers will need, so that the first photos do not wait.
+  void prepare();
   // Replaces the work that has not begun, first come first; what runs and is no longer asked for
   // may end within moments, and at once where nothing is asked for. What runs or whose result waits
   // is not begun a second time.

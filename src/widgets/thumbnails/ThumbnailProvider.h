@@ -37,6 +37,8 @@ public:
   // Other photos, or none. What is cached stays: it is known by identity, not by index.
   void setItems(ItemAt itemAt, int itemCount);
   void setSight(const Sight& sight);
+  // Photos will be looked at within moments.
+  void prepare() { m_loader->prepare(); }
   // While suspended nothing is read or decoded.
   void setSuspended(bool suspended);
 
