@@ -36,7 +36,10 @@ void handle(int signal) {
 }  // namespace
 
 SignalledEnd::SignalledEnd(QObject* parent) : QObject(parent) {
-  std::signal(SIGXFSZ, SIG_IGN);
+  // Ignored by a handler, for programs that are started from here would inherit SIG_IGN.
+  for (const int signal : {SIGXFSZ, SIGPIPE}) {
+    std::signal(signal, [](int) {});
+  }
   if (::pipe2(wakeUpPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
     return;  // signals end the process as they always did
   }

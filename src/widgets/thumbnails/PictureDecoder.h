@@ -37,8 +37,8 @@ struct DecodedPicture {
 
 // A picture decoder: a process without files, network and much memory that decodes strangers'
 // pictures, so that this process never does (see picturedecoder/). It is started when the first
-// picture is asked for, or before, and used again for the next. Who makes it uses it, on one thread: the
-// process ends with that thread, however it ends.
+// picture is asked for, or before, and used again for the next. Who makes it uses it, on one
+// thread: the process ends with that thread, however it ends.
 //
 // Whatever the picture or the decoder does, decode() comes back in the time that it was given, and
 // nothing that the decoder says is believed before it is compared with what it was handed. A
