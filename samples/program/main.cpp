@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -5,12 +6,22 @@
 
 #include "program/SampleRoot.h"
 
-// snaplift-samples ROOT [--small]: writes sample backups into the folder ROOT.
+namespace {
+
+constexpr const char* usage =
+    "usage: snaplift-samples ROOT [--small]\n"
+    "Writes sample backups into the folder ROOT, with --small in small pictures.\n";
+
+}  // namespace
+
 int main(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
-  const bool small = arguments.size() == 2 && arguments[1] == "--small";
-  if (arguments.empty() || arguments.size() > (small ? 2 : 1)) {
-    std::fputs("usage: snaplift-samples ROOT [--small]\n", stderr);
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (std::ranges::find(arguments, "--help") != arguments.end()) {
+    return std::fputs(usage, stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
+  }
+  const bool small = std::erase(arguments, "--small") > 0;
+  if (arguments.size() != 1 || arguments[0].starts_with('-')) {
+    std::fputs(usage, stderr);
     return 2;
   }
   try {

@@ -21,6 +21,10 @@ for program in snaplift snaplift-cli; do
   check man --warnings -l -Tutf8 "$share/man/man1/$program.1" >/dev/null
   check grep -q "^\.TH .* \"$day\" \"Snaplift $version\" " "$share/man/man1/$program.1"
 done
+check grep -q 'No space' <("$prefix/bin/snaplift" --version 2>&1 >/dev/full)
+samples=$1/samples/program/snaplift-samples
+check grep -q '^usage: ' <("$samples" --help)
+check test "$("$samples" --helpp 2>/dev/null || echo $?)" = 2
 check test "$(grep -m1 '^## ' "$tree/CHANGELOG.md")" = "## $version ($day)"
 check test "$(head -1 "$tree/debian/changelog" | cut -d' ' -f-2)" = "snaplift ($version)"
 check grep -q "version=\"$version\" date=\"$day\"" <(grep -m1 '<release ' "$metainfo")

@@ -12,8 +12,11 @@ int main(int argc, char** argv) {
   // Before there is a display, which nobody needs to read a help text.
   if (const auto answer = snaplift::answerOfCommandLine({argv + 1, argv + argc})) {
     std::FILE* stream = answer->status == 0 ? stdout : stderr;
-    const bool arrived = std::fputs(answer->text.c_str(), stream) >= 0 && std::fflush(stream) == 0;
-    return arrived ? answer->status : 1;
+    if (std::fputs(answer->text.c_str(), stream) < 0 || std::fflush(stream) != 0) {
+      std::perror("snaplift: the output is not complete");
+      return 1;
+    }
+    return answer->status;
   }
   snaplift::keepTemporaryFolderOutOfBackups();
   snaplift::removeAbandonedTemporaryFolders();
