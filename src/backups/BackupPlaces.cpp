@@ -85,16 +85,21 @@ std::string folderMeantBy(std::string path) {
   return path;
 }
 
-std::optional<std::string> whyFolderCannotBeRead(const std::string& folder) {
+std::optional<Sentence> whyFolderCannotBeRead(const std::string& folder) {
   const std::error_code error = FolderTree(folder).error();
   if (!error) {
     return std::nullopt;
   }
-  return (error == std::errc::no_such_file_or_directory ? "no such folder: "
-          : error == std::errc::not_a_directory         ? "not a folder: "
-          : error == std::errc::permission_denied       ? "no permission to read the folder: "
-                                                        : error.message() + ": ") +
-         folder;
+  if (error == std::errc::no_such_file_or_directory) {
+    return Sentence{translatable("Core", "no such folder: %1"), {folder}};
+  }
+  if (error == std::errc::not_a_directory) {
+    return Sentence{translatable("Core", "not a folder: %1"), {folder}};
+  }
+  if (error == std::errc::permission_denied) {
+    return Sentence{translatable("Core", "no permission to read the folder: %1"), {folder}};
+  }
+  return Sentence{"%1: %2", {error.message(), folder}};
 }
 
 bool looksLikeBackup(const std::string& folder) {

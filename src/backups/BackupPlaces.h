@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Sentence.h"
+
 namespace snaplift {
 
 class FolderTree;
@@ -20,7 +22,7 @@ std::string folderMeantBy(std::string path);
 
 // Why there is nothing to be seen in a folder, as words for a person: "no such folder: /x", "not a
 // folder: /x", "no permission to read the folder: /x". Nothing where it can be read.
-std::optional<std::string> whyFolderCannotBeRead(const std::string& folder);
+std::optional<Sentence> whyFolderCannotBeRead(const std::string& folder);
 
 // Whether a folder holds a file that says that it is a backup, whole or not.
 bool looksLikeBackup(const std::string& folder);

@@ -46,19 +46,19 @@ std::string ownFolder(std::string_view path, const std::vector<const BackupModel
 
 }  // namespace
 
-std::string DeviceModel::title() {
+std::optional<std::string> DeviceModel::ownTitle() {
   const auto isText = [](const std::string& text) {
     return text.find_first_not_of(" \t\n") != std::string::npos;
   };
   if (m_name && isText(*m_name)) {
-    return *m_name;
+    return m_name;
   }
   for (const auto& backup : backups()) {
     if (backup->productType() && isText(*backup->productType())) {
-      return *backup->productType();
+      return backup->productType();
     }
   }
-  return "Unnamed Device";
+  return std::nullopt;
 }
 
 std::string DeviceModel::titleOfBackup(const BackupModel& backup) {

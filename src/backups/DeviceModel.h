@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "backups/BackupModel.h"
+#include "foundation/Sentence.h"
 
 namespace snaplift {
 
@@ -21,8 +22,10 @@ public:
   void setName(std::optional<std::string> name) { m_name = std::move(name); }
 
   // What the device is called where people read it: its name, else the product type that a backup
-  // of it states, else "Unnamed Device".
-  std::string title();
+  // of it states; that, else "Unnamed Device".
+  std::optional<std::string> ownTitle();
+  std::string title() { return ownTitle().value_or(unnamed); }
+  static constexpr const char* unnamed = translatable("Core", "Unnamed Device");
   // What one of its backups is called: its date; where others are of that day with the time, and
   // where others are of that time with the folder that tells it from them.
   std::string titleOfBackup(const BackupModel& backup);

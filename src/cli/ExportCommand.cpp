@@ -193,14 +193,14 @@ void printSummary(const ExportSummary& summary, const std::vector<std::string>& 
 }
 
 // Why the destination or the report's place cannot be used.
-std::optional<std::string> problemOf(const ExportOptions& options, const Selection& chosen) {
+std::optional<Sentence> problemOf(const ExportOptions& options, const Selection& chosen) {
   std::vector<std::string> folders;
   std::ranges::transform(chosen.backups(), std::back_inserter(folders), &BackupModel::path);
   auto problem = exportDestinationProblem(options.destination, folders);
   if (problem || !options.report) {
     return problem;
   }
-  return fileAttributes(*options.report) ? "\"" + *options.report + "\" exists already."
+  return fileAttributes(*options.report) ? Sentence{"\"%1\" exists already.", {*options.report}}
                                          : reportFileProblem(*options.report, folders);
 }
 
@@ -228,7 +228,7 @@ ExitStatus exportPhotos(const ExportOptions& options) {
     return NoSuchBackup;
   }
   if (const auto problem = problemOf(options, *chosen)) {
-    printMessage(*problem);
+    printMessage(problem->text());
     return Failed;
   }
   catchInterrupts();

@@ -20,7 +20,7 @@ ExitStatus findBackups(const std::vector<std::string>& folders) {
   for (const std::string& name : folders) {
     std::string folder = folderMeantBy(name);
     if (const auto problem = whyFolderCannotBeRead(folder)) {
-      printMessage(*problem);
+      printMessage(problem->text());
       isMissing = true;
     } else {
       readable.push_back(std::move(folder));

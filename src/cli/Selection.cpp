@@ -23,7 +23,7 @@ std::optional<std::string> rootFolder(const std::optional<std::string>& root) {
     return std::nullopt;
   }
   if (const auto problem = whyFolderCannotBeRead(folder)) {
-    printMessage(*problem + (root ? "" : wayOut));
+    printMessage(problem->text() + (root ? "" : wayOut));
     return std::nullopt;
   }
   return folder;
@@ -155,7 +155,7 @@ bool Selection::takeRoot(const std::optional<std::string>& root) {
 
 bool Selection::takeFolder(const std::string& folder) {
   if (const auto problem = whyFolderCannotBeRead(folder)) {
-    printMessage(*problem);
+    printMessage(problem->text());
     return false;
   }
   std::vector<std::unique_ptr<BackupModel>> found;

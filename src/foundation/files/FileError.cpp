@@ -4,6 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "foundation/Sentence.h"
+
 namespace snaplift {
 
 FileError FileError::ofSystem(int errorNumber, std::string path) {
@@ -48,20 +50,20 @@ std::string FileError::reason() const {
     return std::generic_category().message(code);
   }
   if (domain == backupErrorDomain) {
-    return code == encryptedError ? "the backup is encrypted"
-                                  : "nothing is ever written into a backup";
+    return code == encryptedError ? translatable("Core", "the backup is encrypted")
+                                  : translatable("Core", "nothing is ever written into a backup");
   }
   switch (code) {
     case fileWriteFileExistsError:
-      return "a file of this name exists";
+      return translatable("Core", "a file of this name exists");
     case fileWriteInvalidFileNameError:
-      return "this is not the name of a file";
+      return translatable("Core", "this is not the name of a file");
     case fileReadNoSuchFileError:
-      return "the file is missing";
+      return translatable("Core", "the file is missing");
     case fileReadNoPermissionError:
-      return "there is no permission to read the file";
+      return translatable("Core", "there is no permission to read the file");
     default:
-      return "the file cannot be read";
+      return translatable("Core", "the file cannot be read");
   }
 }
 

@@ -41,7 +41,7 @@ struct FileError {
 
   bool isFileExists() const;
 
-  // "No space left on device": why, in words for the user.
+  // "No space left on device": why, in words for the user. Our own are translatable, as they stand.
   std::string reason() const;
 
   // "/out/IMG_0001.JPG: No space left on device (NSPOSIXErrorDomain 28)". The path stands as it is,
