@@ -1,8 +1,10 @@
 #include <QApplication>
+#include <QLocale>
 #include <cstdio>
 
 #include "app/CommandLine.h"
 #include "app/SLAppDelegate.h"
+#include "app/words/Translations.h"
 #include "backups/BackupAround.h"
 #include "foundation/EndInTime.h"
 #include "foundation/files/TemporaryFolder.h"
@@ -24,6 +26,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("Snaplift");
   QApplication::setApplicationVersion(SNAPLIFT_VERSION);
   QGuiApplication::setDesktopFileName("app.snaplift.Snaplift");
+  snaplift::installTranslations(QLocale().uiLanguages());
   const snaplift::SignalledEnd signalledEnd;
   const auto arguments = snaplift::windowArguments({argv + 1, argv + argc});
   snaplift::EndInTime end;
