@@ -2,12 +2,15 @@
 
 #include <utility>
 
+#include "app/words/CoreText.h"
+
 namespace snaplift {
 
 void EverythingToExport::add(DeviceModel& device) {
   m_devices.push_back(std::make_unique<DeviceModel>(device.title()));
   for (const auto& backup : device.backups()) {
-    m_backups.push_back({backup.get(), m_devices.back().get(), device.titleOfBackup(*backup)});
+    m_backups.push_back({backup.get(), m_devices.back().get(),
+                         deviceTitle(device).toStdString() + ", " + device.titleOfBackup(*backup)});
   }
 }
 
@@ -39,13 +42,12 @@ void EverythingToExport::collect(const std::stop_token& stop) {
   LayoutFolders folders(m_layout);
   for (const Backup& backup : m_backups) {
     const auto& items = backup.model->imageItems();
-    const std::string name = backup.device->title() + ", " + backup.title;
     if (backup.model->encrypted()) {
-      m_photos.encrypted.push_back(name);
+      m_photos.encrypted.push_back(backup.title);
       continue;
     }
     if (!backup.model->isComplete()) {
-      m_photos.damaged.push_back(name);
+      m_photos.damaged.push_back(backup.title);
     }
     for (const auto& item : items) {
       if (stop.stop_requested()) {

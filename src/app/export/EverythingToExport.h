@@ -45,7 +45,7 @@ private:
   struct Backup {
     BackupModel* model;
     DeviceModel* device;
-    std::string title;
+    std::string title;  // device and backup, as they are called in the window
   };
 
   void loadNext();

@@ -6,6 +6,7 @@
 
 #include "app/export/ExportText.h"
 #include "app/export/NumberedTwins.h"
+#include "app/words/CoreText.h"
 #include "export/ExportDestination.h"
 #include "export/ExportReportFile.h"
 #include "foundation/files/Path.h"
@@ -26,7 +27,7 @@ void ExportNotice::tellOf(const ExportReport& report) {
 void ExportNotice::tellAgain() {
   QString text = exportedText(*m_report);
   if (m_offersSkipping) {
-    text += ". More than half of them were there already, with the same bytes";
+    text += ". " + tr("More than half of them were there already, with the same bytes");
   }
   tell(text + m_remark, actions());
 }
@@ -34,7 +35,7 @@ void ExportNotice::tellAgain() {
 std::vector<NoticeAction> ExportNotice::actions() {
   std::vector<NoticeAction> actions;
   if (m_report->summary.exported > 0) {
-    actions.push_back({"Show", [report = m_report] {
+    actions.push_back({tr("Show"), [report = m_report] {
                          std::vector<std::string> files;
                          for (const ExportedPhoto& photo : report->arrived) {
                            if (!photo.isSkipped) {
@@ -45,29 +46,29 @@ std::vector<NoticeAction> ExportNotice::actions() {
                        }});
   }
   if (!failureRows(*m_report).empty()) {
-    actions.push_back({"Details...", [this] { showDetails(); }, false});
+    actions.push_back({tr("Details..."), [this] { showDetails(); }, false});
   }
   if (!m_report->failures.empty()) {
-    actions.push_back({"Retry Failed", [this] { retry(); }});
+    actions.push_back({tr("Retry Failed"), [this] { retry(); }});
   }
   if (m_offersSkipping) {
-    actions.push_back({"Skip Them From Now On", [this] { emit skippingWanted(); }});
+    actions.push_back({tr("Skip Them From Now On"), [this] { emit skippingWanted(); }});
   }
-  actions.push_back({"Save Report...", [this] { chooseReportFile(); }, false});
+  actions.push_back({tr("Save Report..."), [this] { chooseReportFile(); }, false});
   return actions;
 }
 
 void ExportNotice::showDetails() {
   std::vector<AlertChoice> choices;
   if (!m_report->failures.empty()) {
-    choices.push_back({"Retry Failed", [this] {
+    choices.push_back({tr("Retry Failed"), [this] {
                          hide();
                          retry();
                        }});
   }
-  choices.push_back({"Save Report...", [this] { chooseReportFile(); }});
-  showTable(window(), "Photos That Were Not Exported", {"Photo", "Reason"}, failureRows(*m_report),
-            choices);
+  choices.push_back({tr("Save Report..."), [this] { chooseReportFile(); }});
+  showTable(window(), tr("Photos That Were Not Exported"), {tr("Photo"), tr("Reason")},
+            failureRows(*m_report), choices);
 }
 
 // Where the destination was lost, the others were not begun because of the one that failed.
@@ -94,12 +95,12 @@ void ExportNotice::lookForTwins() {
 
 void ExportNotice::chooseReportFile() {
   auto* dialog =
-      new QFileDialog(window(), "Save Report", QFile::decodeName(m_report->destination.c_str()),
-                      "Comma-Separated Values (*.csv)");
+      new QFileDialog(window(), tr("Save Report"), QFile::decodeName(m_report->destination.c_str()),
+                      tr("Comma-Separated Values (*.csv)"));
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setAcceptMode(QFileDialog::AcceptSave);
   dialog->setDefaultSuffix("csv");
-  dialog->selectFile("Snaplift Report.csv");
+  dialog->selectFile(tr("Snaplift Report.csv"));
   connect(dialog, &QFileDialog::fileSelected, this,
           [this](const QString& file) { saveReport(QFile::encodeName(file).toStdString()); });
   dialog->open();
@@ -107,10 +108,10 @@ void ExportNotice::chooseReportFile() {
 
 void ExportNotice::saveReport(const std::string& file) {
   if (const auto problem = reportFileProblem(file, m_backupFolders())) {
-    showAlert(window(), unsavedReportText(*problem));
+    showAlert(window(), unsavedReportText(coreText(*problem)));
     return;
   }
-  m_remark = ". Saving the report...";
+  m_remark = ". " + tr("Saving the report...");
   tellAgain();
   inBackground([this, report = m_report, file](const std::stop_token& stop) {
     std::vector<PhotoToExport> photos;
@@ -125,7 +126,7 @@ void ExportNotice::saveReport(const std::string& file) {
         stop.stop_requested() ? std::nullopt : writeReport(file, lines, ReportPlace::MayBeReplaced);
     return [this, report, file, error, isProven = !hasUnprovenFile(lines)] {
       if (error) {
-        showAlert(window(), unsavedReportText(error->reason()));
+        showAlert(window(), unsavedReportText(coreText(*error)));
       }
       if (report == m_report) {
         m_remark = error ? QString() : savedReportText(file, isProven);

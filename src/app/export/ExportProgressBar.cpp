@@ -24,13 +24,13 @@ ExportProgressBar::ExportProgressBar(QWidget* parent)
   row->addWidget(m_stop);
   m_bar->setRange(0, barSteps);
   m_bar->setTextVisible(false);
-  m_bar->setAccessibleName("Export Progress");
+  m_bar->setAccessibleName(tr("Export Progress"));
   m_text->setTextFormat(Qt::PlainText);
-  m_stop->setAccessibleName("Stop Exporting");
-  m_stop->setToolTip("Finish the photos in hand and leave the others in the backup");
+  m_stop->setAccessibleName(tr("Stop Exporting"));
+  m_stop->setToolTip(tr("Finish the photos in hand and leave the others in the backup"));
   connect(m_stop, &QPushButton::clicked, this, [this] {
     m_stop->setEnabled(false);
-    m_stop->setText("Stopping...");
+    m_stop->setText(tr("Stopping..."));
     emit stopWanted();
   });
   hide();
@@ -39,7 +39,7 @@ ExportProgressBar::ExportProgressBar(QWidget* parent)
 void ExportProgressBar::begin() {
   m_rate = {};
   m_stop->setEnabled(true);
-  m_stop->setText("&Stop");
+  m_stop->setText(tr("&Stop"));
 }
 
 void ExportProgressBar::show(double part, const QString& text) {
@@ -55,7 +55,7 @@ void ExportProgressBar::tellOfLoading(std::size_t loaded, std::size_t backups) {
   }
   const double part =
       static_cast<double>(loaded) / static_cast<double>(std::max<std::size_t>(1, backups));
-  show(part, QStringLiteral("Loading backups, %1 of %2").arg(loaded).arg(backups));
+  show(part, tr("Loading backups, %1 of %2").arg(loaded).arg(backups));
 }
 
 void ExportProgressBar::tell(const ExportProgress& progress, TransferRate::Time now) {
@@ -71,7 +71,7 @@ void ExportProgressBar::tell(const ExportProgress& progress, TransferRate::Time 
   const double part =
       static_cast<double>(done) / static_cast<double>(std::max<std::uint64_t>(1, total));
   m_rate.update(now, done);
-  QString text = QStringLiteral("%1 of %2").arg(progress.photosEnded).arg(progress.photos);
+  QString text = tr("%1 of %2").arg(progress.photosEnded).arg(progress.photos);
   if (const auto rate = m_rate.perSecond(); rate && *rate > 0) {
     if (m_countsBytes) {
       text += QStringLiteral(", %1/s").arg(

@@ -27,7 +27,7 @@ AlertText lostDestinationText(const ExportReport& report);
 AlertText unsafeExportText(const ExportReport& report);
 
 // The report of an export, which could not be saved; and one that was, with all its files read.
-AlertText unsavedReportText(const std::string& reason);
+AlertText unsavedReportText(const QString& reason);
 QString savedReportText(const std::string& file, bool isProven);
 
 // Photos that were copied to the clipboard and did not reach who asked for them.

@@ -85,7 +85,7 @@ void PhotoExporter::beginWhereThereIsRoom(const ExportReport& report,
   const std::uint64_t needed = report.options.skipsExisting ? 0 : bytes.value_or(0);
   const auto free = freeBytes(report.destination);
   if (free && needed > *free) {
-    askQuestion(&m_window, littleRoomText(report.destination, needed, *free), "Export Anyway",
+    askQuestion(&m_window, littleRoomText(report.destination, needed, *free), tr("Export Anyway"),
                 begin);
   } else {
     begin();
@@ -117,7 +117,7 @@ void PhotoExporter::tellEnd(const ExportReport& report) {
   if (report.summary.lost) {
     const AlertText text = lostDestinationText(report);
     askQuestion(
-        &m_window, text, "Retry", [this, report] { m_exports.begin(report); }, "Stop",
+        &m_window, text, tr("Retry"), [this, report] { m_exports.begin(report); }, tr("Stop"),
         [this, report] { m_notice.tellOf(report); });
     tellWhoLooksElsewhere(text.messageText);
     return;
@@ -130,10 +130,10 @@ void PhotoExporter::tellEnd(const ExportReport& report) {
 }
 
 void PhotoExporter::askWhetherToStop(const std::function<void()>& stopped) {
-  const AlertText text = {"Photos Are Still Being Exported",
-                          "If you stop now, the photos in hand are finished and the others stay in "
-                          "the backup."};
-  m_stopQuestion = askQuestion(&m_window, text, "Stop and Quit", [this, stopped] {
+  const AlertText text = {tr("Photos Are Still Being Exported"),
+                          tr("If you stop now, the photos in hand are finished and the others stay "
+                             "in the backup.")};
+  m_stopQuestion = askQuestion(&m_window, text, tr("Stop and Quit"), [this, stopped] {
     stopAndWait();
     stopped();
   });
