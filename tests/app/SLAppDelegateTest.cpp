@@ -68,8 +68,8 @@ TEST_F(SLAppDelegateTest, tellsMissingAndShortPhotosApart) {
   ASSERT_TRUE(QTest::qWaitFor(
       [&] { return isKnown(0) && isKnown(1) && isKnown(2) && !browser().isLoadingThumbnails(); }));
   EXPECT_EQ(browser().thumbnailAtIndex(0)->state, Thumbnail::State::Missing);
-  EXPECT_STREQ(troubleOf(*browser().thumbnailAtIndex(1)).word, "Incomplete");
-  EXPECT_STREQ(troubleOf(*browser().thumbnailAtIndex(2)).word, "");
+  EXPECT_EQ(troubleOf(*browser().thumbnailAtIndex(1)).word, "Incomplete");
+  EXPECT_EQ(troubleOf(*browser().thumbnailAtIndex(2)).word, "");
 }
 
 TEST_F(SLAppDelegateTest, saysThatABackupIsEncryptedWheneverItsPhotosAreAskedFor) {

@@ -86,7 +86,7 @@ ORBSourceList::RowDescription ORBSourceList::descriptionOfRow(int row) {
   description.text += (description.text.isEmpty() || more.isEmpty() ? "" : ", ") + more;
   description.busy = !isGroupItem(item) && isProcessing(item);
   if (description.busy) {
-    description.text += description.text.isEmpty() ? "Loading..." : ", Loading...";
+    description.text += (description.text.isEmpty() ? "" : ", ") + tr("Loading...");
   }
   return description;
 }

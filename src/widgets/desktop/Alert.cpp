@@ -1,5 +1,6 @@
 #include "widgets/desktop/Alert.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -7,6 +8,10 @@
 
 namespace snaplift {
 namespace {
+
+struct Words {
+  Q_DECLARE_TR_FUNCTIONS(Alert)
+};
 
 // As wide as some 50 letters.
 int comfortableLine(const QWidget& widget) {
@@ -41,7 +46,7 @@ QMessageBox* showAlertWithChoices(QWidget* window, const AlertText& text,
                                   const std::vector<AlertChoice>& choices,
                                   std::function<void()> dismissed) {
   QMessageBox* alert = makeAlert(window, QMessageBox::Warning, text);
-  QPushButton* ok = alert->addButton("Ok", QMessageBox::AcceptRole);
+  QPushButton* ok = alert->addButton(Words::tr("Ok"), QMessageBox::AcceptRole);
   alert->setDefaultButton(ok);
   alert->setEscapeButton(ok);
   QObject::connect(alert, &QDialog::finished, alert, [alert, ok, dismissed = std::move(dismissed)] {
@@ -72,7 +77,8 @@ QMessageBox* askQuestion(QWidget* window, const AlertText& text, const QString& 
                          std::function<void()> refused) {
   QMessageBox* alert = makeAlert(window, QMessageBox::Question, text);
   const QPushButton* confirm = alert->addButton(confirmButton, QMessageBox::DestructiveRole);
-  QPushButton* cancel = alert->addButton(otherButton, QMessageBox::RejectRole);
+  QPushButton* cancel = alert->addButton(otherButton.isEmpty() ? Words::tr("Cancel") : otherButton,
+                                         QMessageBox::RejectRole);
   alert->setDefaultButton(cancel);
   alert->setEscapeButton(cancel);
   QObject::connect(

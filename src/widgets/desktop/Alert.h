@@ -36,10 +36,10 @@ QMessageBox* showAlertWithChoices(QWidget* window, const AlertText& text,
 void addChoice(QMessageBox& alert, const AlertChoice& choice);
 
 // Asks a question the same way. `confirmed` is called only when the user chooses `confirmButton`;
-// the other button is the default. Whoever asked may close the question: that counts as the other
-// button.
+// the other button, or "Cancel", is the default. Whoever asked may close the question: that counts
+// as the other button.
 QMessageBox* askQuestion(QWidget* window, const AlertText& text, const QString& confirmButton,
-                         std::function<void()> confirmed, const QString& otherButton = "Cancel",
+                         std::function<void()> confirmed, const QString& otherButton = {},
                          std::function<void()> refused = {});
 
 }  // namespace snaplift

@@ -29,8 +29,8 @@ NoticeBar::NoticeBar(QWidget* parent)
   auto* close = new QToolButton;
   close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
   close->setAutoRaise(true);
-  close->setToolTip("Close this notice (Esc)");
-  close->setAccessibleName("Close Notice");
+  close->setToolTip(tr("Close this notice (Esc)"));
+  close->setAccessibleName(tr("Close Notice"));
   row->addWidget(close, 0, Qt::AlignTop);
   connect(close, &QToolButton::clicked, this, &QWidget::hide);
   // Of a widget that is hidden no shortcut works: Escape is the others' again.

@@ -1,9 +1,14 @@
 #include "widgets/desktop/TransferRate.h"
 
+#include <QCoreApplication>
 #include <cmath>
 
 namespace snaplift {
 namespace {
+
+struct Words {
+  Q_DECLARE_TR_FUNCTIONS(TransferRate)
+};
 
 // Less says more about the clock than about the disk.
 constexpr double shortestStep = 0.5;
@@ -34,17 +39,18 @@ void TransferRate::update(Time now, std::uint64_t done) {
 
 QString timeLeftText(double seconds) {
   if (seconds < minute) {
-    return QStringLiteral("less than a minute left");
+    return Words::tr("less than a minute left");
   }
   if (seconds >= 99 * hour) {
-    return QStringLiteral("more than 99 hours left");
+    return Words::tr("more than 99 hours left");
   }
   const bool areHours = seconds >= 1.5 * hour;
   const int count = static_cast<int>(std::lround(seconds / (areHours ? hour : minute)));
-  return QStringLiteral("about %1 %2%3 left")
-      .arg(count)
-      .arg(areHours ? QStringLiteral("hour") : QStringLiteral("minute"))
-      .arg(count == 1 ? QString() : QStringLiteral("s"));
+  if (areHours) {
+    return Words::tr("about %n hours left", nullptr, count);
+  }
+  return count == 1 ? Words::tr("about 1 minute left")
+                    : Words::tr("about %n minutes left", nullptr, count);
 }
 
 }  // namespace snaplift

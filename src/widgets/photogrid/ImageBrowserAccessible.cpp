@@ -33,8 +33,8 @@ public:
         kind == QAccessible::Description ? m_view->thumbnailAtIndex(m_index) : nullptr;
     return kind == QAccessible::Name ? m_view->titleAtIndex(m_index)
            : known == nullptr        ? QString()
-           : known->isFilm           ? QString("Film")
-                                     : QString(troubleOf(*known).sentence);
+           : known->isFilm           ? ImageBrowserView::tr("Film")
+                                     : troubleOf(*known).sentence;
   }
   QRect rect() const override {
     if (!isValid()) {

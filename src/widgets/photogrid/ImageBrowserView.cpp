@@ -259,13 +259,13 @@ QString ImageBrowserView::toolTipOf(int index) const {
   if (const Thumbnail* thumbnail = m_thumbnails->find(item->imageUID())) {
     QStringList measures;
     if (thumbnail->isFilm) {
-      measures << "Film";
+      measures << tr("Film");
     }
     if (thumbnail->filmLength) {
       measures << filmLengthText(*thumbnail->filmLength);
     }
     if (thumbnail->photoSize.isValid()) {
-      measures << QString("%1 × %2 pixels")
+      measures << tr("%1 × %2 pixels")
                       .arg(thumbnail->photoSize.width())
                       .arg(thumbnail->photoSize.height());
     }

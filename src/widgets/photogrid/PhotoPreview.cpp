@@ -54,10 +54,10 @@ bool isSharpAt(const Thumbnail& photo, int pixels) {
 PhotoPreview::PhotoPreview(ImageBrowserView* view)
     : QWidget(view),
       m_view(view),
-      m_previous(addButton(QStringLiteral("‹"), "Previous Photo")),
-      m_next(addButton(QStringLiteral("›"), "Next Photo")),
-      m_close(addButton(QStringLiteral("×"), "Close Preview")),
-      m_player(new QPushButton("Open in Player", this)),
+      m_previous(addButton(QStringLiteral("‹"), tr("Previous Photo"))),
+      m_next(addButton(QStringLiteral("›"), tr("Next Photo"))),
+      m_close(addButton(QStringLiteral("×"), tr("Close Preview"))),
+      m_player(new QPushButton(tr("Open in Player"), this)),
       m_neighbours(neighbourCapacity),
       m_self(std::make_shared<PhotoPreview*>(this)) {
   setFocusPolicy(Qt::StrongFocus);
@@ -258,8 +258,7 @@ QString PhotoPreview::title() const {
 }
 
 QString PhotoPreview::place() const {
-  return QString("%1 of %2")
-      .arg(locale().toString(m_index + 1), locale().toString(m_view->itemCount()));
+  return tr("%1 of %2").arg(locale().toString(m_index + 1), locale().toString(m_view->itemCount()));
 }
 
 void PhotoPreview::paintEvent(QPaintEvent*) {
@@ -273,7 +272,7 @@ void PhotoPreview::paintEvent(QPaintEvent*) {
     painter.drawImage(photoRect(), m_photo.picture);
     painter.setClipping(false);
   } else if (m_photo.isFilm) {
-    painter.drawText(area, Qt::AlignCenter, "The backup has no picture of this film.");
+    painter.drawText(area, Qt::AlignCenter, tr("The backup has no picture of this film."));
   } else if (m_photo.isBroken()) {
     painter.drawText(area, Qt::AlignCenter, troubleOf(m_photo).sentence);
   }

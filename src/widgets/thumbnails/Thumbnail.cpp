@@ -1,22 +1,31 @@
 #include "widgets/thumbnails/Thumbnail.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <array>
 
 namespace snaplift {
+namespace {
+
+struct Words {
+  Q_DECLARE_TR_FUNCTIONS(Thumbnail)
+};
+
+}  // namespace
 
 ThumbnailTrouble troubleOf(const Thumbnail& thumbnail) {
   switch (thumbnail.state) {
     case Thumbnail::State::Missing:
-      return {"Missing", "The backup does not have this photo."};
+      return {Words::tr("Missing"), Words::tr("The backup does not have this photo.")};
     case Thumbnail::State::Unreadable:
-      return {"Unreadable", "This photo is there, but it cannot be read."};
+      return {Words::tr("Unreadable"), Words::tr("This photo is there, but it cannot be read.")};
     case Thumbnail::State::Undecodable:
-      return {"Damaged", "This photo is damaged, too large or of an unknown format."};
+      return {Words::tr("Damaged"),
+              Words::tr("This photo is damaged, too large or of an unknown format.")};
     default:
-      return thumbnail.isDamaged
-                 ? ThumbnailTrouble{"Incomplete", "A part of this photo is missing."}
-                 : ThumbnailTrouble{"", ""};
+      return thumbnail.isDamaged ? ThumbnailTrouble{Words::tr("Incomplete"),
+                                                    Words::tr("A part of this photo is missing.")}
+                                 : ThumbnailTrouble();
   }
 }
 

@@ -41,8 +41,8 @@ struct Thumbnail {
 // What is wrong with a photo, for people: a word, and a sentence that says more. Both are empty
 // where nothing is.
 struct ThumbnailTrouble {
-  const char* word;
-  const char* sentence;
+  QString word;
+  QString sentence;
 };
 ThumbnailTrouble troubleOf(const Thumbnail& thumbnail);
 
