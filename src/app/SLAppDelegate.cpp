@@ -14,6 +14,7 @@
 #include <cmath>
 
 #include "app/StatusText.h"
+#include "app/words/CoreText.h"
 #include "ui_MainWindow.h"
 #include "widgets/desktop/MainThread.h"
 #include "widgets/desktop/PlainText.h"
@@ -176,12 +177,11 @@ void SLAppDelegate::registerForLoading() {
 }
 
 void SLAppDelegate::showAbout() {
-  auto* box = new QMessageBox(
-      QMessageBox::NoIcon, "About Snaplift",
-      "<h3>Snaplift " SNAPLIFT_VERSION
-      "</h3><p>Gets photos back out of the backups of old handsets.</p><p>Backups are "
-      "only read, never changed.</p>",
-      QMessageBox::Ok, m_window.get());
+  auto* box = new QMessageBox(QMessageBox::NoIcon, tr("About Snaplift"),
+                              QString("<h3>Snaplift " SNAPLIFT_VERSION "</h3><p>%1</p><p>%2</p>")
+                                  .arg(tr("Gets photos back out of the backups of old handsets."),
+                                       tr("Backups are only read, never changed.")),
+                              QMessageBox::Ok, m_window.get());
   box->setIconPixmap(m_window->windowIcon().pixmap(64));
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->open();
@@ -253,7 +253,7 @@ OutlineItem SLAppDelegate::sourceListChildOfItem(PXSourceList&, std::size_t inde
 
 QVariant SLAppDelegate::sourceListObjectValueForItem(PXSourceList&, OutlineItem item) {
   if (auto* device = item.as<DeviceModel>()) {
-    return plainText::shortened(device->title()).toUpper();
+    return plainText::shortened(deviceTitle(*device)).toUpper();
   }
   auto* backup = item.as<BackupModel>();
   if (!backup) {
@@ -311,7 +311,7 @@ std::optional<QMenu*> SLAppDelegate::sourceListMenuForEventItem(PXSourceList& li
   }
   list.selectRowIndexesByExtendingSelection({list.rowForItem(item)}, false);
   m_contextMenu = std::make_unique<QMenu>();
-  QAction* first = m_contextMenu->addAction("Loading...");
+  QAction* first = m_contextMenu->addAction(tr("Loading..."));
   if (!backup->contentReady()) {
     first->setEnabled(false);
     m_pendingMenuItem = first;
@@ -319,7 +319,7 @@ std::optional<QMenu*> SLAppDelegate::sourceListMenuForEventItem(PXSourceList& li
     offerExport(*first, *backup);
   }
   m_contextMenu->addSeparator();
-  connect(m_contextMenu->addAction("Reveal In Finder"), &QAction::triggered, this,
+  connect(m_contextMenu->addAction(tr("Reveal In Finder")), &QAction::triggered, this,
           [this] { revealSelectedInFinder(); });
   return m_contextMenu.get();
 }

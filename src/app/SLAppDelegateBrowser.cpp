@@ -28,7 +28,7 @@ constexpr double zoomOfKey = 0.05;
 constexpr double zoomOutTarget = SLAppDelegate::startZoom;
 
 QString zoomText(int percent) {
-  return QStringLiteral("Pictures at %1 percent of their largest size").arg(percent);
+  return SLAppDelegate::tr("Pictures at %1 percent of their largest size").arg(percent);
 }
 
 }  // namespace
@@ -69,7 +69,7 @@ bool SLAppDelegate::hasSelection() const {
 void SLAppDelegate::didStartLoading(BackupModel* backup) {
   const auto say = [this, backup] {
     if (backup == selectedBackup()) {
-      m_ui->text->setText("Loading...");
+      m_ui->text->setText(tr("Loading..."));
     }
     m_ui->sourceList->reloadItem(backup);  // its wheel turns, whoever has it load
   };
@@ -89,14 +89,14 @@ void SLAppDelegate::showContentOf(BackupModel* backup) {
   m_ui->browser->reloadData();
   tellOfOtherMedia(*backup);
   if (backup->imageItems().empty() && !backup->encryptsList()) {
-    showMessage("No Photos Found in This Backup");
+    showMessage(tr("No Photos Found in This Backup"));
   } else if (backup->encrypted()) {
-    showMessage("Backup is Encrypted");
+    showMessage(tr("Backup is Encrypted"));
     updateCentreText();
     sayThatItIsEncrypted([this, backup] { didShowContentOf(backup); });
     return;
   } else {
-    m_ui->text->setText("Loading...");
+    m_ui->text->setText(tr("Loading..."));
     m_ui->contentArea->setCurrentWidget(m_ui->browser);
   }
   didShowContentOf(backup);
@@ -117,16 +117,17 @@ void SLAppDelegate::didShowContentOf(BackupModel* backup) {
 
 void SLAppDelegate::sayThatItIsEncrypted(std::function<void()> dismissed) {
   const AlertText text = {
-      "This Backup is Encrypted",
-      "Snaplift cannot recover photos from this backup because it is encrypted.  You must use "
-      "iTunes to restore them to an iOS device."};
+      tr("This Backup is Encrypted"),
+      tr("Snaplift cannot recover photos from this backup because it is encrypted.  You must use "
+         "iTunes to restore them to an iOS device.")};
   showAlert(m_window.get(), text, std::move(dismissed));
 }
 
 void SLAppDelegate::tellOfDamage() {
-  showAlert(m_window.get(), {"This Backup is Damaged",
-                             "Snaplift shows every photo that it could find, but some of the "
-                             "files that list the photos cannot be read. Photos may be missing."});
+  showAlert(m_window.get(), {tr("This Backup is Damaged"),
+                             tr("Snaplift shows every photo that it could find, but some of the "
+                                "files that list the photos cannot be read. Photos may be "
+                                "missing.")});
 }
 
 void SLAppDelegate::tellOfOtherMedia(BackupModel& backup) {
@@ -135,8 +136,9 @@ void SLAppDelegate::tellOfOtherMedia(BackupModel& backup) {
     m_ui->mediaNotice->hide();
     return;
   }
-  m_ui->mediaNotice->tell(QString::fromStdString(others.subject() + " not shown"),
-                          {{"Show Them", [this] { m_ui->actionOtherMedia->setChecked(true); }}});
+  m_ui->mediaNotice->tell(
+      hiddenMediaText(others),
+      {{tr("Show Them"), [this] { m_ui->actionOtherMedia->setChecked(true); }}});
 }
 
 void SLAppDelegate::showOtherMedia(bool shows) {
@@ -158,8 +160,8 @@ void SLAppDelegate::imageBrowserOpenItemAtIndex(ImageBrowserView&, int index) {
   copy->write();
   for (const std::string& path : copy->paths()) {
     if (!openFileInItsProgram(path)) {
-      showAlert(m_window.get(), {"This Film Cannot Be Opened",
-                                 "The desktop has no program that opens films of this kind."});
+      showAlert(m_window.get(), {tr("This Film Cannot Be Opened"),
+                                 tr("The desktop has no program that opens films of this kind.")});
     }
   }
 }
@@ -186,7 +188,7 @@ void SLAppDelegate::updateMenuItem() {
 
 void SLAppDelegate::offerExport(QAction& item, BackupModel& backup) {
   const bool hasPhotos = !backup.imageItems().empty();
-  item.setText(hasPhotos ? "Export All..." : "No Photos");
+  item.setText(hasPhotos ? tr("Export All...") : tr("No Photos"));
   item.setEnabled(hasPhotos);
   disconnect(&item, nullptr, this, nullptr);
   if (hasPhotos) {

@@ -100,24 +100,24 @@ void SLAppDelegate::tellOfLostFolder(const std::string& folder) {
     const std::vector<std::string> folders = m_bc->foldersOf(*backup);
     if (std::ranges::find(folders, folder) != folders.end()) {
       m_lostBackups.insert(backup->path());  // one word for all of them
-      choices = {{"Close Folder", [this, folder] { closeFolders({folder}); }}};
+      choices = {{tr("Close Folder"), [this, folder] { closeFolders({folder}); }}};
     }
   }
   const AlertText text = {
-      QString("“%1” Can No Longer Be Read").arg(folderTitle(folder)),
-      "Its disk has gone or fails: photos cannot be read, and backups may be missing from the "
-      "list. Connect the disk again to see them:\n\n" +
-          QString::fromStdString(escapedForLog(folder))};
+      tr("“%1” Can No Longer Be Read").arg(folderTitle(folder)),
+      tr("Its disk has gone or fails: photos cannot be read, and backups may be missing from the "
+         "list. Connect the disk again to see them:") +
+          "\n\n" + QString::fromStdString(escapedForLog(folder))};
   showAlertWithChoices(m_window.get(), text, choices, {});
 }
 
 void SLAppDelegate::sayThatThereAreNoBackups() {
   const AlertText text = {
-      "No backup folders found",
-      "Snaplift could not locate any valid iOS backups in your ~/Library/Application "
-      "Support/MobileSync/Backups/ folder."};
+      tr("No backup folders found"),
+      tr("Snaplift could not locate any valid iOS backups in your ~/Library/Application "
+         "Support/MobileSync/Backups/ folder.")};
   QMessageBox* alert = showAlertWithChoices(
-      m_window.get(), text, {{"Choose Folder...", [this] { chooseFolderToOpen(); }}},
+      m_window.get(), text, {{tr("Choose Folder..."), [this] { chooseFolderToOpen(); }}},
       [] { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); });
   offerConnectedDisks(*alert);
 }
@@ -130,15 +130,15 @@ void SLAppDelegate::offerConnectedDisks(QMessageBox& alert) {
         this,
         [this, shown, disks] {
           for (const DiskWithBackups& with : disks) {
-            const QString count =
-                with.backups == 1 ? QString("1 Backup") : QString("%1 Backups").arg(with.backups);
+            const QString count = with.backups == 1
+                                      ? tr("1 Backup")
+                                      : tr("%n Backups", nullptr, static_cast<int>(with.backups));
             if (shown) {
-              addChoice(
-                  *shown,
-                  {QString("Open %1 on “%2”").arg(count, folderTitle(with.disk)), [this, with] {
-                     std::ranges::for_each(with.roots,
-                                           [this](const std::string& root) { openFolder(root); });
-                   }});
+              addChoice(*shown,
+                        {tr("Open %1 on “%2”").arg(count, folderTitle(with.disk)), [this, with] {
+                           std::ranges::for_each(
+                               with.roots, [this](const std::string& root) { openFolder(root); });
+                         }});
             }
           }
         },

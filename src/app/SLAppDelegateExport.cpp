@@ -13,6 +13,7 @@
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
 #include "app/export/ExportText.h"
+#include "app/words/CoreText.h"
 #include "export/ExportDestination.h"
 #include "foundation/files/OutputFolder.h"
 #include "foundation/files/Path.h"
@@ -84,7 +85,7 @@ void SLAppDelegate::chooseFolderAndExport(
 
 void SLAppDelegate::chooseExportFolder(
     const std::function<void(const std::string& folder)>& chosen) {
-  chooseFolder(m_window.get(), "Export", chosen, m_exportFolder);
+  chooseFolder(m_window.get(), tr("Export"), chosen, m_exportFolder);
 }
 
 void SLAppDelegate::exportEverything() {
@@ -105,7 +106,7 @@ void SLAppDelegate::exportEverythingInto(const std::string& destination) {
 bool SLAppDelegate::acceptsExportInto(const std::string& destination) {
   const auto problem = exportDestinationProblem(destination, backupFolders());
   if (problem) {
-    showAlert(m_window.get(), {"The Photos Cannot Be Exported", QString::fromStdString(*problem)});
+    showAlert(m_window.get(), {tr("The Photos Cannot Be Exported"), coreText(*problem)});
     return false;
   }
   m_exportFolder = destination;

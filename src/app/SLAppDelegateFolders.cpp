@@ -20,6 +20,7 @@
 
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
+#include "app/words/CoreText.h"
 #include "foundation/Log.h"
 #include "foundation/files/File.h"
 #include "foundation/files/FolderTree.h"
@@ -48,16 +49,17 @@ std::vector<std::string> droppedFolders(const QDropEvent& drop) {
 AlertText textOfNoBackups(const std::string& folder, const BackupSearchResult& result) {
   const QString title = folderTitle(folder);
   if (const auto problem = whyFolderCannotBeRead(folder)) {
-    return {QString("“%1” Cannot Be Opened").arg(title), QString::fromStdString(*problem)};
+    return {SLAppDelegate::tr("“%1” Cannot Be Opened").arg(title), coreText(*problem)};
   }
-  QString text(
+  QString text = SLAppDelegate::tr(
       "Snaplift looked into every folder below it. A backup is a folder that holds a file "
       "“Info.plist” beside a “Manifest.plist”, and many files with long names of digits and "
       "letters.");
   if (result.forbidden > 0) {
-    text += QString("\n\nThere is no permission to read %1 of its folders.").arg(result.forbidden);
+    text += "\n\n" + SLAppDelegate::tr("There is no permission to read %n of its folders.", nullptr,
+                                       static_cast<int>(result.forbidden));
   }
-  return {QString("No Backups Found in “%1”").arg(title), text};
+  return {SLAppDelegate::tr("No Backups Found in “%1”").arg(title), text};
 }
 
 }  // namespace
@@ -79,7 +81,8 @@ void SLAppDelegate::connectFolders() {
 }
 
 void SLAppDelegate::chooseFolderToOpen() {
-  chooseFolder(m_window.get(), "Open", [this](const std::string& folder) { openFolder(folder); });
+  chooseFolder(m_window.get(), tr("Open"),
+               [this](const std::string& folder) { openFolder(folder); });
 }
 
 void SLAppDelegate::openFolder(const std::string& path) {
@@ -100,7 +103,8 @@ void SLAppDelegate::searchFolder(const std::string& path, bool wasAskedFor) {
 }
 
 void SLAppDelegate::showSearch(const std::string& place) {
-  const QString text = "Searching for backups in " + QString::fromStdString(escapedForLog(place));
+  const QString text =
+      tr("Searching for backups in %1").arg(QString::fromStdString(escapedForLog(place)));
   m_ui->searchText->setText(m_ui->searchText->fontMetrics().elidedText(
       text, Qt::ElideMiddle, std::max(m_ui->searchText->width(), 300)));
   m_ui->searchText->setAccessibleName(text);
@@ -173,8 +177,8 @@ void SLAppDelegate::searchEnded(const std::string& folder, const BackupSearchRes
     showAlert(m_window.get(), textOfNoBackups(folder, result));
   } else if (wasAskedFor && result.forbidden > 0) {
     m_ui->searchNotice->tell(
-        QString("Backups may be missing: there is no permission to read %1 of the folders in “%2”.")
-            .arg(result.forbidden)
+        tr("Backups may be missing: there is no permission to read %n of the folders in “%1”.",
+           nullptr, static_cast<int>(result.forbidden))
             .arg(folderTitle(folder)));
   } else if (m_bc->devices().empty() && !m_search->isRunning() && !stopped) {
     sayThatThereAreNoBackups();
@@ -202,7 +206,7 @@ void SLAppDelegate::fillRecentFolders() {
   }
   const bool hasFolders = !menu.isEmpty();
   menu.addSeparator();
-  QAction* clear = menu.addAction("&Clear List");
+  QAction* clear = menu.addAction(tr("&Clear List"));
   clear->setEnabled(hasFolders);
   connect(clear, &QAction::triggered, this, [this] { m_state.clearRecentFolders(); });
 }

@@ -12,6 +12,9 @@ namespace snaplift {
 // "5 Photos", "2 of 5 Photos Selected", "1 Photo", "1 of 1 Photos Selected", "No Photos".
 QString photoCountText(int photos, int selected);
 
+// "5 films and 2 other pictures are not shown", "1 film is not shown".
+QString hiddenMediaText(const OtherMedia& others);
+
 // "Exporting: 3 Photos Remaining".
 QString exportProgressText(int remaining);
 
