@@ -101,7 +101,7 @@
     </message>
     <message>
         <source>%1 exported to %2</source>
-        <translation>%1 nach %2 exportiert</translation>
+        <translation>%1 nach „%2“ exportiert</translation>
     </message>
     <message numerus="yes">
         <source>%n there already</source>

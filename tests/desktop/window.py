@@ -502,6 +502,7 @@ def main(scenario, program, writer, manager=None):
     with contextlib.ExitStack() as stack:
         os.environ["LC_ALL"] = "C.UTF-8"
         os.environ["LANG"] = "en_US.UTF-8"
+        os.environ["LANGUAGE"] = ""
         test = Test(stack, program, writer, manager)
         start_display(stack)
         before = digests(test.root)
