@@ -183,7 +183,8 @@ int runViewBench(int argc, char** argv) {
                   writeDevice(large, Generation::Five, "5.1.1", photos, ".JPG", cameraPhotos());
                   return peakOfScrolling(large, photos);
                 });
-  if (const auto heic = heicPhotos(); !heic.empty()) {
+  const std::vector<QByteArray> heic = heicPhotos();
+  if (!heic.empty()) {
     ratios.figure("20,000 HEIC photos of 12 megapixels, scrolled through", "MB of all processes",
                   600, [&] {
                     writeDevice(latest, Generation::Ten, "17.5.1", photos, ".HEIC", heic);
