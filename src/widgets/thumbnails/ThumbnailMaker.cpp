@@ -8,8 +8,9 @@ namespace {
 
 using Kind = ThumbnailRequest::Kind;
 
-// Exif stands at the front of a JPEG file, and its preview in it.
-constexpr std::size_t exifReach = std::size_t{256} << 10;
+// Exif stands at the front of a JPEG file in a segment of at most 64 kB, its preview in it; behind
+// it stands what tells the size of the photo.
+constexpr std::size_t exifReach = std::size_t{96} << 10;
 
 Thumbnail shrunk(const ThumbnailRequest& request) {
   Thumbnail result = request.source;
