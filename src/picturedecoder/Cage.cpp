@@ -62,6 +62,8 @@ std::size_t addressSpaceInUse() {
   return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 }
 
+}  // namespace
+
 bool closeAllFiles() {
   landlock_ruleset_attr rules{};
   // The rights that the first version knows; a kernel of any later version takes them.
@@ -75,6 +77,8 @@ bool closeAllFiles() {
   ::close(ruleset);
   return done;
 }
+
+namespace {
 
 // Rules that look at an argument; libseccomp's own macros leave fields out.
 bool allowIf(scmp_filter_ctx filter, int call, unsigned argument, std::uint64_t mask,

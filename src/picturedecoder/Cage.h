@@ -18,6 +18,11 @@ struct CageStrength {
 // files, and takes it away from debuggers. Call first. False where the starter is already gone.
 bool detachFromEverythingBut(int socket, int starter);
 
+// From now on no path can be opened, whatever the call: the part of cage() that Landlock does.
+// False where the kernel has none. PR_SET_NO_NEW_PRIVS is set, or the process may administer the
+// system.
+bool closeAllFiles();
+
 // From now on the process can read and write the files that it is handed, take `memory` bytes more
 // than it has, start threads of its own, and end. A core dump is never written. `memory` is not
 // held to in a build with a sanitizer, whose shadow memory takes terabytes of address space.

@@ -1,15 +1,21 @@
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fstream>
 #include <future>
 #include <thread>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/landlock.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "foundation/Log.h"
+#include "picturedecoder/Cage.h"
 #include "support/photos/TestPictures.h"
 #include "widgets/thumbnails/PictureDecoder.h"
 
@@ -66,6 +72,28 @@ TEST(PictureDecoder, isInItsCage) {
        {std::pair{"Seccomp", "2"}, {"NoNewPrivs", "1"}, {"Threads", "1"}}) {
     EXPECT_EQ(statusOf(decoder.processId(), name), value) << name;
   }
+}
+
+// What the filter of system calls would not let them try: a file that every user can read.
+TEST(PictureDecoder, canOpenNoPathWhateverTheCall) {
+  if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1) {
+    GTEST_SKIP() << "this kernel has no Landlock";
+  }
+  const auto opens = [] {
+    const int file = ::open("/etc/passwd", O_RDONLY | O_CLOEXEC);
+    const int error = file < 0 ? errno : 0;
+    ::_exit(error);
+  };
+  EXPECT_EXIT(opens(), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      {
+        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+        if (closeAllFiles()) {
+          opens();
+        }
+        ::_exit(0);
+      },
+      testing::ExitedWithCode(EACCES), "");
 }
 
 TEST(PictureDecoder, thatDoesWhatItMayNotIsEndedAndReplacedAndIsNotBelieved) {
