@@ -35,6 +35,9 @@ public:
     if (m_backup.productVersion) {
       info.emplace_back("Product Version", *m_backup.productVersion);
     }
+    if (m_backup.deviceIdentifier) {
+      info.emplace_back("Unique Identifier", *m_backup.deviceIdentifier);
+    }
     const std::string path = pathOf(m_backup.lowerCaseNames ? "info.plist" : "Info.plist");
     writeFile(path, encoded(std::move(info)));
     setModificationDate(path, m_backup.date);

@@ -42,6 +42,7 @@ struct SampleBackup {
   std::vector<SampleFile> files = {};
   bool lowerCaseNames = false;  // "info.plist" where backups have "Info.plist"
   PropertyListEncoding encoding = PropertyListEncoding::Xml;  // of every property list
+  std::optional<std::string> deviceIdentifier = {};
   std::size_t filesInLog = 0;  // generation 10: so many at the end stand in a write-ahead log only
   bool unfinished = false;     // generation 10: the device was interrupted, says "Status.plist"
 };

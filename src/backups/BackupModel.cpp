@@ -89,6 +89,7 @@ std::unique_ptr<BackupModel> BackupModel::initWithBackupAtPath(const std::string
       path, std::move(deviceName), std::move(version), file->modificationDate, std::move(decoder)));
   model->m_folder = folder.identity();
   model->m_productType = textUnderKey(*info, "Product Type");
+  model->m_deviceIdentifier = textUnderKey(*info, "Unique Identifier");
   model->m_wasLeftUnfinished = saysThatItIsUnfinished(folder);
   return model;
 }

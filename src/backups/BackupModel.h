@@ -55,6 +55,8 @@ public:
   const std::optional<std::string>& productVersion() const { return m_productVersion; }
   // What kind of device it was, as its maker names it.
   const std::optional<std::string>& productType() const { return m_productType; }
+  // What tells the device from others of its name, as far as the backup states it.
+  const std::optional<std::string>& deviceIdentifier() const { return m_deviceIdentifier; }
   // When the backup was made: the modification time of its "info.plist".
   Instant date() const { return m_date; }
   // The date in words, the title of the backup's row: see longDateText().
@@ -128,6 +130,7 @@ private:
   // Written before anybody else knows of the model.
   std::optional<FolderIdentity> m_folder;
   std::optional<std::string> m_productType;
+  std::optional<std::string> m_deviceIdentifier;
   bool m_wasLeftUnfinished = false;
   const Instant m_date;
   const std::unique_ptr<BackupDecoderDelegate> m_delegate;

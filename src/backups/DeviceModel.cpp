@@ -1,6 +1,8 @@
 #include "backups/DeviceModel.h"
 
 #include <algorithm>
+#include <cctype>
+#include <iterator>
 #include <utility>
 
 #include "foundation/Time.h"
@@ -44,6 +46,17 @@ std::string ownFolder(std::string_view path, const std::vector<const BackupModel
   }
 }
 
+constexpr std::size_t shownLettersOfIdentifier = 6;
+
+// Of letters and digits alone, for the identifier is a stranger's.
+std::string endOfIdentifier(std::string_view identifier) {
+  std::string end;
+  std::ranges::copy_if(identifier, std::back_inserter(end),
+                       [](unsigned char c) { return c < 0x80 && std::isalnum(c) != 0; });
+  end.erase(0, end.size() - std::min(end.size(), shownLettersOfIdentifier));
+  return end;
+}
+
 }  // namespace
 
 std::optional<std::string> DeviceModel::ownTitle() {
@@ -59,6 +72,14 @@ std::optional<std::string> DeviceModel::ownTitle() {
     }
   }
   return std::nullopt;
+}
+
+std::string DeviceModel::titleOfHandset(const BackupModel& backup) {
+  const std::optional<std::string>& identifier = backup.deviceIdentifier();
+  const bool isOneOfSeveral = std::ranges::any_of(m_backups, [&](const auto& other) {
+    return identifier && other->deviceIdentifier() && other->deviceIdentifier() != identifier;
+  });
+  return isOneOfSeveral ? title() + " (" + endOfIdentifier(*identifier) + ")" : title();
 }
 
 std::string DeviceModel::titleOfBackup(const BackupModel& backup) {

@@ -26,6 +26,9 @@ public:
   std::optional<std::string> ownTitle();
   std::string title() { return ownTitle().value_or(unnamed); }
   static constexpr const char* unnamed = translatable("Core", "Unnamed Device");
+  // What the handset is called that one of its backups was made of: the title; and where handsets
+  // share it, with the end of the identifier that the backup states: "iPhone (4A7F03)".
+  std::string titleOfHandset(const BackupModel& backup);
   // What one of its backups is called: its date; where others are of that day with the time, and
   // where others are of that time with the folder that tells it from them.
   std::string titleOfBackup(const BackupModel& backup);

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,23 +25,12 @@ ExportLayout layoutCalled(const std::string& name) {
   return static_cast<ExportLayout>(found - layoutNames.begin());
 }
 
-std::map<const BackupModel*, DeviceModel*> devicesOfBackups(const Selection& chosen) {
-  std::map<const BackupModel*, DeviceModel*> devices;
-  for (const auto& device : chosen.devices()) {
-    for (const auto& backup : device->backups()) {
-      devices.emplace(backup.get(), device.get());
-    }
-  }
-  return devices;
-}
-
 // The photos that `filter` takes of the backups that can be read, with their folders. An encrypted
 // backup is named and left out: its path goes to `encrypted`.
 std::vector<PhotoToExport> photosOf(const Selection& chosen, PhotoFilter& filter,
                                     ExportLayout layout, std::vector<std::string>& encrypted) {
   std::vector<PhotoToExport> photos;
   LayoutFolders folders(layout);
-  const auto devices = devicesOfBackups(chosen);
   for (BackupModel* backup : chosen.backups()) {
     const auto& items = chosen.photosOf(*backup);
     if (backup->encrypted()) {
@@ -50,9 +38,10 @@ std::vector<PhotoToExport> photosOf(const Selection& chosen, PhotoFilter& filter
       encrypted.push_back(backup->path());
       continue;
     }
+    const std::string handset = chosen.deviceOf(*backup).titleOfHandset(*backup);
     for (const auto& item : items) {
       if (filter.takes(*item)) {
-        photos.push_back({item.get(), folders.folderFor(*item, *devices.at(backup))});
+        photos.push_back({item.get(), folders.folderFor(*item, handset)});
       }
     }
   }

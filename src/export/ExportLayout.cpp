@@ -19,13 +19,12 @@ constexpr int deepestFolder = 12;
 
 }  // namespace
 
-std::string LayoutFolders::folderFor(const ImageItem& photo, DeviceModel& device) {
+std::string LayoutFolders::folderFor(const ImageItem& photo, const std::string& handset) {
   switch (m_layout) {
     case ExportLayout::Flat:
       return {};
     case ExportLayout::Device:
-      return folderIn({}, std::to_string(reinterpret_cast<std::uintptr_t>(&device)),
-                      device.title());
+      return folderIn({}, handset, handset);
     case ExportLayout::Month: {
       const std::optional<Instant> date = photo.info().date();
       return date ? localMonthText(*date).value_or(undated) : undated;

@@ -7,7 +7,6 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "backups/DeviceModel.h"
 #include "backups/ImageItem.h"
 
 namespace snaplift {
@@ -15,7 +14,7 @@ namespace snaplift {
 // How an export's photos are spread over folders below its destination.
 enum class ExportLayout {
   Flat,    // no folders
-  Device,  // one for each device, called as it is: "Anna's Phone"
+  Device,  // one for each handset, called as it is: "Anna's Phone"
   Month,   // one for each month of the photos' dates in local time, "2011-10"; or "undated"
   Dcim,    // those of the device itself, without its "Media": "DCIM/100APPLE"
 };
@@ -29,9 +28,9 @@ class LayoutFolders {
 public:
   explicit LayoutFolders(ExportLayout layout) : m_layout(layout) {}
 
-  // The folder of `photo`, of a backup of `device`, as a path below the destination: what goes into
-  // PhotoToExport::folder. Nothing is made.
-  std::string folderFor(const ImageItem& photo, DeviceModel& device);
+  // The folder of `photo`, which is of the handset called `handset` (DeviceModel::titleOfHandset),
+  // as a path below the destination: what goes into PhotoToExport::folder. Nothing is made.
+  std::string folderFor(const ImageItem& photo, const std::string& handset);
 
 private:
   std::string folderOfDevicePath(std::string_view devicePath);

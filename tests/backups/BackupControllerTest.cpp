@@ -62,6 +62,9 @@ TEST_F(BackupControllerTest, groupsByNameAndOrdersByDate) {
     EXPECT_THAT(outline(controller), ElementsAre("Anna: a2 a1 equal2", "Aaron: z", "Ben: b1",
                                                  "(none): n2 n1", "ben: b2"));
     EXPECT_EQ(controller.backups()[0]->path(), m_tree.path(root) + "/a2");
+    for (const auto& device : controller.devices()) {
+      EXPECT_EQ(controller.deviceOf(*device->backups()[0]), device.get());
+    }
   }
 }
 

@@ -261,21 +261,32 @@ TEST_F(ExportCommandTest, keepsDatesAndTellsShortPhotos) {
   EXPECT_EQ(again["bytes"], 0);
 }
 
-// Two backups of one phone, and devices whose names are one folder to some file systems.
+// Two backups of one phone, devices whose names are one folder to some file systems, and phones of
+// one name.
 TEST_F(ExportCommandTest, spreadsAWholeRootOverFoldersWithEachPhotoOnce) {
   writeBackup("root/a", layoutFive, "Anna");
   writeBackup("root/b", layoutFive, "Anna", 1);
   writeBackup("root/c", layoutFive, "ANNA");
   writeBackup("root/d", layoutFive, "..");
   write("root/e", {.generation = Generation::Five, .productVersion = "5.0", .encrypted = true});
+  for (const auto& [device, identifier] :
+       {std::pair("Anna", "1-123456"), std::pair("Anna", "1/-abcdef"), std::pair("Ben", "2")}) {
+    write("root/" + fs::path(identifier).filename().string(),
+          {.generation = Generation::Five,
+           .deviceName = device,
+           .productVersion = "5.0",
+           .files = {photo(layoutFive, "Media/DCIM/100APPLE/IMG_0001.JPG", identifier)},
+           .deviceIdentifier = identifier});
+  }
   const std::string root = m_tree.path("root");
   struct Case {
     const char* layout;
     std::vector<std::string> folders;
     int skipped;
   };
-  for (const Case& c : {Case{"device", {"Anna", "ANNA 2", "_"}, 2}, Case{"month", {"2011-10"}, 2},
-                        Case{"dcim", {"DCIM", "DCIM/100APPLE"}, 2}}) {
+  for (const Case& c :
+       {Case{"device", {"Anna", "ANNA 2", "_", "Anna (123456)", "Anna (abcdef)", "Ben"}, 2},
+        Case{"month", {"2011-10"}, 2}, Case{"dcim", {"DCIM", "DCIM/100APPLE"}, 2}}) {
     std::vector<std::map<std::string, std::string>> trees;
     for (const char* jobs : {"-j1", "-j8"}) {
       emptyDestination();
@@ -290,7 +301,7 @@ TEST_F(ExportCommandTest, spreadsAWholeRootOverFoldersWithEachPhotoOnce) {
       for (const std::string& name : m_tree.list("out")) {
         tree[name] = fs::is_directory(out() + "/" + name) ? "" : m_tree.read("out/" + name);
       }
-      EXPECT_THAT(tree, SizeIs(6 + c.folders.size()));
+      EXPECT_THAT(tree, SizeIs(9 + c.folders.size()));
       const auto before = treeState(out());
       EXPECT_EQ(exportInto({root, "--layout", c.layout, "--skip-existing"}).status, 3);
       EXPECT_EQ(treeState(out()), before);

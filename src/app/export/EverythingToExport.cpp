@@ -7,10 +7,10 @@
 namespace snaplift {
 
 void EverythingToExport::add(DeviceModel& device) {
-  m_devices.push_back(std::make_unique<DeviceModel>(device.title()));
   for (const auto& backup : device.backups()) {
-    m_backups.push_back({backup.get(), m_devices.back().get(),
-                         deviceTitle(device).toStdString() + ", " + device.titleOfBackup(*backup)});
+    m_backups.push_back({backup.get(),
+                         deviceTitle(device).toStdString() + ", " + device.titleOfBackup(*backup),
+                         device.titleOfHandset(*backup)});
   }
 }
 
@@ -43,11 +43,11 @@ void EverythingToExport::collect(const std::stop_token& stop) {
   for (const Backup& backup : m_backups) {
     const auto& items = backup.model->imageItems();
     if (backup.model->encrypted()) {
-      m_photos.encrypted.push_back(backup.title);
+      m_photos.encrypted.push_back(backup.name);
       continue;
     }
     if (!backup.model->isComplete()) {
-      m_photos.damaged.push_back(backup.title);
+      m_photos.damaged.push_back(backup.name);
     }
     for (const auto& item : items) {
       if (stop.stop_requested()) {
@@ -55,7 +55,7 @@ void EverythingToExport::collect(const std::stop_token& stop) {
       }
       const auto size = item->info().size;
       m_bytes = size && m_bytes ? std::optional(*m_bytes + *size) : std::nullopt;
-      m_photos.missing.push_back({item.get(), folders.folderFor(*item, *backup.device)});
+      m_photos.missing.push_back({item.get(), folders.folderFor(*item, backup.handset)});
     }
   }
   QMetaObject::invokeMethod(

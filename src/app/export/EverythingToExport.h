@@ -44,16 +44,14 @@ signals:
 private:
   struct Backup {
     BackupModel* model;
-    DeviceModel* device;
-    std::string title;  // device and backup, as they are called in the window
+    std::string name;     // device and backup, as they are called in the window
+    std::string handset;  // see DeviceModel::titleOfHandset()
   };
 
   void loadNext();
   void collect(const std::stop_token& stop);
 
   const ExportLayout m_layout;
-  // Of the same names as those that are shown, which belong to the user interface's thread.
-  std::vector<std::unique_ptr<DeviceModel>> m_devices;
   std::vector<Backup> m_backups;
   std::size_t m_loaded = 0;
   std::optional<std::size_t> m_asked;  // the backup that was told to load
