@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
@@ -13,6 +14,7 @@
 #include <random>
 #include <set>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -36,6 +38,7 @@ constexpr int folders = 4;
 constexpr int namesPerFolder = 12;
 constexpr int photoCount = folders * namesPerFolder;
 constexpr std::size_t photoSize = 50'000;
+constexpr std::uint32_t october = 1318420800, november = october + 31 * 86400;  // 2011
 
 // A backup of photos, the same names in several folders, and processes that export them.
 class EndedExportTest : public CommandLineTest {
@@ -50,7 +53,8 @@ protected:
       while (content.size() < photoSize) {
         content += path + '\n';
       }
-      backup.files.push_back(photo(layouts[4], path, content));
+      backup.files.push_back(
+          photo(layouts[4], path, content, i < photoCount / 2 ? october : november));
       m_photos.emplace(path, std::move(content));
     }
     m_backup = write("backup", backup);
@@ -77,15 +81,27 @@ protected:
     return content ? std::string(textOf(*content)) : "(" + path + " cannot be read)";
   }
 
+  // What is in the destination and its folders, but for these.
+  std::vector<std::string> files() const {
+    std::vector<std::string> names = m_tree.list("out");
+    std::erase_if(names, [&](const std::string& name) {
+      return fs::is_directory(joinPath(m_destination, name));
+    });
+    return names;
+  }
+
+  static bool isPart(const std::string& path) { return isPartName(lastPathComponent(path)); }
+
   // What is called a photo in the destination and is none: not the whole bytes of a photo with that
   // stem.
   std::vector<std::string> damage(bool claimsMayBeLeft) const {
-    std::vector<std::string> names = m_tree.list("out");
+    std::vector<std::string> names = files();
     std::erase_if(names, [&](const std::string& name) {
       const std::string content = readFrom(joinPath(m_destination, name));
-      return isPartName(name) || content == "old" || (claimsMayBeLeft && content.empty()) ||
+      return isPart(name) || content == "old" || (claimsMayBeLeft && content.empty()) ||
              std::ranges::any_of(m_photos, [&](const auto& photo) {
-               return photo.second == content && name.starts_with(pathStem(photo.first));
+               return photo.second == content &&
+                      lastPathComponent(name).starts_with(pathStem(photo.first));
              });
     });
     return names;
@@ -114,69 +130,97 @@ protected:
   std::map<std::string, EntryState> m_before;
 };
 
-// The kinds of file systems: played (see FileSystemKind), and real ones.
-enum class Way { Link, Rename, PartLink, Claim, ExFat, Fat, Btrfs, Xfs };
+// What an export is made onto: a kind of file system that is played, or a real one.
+struct Way {
+  const char* name;
+  FileSystemKind kind = FileSystemKind::Whole;
+  Volume::Maker mount = nullptr;
+  bool leavesNothing = false;  // files have no name until they are whole
+  bool leavesClaims = false;   // a kill may leave an empty file
+  bool takesLong = false;
+  bool hasFolders = false;  // by month, and a report is written
+};
 
 class ExportWayTest : public EndedExportTest, public testing::WithParamInterface<Way> {
 protected:
   void SetUp() override {
-    constexpr Volume::Maker mounts[] = {Volume::exFat, Volume::fat, Volume::btrfs, Volume::xfs};
-    if (GetParam() < Way::ExFat) {
-      return;
-    }
-    if (GetParam() != Way::ExFat && std::getenv("SNAPLIFT_KILLS") == nullptr) {
+    if (GetParam().takesLong && std::getenv("SNAPLIFT_KILLS") == nullptr) {
       GTEST_SKIP() << "takes half a minute; SNAPLIFT_KILLS is not set";
     }
-    const auto mount = mounts[static_cast<int>(GetParam()) - static_cast<int>(Way::ExFat)];
-    m_volume = mount(m_destination, m_tree.path("image"), Volume::leastSize);
-    if (!m_volume) {
-      GTEST_SKIP() << "needs root, and the programs that Volume names";
+    if (GetParam().mount) {
+      m_volume = GetParam().mount(m_destination, m_tree.path("image"), Volume::leastSize);
+      if (!m_volume) {
+        GTEST_SKIP() << "needs root, and the programs that Volume names";
+      }
     }
   }
 
-  ProgramCall exporting() const {
+  ProgramCall exporting(const std::string& report = {}) const {
     ProgramCall call = EndedExportTest::exporting();
-    if (GetParam() > Way::Link && GetParam() <= Way::Claim) {
+    if (GetParam().hasFolders) {
+      call.arguments.insert(call.arguments.end(),
+                            {"--layout", "month", "--report", m_tree.path("report.csv" + report)});
+    }
+    if (GetParam().kind != FileSystemKind::Whole) {
       call.environment.insert(
           call.environment.end(),
           {{"LD_PRELOAD", FAULT_PRELOAD},
            {"ASAN_OPTIONS", "verify_asan_link_order=0"},
            {"SNAPLIFT_FAULT", "open:0:0"},
            {"SNAPLIFT_FAULT_MARK", m_tree.path("mark")},
-           {"SNAPLIFT_FAULT_KIND", std::to_string(static_cast<int>(GetParam()))}});
+           {"SNAPLIFT_FAULT_KIND", std::to_string(static_cast<int>(GetParam().kind))}});
     }
     return call;
   }
 
-  // Where files have no name until they are whole.
-  bool leavesNothing() const {
-    return GetParam() == Way::Link || GetParam() == Way::Btrfs || GetParam() == Way::Xfs;
-  }
-
-  // Waits until there is so much in the destination.
+  // Waits until there is so much in the destination and its folders.
   void awaitEntries(int count) const {
-    waitFor([&] { return std::distance(fs::directory_iterator(m_destination), {}) >= count; });
+    waitFor([&] {
+      std::ptrdiff_t entries = 0;
+      for (const char* folder : {"", "2011-10", "2011-11"}) {
+        std::error_code isMissing;
+        entries +=
+            std::distance(fs::directory_iterator(fs::path(m_destination) / folder, isMissing), {});
+      }
+      return entries >= count;
+    });
   }
 
   void emptyDestination() const {
-    for (const std::string& name : m_tree.list("out")) {
-      fs::remove_all(joinPath(m_destination, name));
+    for (const auto& entry : fs::directory_iterator(m_destination)) {
+      fs::remove_all(entry);
+    }
+    fs::remove(m_tree.path("report.csv"));
+  }
+
+  // A report is there as a whole, or not at all: a heading, and a line a photo.
+  void expectWholeReport(bool mayBeMissing) const {
+    const bool isThere = fs::exists(m_tree.path("report.csv"));
+    EXPECT_TRUE(isThere == GetParam().hasFolders || mayBeMissing);
+    if (isThere) {
+      const std::string report = m_tree.read("report.csv");
+      EXPECT_EQ(std::ranges::count(report, '\n'), photoCount + 1);
     }
   }
 
+  // One that stands where a photo of that name belongs.
+  const std::string m_taken = GetParam().hasFolders ? "2011-10/IMG_0012.PNG" : "IMG_0012.PNG";
   std::unique_ptr<Volume> m_volume;
 };
 
-std::string nameOf(const testing::TestParamInfo<Way>& way) {
-  constexpr const char* names[] = {"link",  "rename", "partLink", "claim",
-                                   "exFat", "fat",    "btrfs",    "xfs"};
-  return names[static_cast<int>(way.param)];
-}
-
-INSTANTIATE_TEST_SUITE_P(, ExportWayTest,
-                         testing::Values(Way::Link, Way::Rename, Way::PartLink, Way::Claim,
-                                         Way::ExFat, Way::Fat, Way::Btrfs, Way::Xfs),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(
+    , ExportWayTest,
+    testing::Values(
+        Way{.name = "link", .leavesNothing = true},
+        Way{.name = "rename", .kind = FileSystemKind::WithoutNameless},
+        Way{.name = "partLink", .kind = FileSystemKind::WithoutRename},
+        Way{.name = "claim", .kind = FileSystemKind::WithoutLinks, .leavesClaims = true},
+        Way{.name = "exFat", .mount = Volume::exFat, .leavesClaims = true},
+        Way{.name = "fat", .mount = Volume::fat, .leavesClaims = true, .takesLong = true},
+        Way{.name = "btrfs", .mount = Volume::btrfs, .leavesNothing = true, .takesLong = true},
+        Way{.name = "xfs", .mount = Volume::xfs, .leavesNothing = true, .takesLong = true},
+        Way{.name = "month", .leavesNothing = true, .hasFolders = true}),
+    [](const testing::TestParamInfo<Way>& way) { return way.param.name; });
 
 // By SIGKILL and SIGTERM in turn. SNAPLIFT_KILLS sets how often.
 TEST_P(ExportWayTest, leavesWholePhotosOrNoneWhereverItIsEnded) {
@@ -185,11 +229,10 @@ TEST_P(ExportWayTest, leavesWholePhotosOrNoneWhereverItIsEnded) {
   const unsigned seed = std::random_device()();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
-  const bool claims = GetParam() >= Way::Claim && !leavesNothing();
   int ended = 0;
   for (int i = 0; i < times; ++i) {
     emptyDestination();
-    m_tree.write("out/IMG_0012.PNG", "old");
+    m_tree.write("out/" + m_taken, "old");
     const int number = i % 2 == 0 ? SIGKILL : SIGTERM;
     Program program(exporting());
     awaitEntries(std::uniform_int_distribution(0, photoCount)(random));
@@ -201,12 +244,13 @@ TEST_P(ExportWayTest, leavesWholePhotosOrNoneWhereverItIsEnded) {
     EXPECT_THAT(result.status, AnyOf(0, -number, 130)) << result.errors;
     ended += result.status == 0 ? 0 : 1;
     const std::vector<Json> reported = reports(result);
-    const std::vector<std::string> names = m_tree.list("out");
-    EXPECT_THAT(damage(claims && result.status < 0), IsEmpty());
+    const std::vector<std::string> names = files();
+    EXPECT_THAT(damage(GetParam().leavesClaims && result.status < 0), IsEmpty());
     EXPECT_THAT(lost(reported), IsEmpty());
-    EXPECT_EQ(m_tree.read("out/IMG_0012.PNG"), "old");
-    if (leavesNothing() || result.status >= 0) {
-      EXPECT_EQ(std::ranges::count_if(names, isPartName), 0);
+    EXPECT_EQ(m_tree.read("out/" + m_taken), "old");
+    expectWholeReport(result.status < 0);
+    if (GetParam().leavesNothing || result.status >= 0) {
+      EXPECT_EQ(std::ranges::count_if(names, isPart), 0);
     }
     if (result.status >= 0) {
       EXPECT_THAT(names, SizeIs(reported.size() + 1));
@@ -220,16 +264,19 @@ TEST_P(ExportWayTest, leavesWholePhotosOrNoneWhereverItIsEnded) {
   const ProgramResult result = Program::run(exporting());
   EXPECT_THAT(lost(reports(result)), IsEmpty());
   EXPECT_EQ(result.status, 0) << result.errors;
-  EXPECT_THAT(m_tree.list("out"), SizeIs(photoCount));
+  EXPECT_THAT(files(), SizeIs(photoCount));
+  expectWholeReport(false);
   EXPECT_THAT(temporaryFolders(), IsEmpty());
 }
 
 TEST_P(ExportWayTest, arrivesWholeFromFourProcessesAtOnce) {
   constexpr int processCount = 4;
-  m_tree.write("out/img_0012.png", "old");  // the same name, where letter case is folded
+  const std::string taken =
+      joinPath(parentPath("out/" + m_taken), "img_0012.png");  // where letter case is folded
+  m_tree.write(taken, "old");
   std::vector<std::unique_ptr<Program>> processes;
   for (int i = 0; i < processCount; ++i) {
-    processes.push_back(std::make_unique<Program>(exporting()));
+    processes.push_back(std::make_unique<Program>(exporting(std::to_string(i))));
   }
   std::set<std::string> written;
   for (const auto& process : processes) {
@@ -241,8 +288,8 @@ TEST_P(ExportWayTest, arrivesWholeFromFourProcessesAtOnce) {
       EXPECT_TRUE(written.insert(report["written"]).second) << report;
     }
   }
-  EXPECT_THAT(m_tree.list("out"), SizeIs(processCount * photoCount + 1));
-  EXPECT_EQ(m_tree.read("out/img_0012.png"), "old");
+  EXPECT_THAT(files(), SizeIs(processCount * photoCount + 1));
+  EXPECT_EQ(m_tree.read(taken), "old");
 }
 
 // A full disk: nobody who was at work fails more than once, and nobody begins any more.
