@@ -77,8 +77,16 @@ std::shared_ptr<const OutputFolder> ExportFolders::open(ExportFolder& folder) {
   return output;
 }
 
+std::optional<FileError> ExportFolders::loss() const {
+  const int error = m_destination->errorOfPlace();
+  return error ? std::optional(FileError::ofSystem(error, m_destination->path())) : std::nullopt;
+}
+
 std::optional<FileError> ExportFolders::flush() {
-  std::optional<FileError> error = flushFileSystem(m_destination->path());
+  std::optional<FileError> error = loss();
+  if (!error) {
+    error = flushFileSystem(m_destination->path());
+  }
   for (const std::string& link : m_links) {
     if (auto another = flushFileSystem(link); another && !error) {
       error = std::move(another);

@@ -61,6 +61,9 @@ public:
   // The same, held open.
   std::shared_ptr<const OutputFolder> open(ExportFolder& folder);
 
+  // Why nothing can be written any more, because the destination's disk has gone.
+  [[nodiscard]] std::optional<FileError> loss() const;
+
   // Brings what was written to the disk, or the disks, where links lead to others.
   [[nodiscard]] std::optional<FileError> flush();
 

@@ -22,6 +22,7 @@ struct ExportOptions {
 struct PhotoToExport {
   const ImageItem* photo;
   std::string folder = {};
+  bool mayBeThere = false;  // by an attempt that was cut off: it is looked for, as if to be skipped
 };
 
 // What came of one photo.

@@ -42,14 +42,20 @@ WrittenPhoto PhotoWriter::write(const PhotoToExport& photo) const {
     written.outcome.error = FileError::invalidFileName(photo.photo->path());
     return written;
   }
+  // Before a folder is made where another disk may be by now.
+  written.outcome.error = m_folders.loss();
+  if (written.outcome.error) {
+    return written;
+  }
   written.folder = &m_folders.folderAt(photo.folder);
   if (written.folder->error()) {
     written.outcome.error = written.folder->error();
     return written;
   }
-  if (m_options.skipsExisting) {
+  if (m_options.skipsExisting || photo.mayBeThere) {
     const auto isThere = [&](const std::string& name) {
-      InputFile file = written.folder->had(name) ? fileIn(*written.folder, name) : InputFile({});
+      const bool mayBe = photo.mayBeThere || written.folder->had(name);
+      InputFile file = mayBe ? fileIn(*written.folder, name) : InputFile({});
       return file && photo.photo->isHeldBy(file);
     };
     if (const auto name = firstName(visibleName(*photo.photo), isThere)) {
@@ -153,7 +159,7 @@ void PhotoWriter::nameInDryRun(WrittenPhoto& written) const {
 // some of which may be meant for a single name or folder.
 bool PhotoWriter::isDestinationLost(const WrittenPhoto& photo) const {
   const std::optional<FileError>& error = photo.outcome.error;
-  if (!error || error->domain != posixErrorDomain || photo.folder == nullptr) {
+  if (!error || error->domain != posixErrorDomain) {
     return false;
   }
   return error->code == ENOSPC || error->code == EDQUOT || error->code == EROFS ||

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -138,6 +139,14 @@ TEST_F(ExportJobTest, leavesOutWhatIsThere) {
     EXPECT_EQ(m_summary.skipped, workers == 1 ? 2U : 4U);
     EXPECT_EQ(m_summary.exported, workers == 1 ? 2U : 0U);
   }
+  // Of an export that leaves out nothing, what an attempt before it may have brought there.
+  std::vector<PhotoToExport> again = photos({"1/a.jpg", "3/a.jpg", "2/a.jpg"});
+  again[0].mayBeThere = again[1].mayBeThere = true;
+  run(again);
+  EXPECT_EQ(m_ended[0].written, m_out + "/a 1.jpg");
+  EXPECT_TRUE(m_ended[0].isSkipped);
+  EXPECT_EQ(m_ended[1].written, m_out + "/a 3.jpg");
+  EXPECT_EQ(m_ended[2].written, m_out + "/a 4.jpg");
 }
 
 TEST_F(ExportJobTest, foretellsInADryRunWhatItLeavesOut) {
@@ -209,6 +218,33 @@ TEST_F(ExportJobTest, givesUpWhenTheDestinationIsLost) {
   EXPECT_TRUE(m_summary.lost);
   EXPECT_EQ(m_summary.notBegun, 15U);
   EXPECT_FALSE(fs::exists(m_out));
+}
+
+// What stands in the place of a disk that was unmounted is another folder: nobody meant it.
+TEST_F(ExportJobTest, givesUpWhenAnotherDiskIsInThePlaceOfTheDestination) {
+  for (const unsigned workers : {1U, 4U}) {
+    auto volume = Volume::inMemory(m_out, 1 << 20);
+    if (!volume) {
+      GTEST_SKIP() << "needs root to mount";
+    }
+    std::vector<PhotoToExport> list = photos(std::vector<std::string>(100, "a.jpg"));
+    for (std::size_t i = 50; i < list.size(); ++i) {
+      list[i].folder = std::to_string(i);
+    }
+    std::atomic<int> read = 0;
+    m_photos.onRead = [&](const std::string&) {
+      if (++read == 40) {
+        volume.reset();
+      }
+    };
+    run(list, {.workers = workers});
+    EXPECT_EQ(m_summary.lost->code, ENODEV);
+    EXPECT_LE(m_summary.failed, workers);
+    EXPECT_GE(m_summary.exported, 35U);
+    EXPECT_EQ(m_summary.exported + m_summary.failed + m_summary.notBegun, 100U);
+    EXPECT_TRUE(m_summary.onFlush);
+    EXPECT_TRUE(fs::is_empty(m_out));
+  }
 }
 
 TEST_F(ExportJobTest, flushesOnceAfterTheLastPhoto) {

@@ -40,6 +40,8 @@ public:
     if (photo.error) {
       m_report.failures.push_back(photo);
       m_failed.push_back(m_photos[m_ended]);
+      // The disk may have heard of a name, and not have lived to say so.
+      m_failed.back().mayBeThere = photo.error->domain == posixErrorDomain;
     } else {
       m_report.arrived.push_back(photo);
     }

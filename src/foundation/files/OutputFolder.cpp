@@ -55,9 +55,25 @@ int flush(const FileDescriptor& folder) {
 OutputFolder::OutputFolder(std::string path)
     : m_path(std::move(path)),
       m_descriptor(::open(m_path.empty() ? "." : m_path.c_str(), folderFlags)),
-      m_errorNumber(m_descriptor ? 0 : errno) {}
+      m_errorNumber(m_descriptor ? 0 : errno) {
+  struct stat status;
+  if (m_descriptor && ::fstat(m_descriptor.get(), &status) == 0) {
+    m_disk = status.st_dev;
+  }
+}
+
+int OutputFolder::errorOfPlace() const {
+  struct stat status;
+  if (m_disk && ::stat(m_path.empty() ? "." : m_path.c_str(), &status) != 0) {
+    return errno;
+  }
+  return m_disk && status.st_dev != *m_disk ? ENODEV : 0;
+}
 
 bool OutputFolder::isUsable() const {
+  if (errorOfPlace() != 0) {
+    return false;
+  }
   const std::string name = newPartName();
   const FileDescriptor probe(::openat(m_descriptor.get(), name.c_str(),
                                       O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));

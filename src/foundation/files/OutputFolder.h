@@ -25,6 +25,10 @@ public:
   // Whether a file can be made in the folder now. Makes one, and removes it.
   bool isUsable() const;
 
+  // Why its path does not lead to the disk of this folder any more: an unmounted one lives on while
+  // it is open, and another folder stands in its place. 0 where it does.
+  int errorOfPlace() const;
+
   // Whether the file system knows files without a name, as far as it has been seen.
   bool takesNamelessFiles() const { return m_takesNamelessFiles; }
   void refuseNamelessFiles() const { m_takesNamelessFiles = false; }
@@ -37,6 +41,7 @@ private:
   std::string m_path;
   FileDescriptor m_descriptor;
   int m_errorNumber;
+  std::optional<std::uint64_t> m_disk;
   mutable std::atomic<bool> m_takesNamelessFiles = true;
 };
 
