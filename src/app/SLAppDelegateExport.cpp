@@ -181,9 +181,11 @@ ExportOptions SLAppDelegate::exportOptions() const {
 void SLAppDelegate::updateExportProgress() {
   if (m_exporter->isExporting()) {
     m_ui->centreText->setText(exportProgressText(static_cast<int>(m_exporter->remaining())));
+    m_ui->exportSpinner->setAccessibleName(tr("Exporting"));
     m_ui->exportSpinner->startAnimation();
   } else {
     m_ui->exportSpinner->stopAnimation();
+    m_ui->exportSpinner->setAccessibleName({});  // some readers meet what is hidden
     updateCentreText();
   }
   updateCommands();
