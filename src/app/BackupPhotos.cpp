@@ -4,23 +4,40 @@
 
 namespace snaplift {
 
+template <class Read>
+auto BackupPhoto::waitingFor(const Read& read) const {
+  std::optional<DiskWatch::Waiting> waiting;
+  if (m_disks) {
+    waiting.emplace(*m_disks, m_backupFolder);
+  }
+  return read();
+}
+
 std::optional<Bytes> BackupPhoto::imageRepresentation() const {
-  return tellingUnreadable(m_item.imageRepresentation());
+  return tellingUnreadable(waitingFor([this] { return m_item.imageRepresentation(); }));
 }
 
 std::optional<Bytes> BackupPhoto::imageBeginning(std::size_t size) const {
-  return tellingUnreadable(m_item.imageBeginning(size));
+  return tellingUnreadable(waitingFor([&] { return m_item.imageBeginning(size); }));
+}
+
+std::optional<Bytes> BackupPhoto::imageThumbnail() const {
+  return waitingFor([this] { return m_item.thumbnail(); });
+}
+
+std::optional<std::chrono::milliseconds> BackupPhoto::filmLength() const {
+  return waitingFor([this] { return m_item.filmLength(); });
 }
 
 std::optional<Bytes> BackupPhoto::tellingUnreadable(std::optional<Bytes> bytes) const {
-  if (!bytes) {
-    m_unreadable(m_backupFolder);
+  if (!bytes && m_disks) {
+    m_disks->suspect(m_backupFolder);
   }
   return bytes;
 }
 
 ImageBrowserItem::Content BackupPhoto::imageContent() const {
-  switch (m_item.contentState()) {
+  switch (waitingFor([this] { return m_item.contentState(); })) {
     case ContentState::Whole:
       return Content::Whole;
     case ContentState::Short:
@@ -49,7 +66,7 @@ int BackupPhotos::numberOfItemsInImageBrowser(const ImageBrowserView&) const {
 ImageBrowserItemPointer BackupPhotos::imageBrowserItemAtIndex(const ImageBrowserView&,
                                                               int index) const {
   return std::make_shared<BackupPhoto>(*m_content->imageItems()[static_cast<std::size_t>(index)],
-                                       m_content->path(), m_unreadable);
+                                       m_content->path(), m_disks);
 }
 
 }  // namespace snaplift

@@ -1,21 +1,17 @@
 #pragma once
 
-#include <functional>
-#include <utility>
-
+#include "app/DiskWatch.h"
 #include "backups/BackupModel.h"
 #include "widgets/photogrid/ImageBrowserViewDataSource.h"
 
 namespace snaplift {
 
-// One photo of a backup as the photo browser shows it. The item is not owned.
+// One photo of a backup as the photo browser shows it. Who waits for its bytes, and whether they
+// came, is told to `disks`, if there is one. Nothing of this is owned.
 class BackupPhoto : public ImageBrowserItem {
 public:
-  // Told of the backup of a photo that could not be read, on the thread that read it.
-  using Unreadable = std::function<void(const std::string& backupFolder)>;
-
-  BackupPhoto(ImageItem& item, const std::string& backupFolder, const Unreadable& unreadable)
-      : m_item(item), m_backupFolder(backupFolder), m_unreadable(unreadable) {}
+  BackupPhoto(ImageItem& item, const std::string& backupFolder, DiskWatch* disks)
+      : m_item(item), m_backupFolder(backupFolder), m_disks(disks) {}
 
   ImageItem& item() const { return m_item; }
 
@@ -23,23 +19,23 @@ public:
   std::string imageTitle() const override { return m_item.imageTitle(); }
   std::optional<Bytes> imageRepresentation() const override;
   std::optional<Bytes> imageBeginning(std::size_t size) const override;
-  std::optional<Bytes> imageThumbnail() const override { return m_item.thumbnail(); }
+  std::optional<Bytes> imageThumbnail() const override;
   // Of photos that are slow to decode.
   bool isThumbnailFirst() const override;
   bool isFilm() const override { return m_item.info().media == PhotoMedia::Film; }
-  std::optional<std::chrono::milliseconds> filmLength() const override {
-    return m_item.filmLength();
-  }
+  std::optional<std::chrono::milliseconds> filmLength() const override;
   Content imageContent() const override;
   // The folder on the device.
   std::string imageOrigin() const override;
 
 private:
+  template <class Read>
+  auto waitingFor(const Read& read) const;
   std::optional<Bytes> tellingUnreadable(std::optional<Bytes> bytes) const;
 
   ImageItem& m_item;
   const std::string& m_backupFolder;
-  const Unreadable& m_unreadable;
+  DiskWatch* const m_disks;
 };
 
 // The photos of one backup as the photo browser shows them: exactly the backup's `imageItems`, in
@@ -52,7 +48,7 @@ public:
   BackupModel* content() const { return m_content; }
   void setContent(BackupModel* backup) { m_content = backup; }
   // To be set before there is a content.
-  void setUnreadable(BackupPhoto::Unreadable unreadable) { m_unreadable = std::move(unreadable); }
+  void setDisks(DiskWatch& disks) { m_disks = &disks; }
 
   int numberOfItemsInImageBrowser(const ImageBrowserView& browser) const override;
   ImageBrowserItemPointer imageBrowserItemAtIndex(const ImageBrowserView& browser,
@@ -60,7 +56,7 @@ public:
 
 private:
   BackupModel* m_content = nullptr;
-  BackupPhoto::Unreadable m_unreadable = [](const std::string&) {};
+  DiskWatch* m_disks = nullptr;
 };
 
 }  // namespace snaplift

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "backups/BackupPlaces.h"
+
 namespace snaplift {
 namespace {
 
@@ -9,7 +11,8 @@ constexpr int tellingIntervalInMilliseconds = 100;
 
 }  // namespace
 
-FolderSearch::FolderSearch(Events events) : m_events(std::move(events)) {
+FolderSearch::FolderSearch(Events events, std::chrono::milliseconds patience)
+    : m_events(std::move(events)), m_patience(patience) {
   m_timer.setInterval(tellingIntervalInMilliseconds);
   connect(&m_timer, &QTimer::timeout, this, &FolderSearch::tell);
 }
@@ -18,66 +21,82 @@ FolderSearch::~FolderSearch() {
   m_thread.request_stop();
 }
 
-void FolderSearch::search(const std::string& folder) {
-  m_folders.push_back(folder);
-  if (m_folders.size() == 1) {
+void FolderSearch::search(const Search& search) {
+  m_searches.push_back(search);
+  if (m_searches.size() == 1) {
     startNext();
   }
 }
 
 void FolderSearch::stop() {
   m_thread.request_stop();
-  if (m_folders.size() > 1) {
-    m_folders.resize(1);
+  if (m_searches.size() > 1) {
+    m_searches.resize(1);
   }
 }
 
 void FolderSearch::startNext() {
-  m_isOver = false;
+  m_outcome.reset();
+  m_folder = m_place = m_searches.front().folder;
+  m_arrival = std::chrono::steady_clock::now();
   m_timer.start();
-  m_thread = std::jthread([this, folder = m_folders.front()](std::stop_token stop) {
-    const BackupSearchResult result =
-        searchForBackups({folder},
-                         {.found =
-                              [this](std::unique_ptr<BackupModel> backup) {
-                                const std::lock_guard lock(m_mutex);
-                                m_found.push_back(std::move(backup));
-                              },
-                          .looking =
-                              [this](const std::string& place) {
-                                const std::lock_guard lock(m_mutex);
-                                m_place = place;
-                              }},
-                         stop);
+  m_thread = std::jthread([this, folder = m_folder](const std::stop_token& stop) {
+    Outcome outcome = searchFirst(folder, stop);
     const std::lock_guard lock(m_mutex);
-    m_result = result;
-    m_isOver = true;
+    m_outcome = std::move(outcome);
   });
+}
+
+// All that the disk is asked: it may not answer.
+FolderSearch::Outcome FolderSearch::searchFirst(std::string folder, const std::stop_token& stop) {
+  folder = folderMeantBy(std::move(folder));
+  {
+    const std::lock_guard lock(m_mutex);
+    m_folder = folder;
+  }
+  Outcome outcome;
+  outcome.result = searchForBackups({folder},
+                                    {.found =
+                                         [this](std::unique_ptr<BackupModel> backup) {
+                                           const std::lock_guard lock(m_mutex);
+                                           m_found.push_back(std::move(backup));
+                                         },
+                                     .looking =
+                                         [this](const std::string& place) {
+                                           const std::lock_guard lock(m_mutex);
+                                           m_place = place;
+                                           m_arrival = std::chrono::steady_clock::now();
+                                         }},
+                                    stop);
+  outcome.wasStopped = stop.stop_requested();
+  if (!outcome.wasStopped) {
+    outcome.problem = whyFolderCannotBeRead(folder);
+  }
+  return outcome;
 }
 
 void FolderSearch::tell() {
   std::unique_lock lock(m_mutex);
   auto found = std::exchange(m_found, {});
+  const Search search{m_folder, m_searches.front().wasAskedFor};
   const std::string place = m_place;
-  const BackupSearchResult result = m_result;
-  const bool isOver = m_isOver;
+  const bool isSilent = std::chrono::steady_clock::now() - m_arrival >= m_patience;
+  const std::optional<Outcome> outcome = m_outcome;
   lock.unlock();
-  const std::string folder = m_folders.front();
   if (!found.empty()) {
-    m_events.found(folder, std::move(found));
+    m_events.found(search, std::move(found));
   }
-  if (!isOver) {
-    m_events.looking(place);
+  if (!outcome) {
+    m_events.looking(place, isSilent);
     return;
   }
-  const bool wasStopped = m_thread.get_stop_token().stop_requested();
-  m_folders.pop_front();
-  if (m_folders.empty()) {
+  m_searches.pop_front();
+  if (m_searches.empty()) {
     m_timer.stop();
   } else {
     startNext();
   }
-  m_events.ended(folder, result, wasStopped);
+  m_events.ended(search, *outcome);
 }
 
 }  // namespace snaplift

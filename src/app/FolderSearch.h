@@ -2,10 +2,13 @@
 
 #include <QObject>
 #include <QTimer>
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,39 +27,52 @@ class FolderSearch : public QObject {
   Q_OBJECT
 
 public:
-  struct Events {
-    // Backups in or below `folder`, each batch as it comes.
-    std::function<void(const std::string& folder, std::vector<std::unique_ptr<BackupModel>>)> found;
-    // Where the search is.
-    std::function<void(const std::string& folder)> looking;
-    // The search of `folder` is over, or was stopped.
-    std::function<void(const std::string& folder, const BackupSearchResult&, bool stopped)> ended;
+  struct Search {
+    std::string folder;
+    bool wasAskedFor = false;  // by the user, now
   };
+  struct Outcome {
+    BackupSearchResult result;
+    bool wasStopped = false;
+    std::optional<Sentence> problem;  // why the folder itself cannot be read now
+  };
+  struct Events {
+    // Backups in or below the folder, each batch as it comes.
+    std::function<void(const Search&, std::vector<std::unique_ptr<BackupModel>>)> found;
+    // Where the search is; and that it has been there for long without an answer.
+    std::function<void(const std::string& folder, bool isSilent)> looking;
+    // A search is over, or was stopped.
+    std::function<void(const Search&, const Outcome&)> ended;
+  };
+  static constexpr std::chrono::seconds defaultPatience{8};
 
-  explicit FolderSearch(Events events);
+  explicit FolderSearch(Events events, std::chrono::milliseconds patience = defaultPatience);
   ~FolderSearch() override;
 
-  // Searches `folder` when those before it are done.
-  void search(const std::string& folder);
+  // Searches a folder, or the folder around a file of a backup, when those before it are done.
+  void search(const Search& search);
   // Ends the search and drops what waits; what was found so far is still told.
   void stop();
   // What is searched and what waits.
-  const std::deque<std::string>& folders() const { return m_folders; }
+  const std::deque<Search>& searches() const { return m_searches; }
   // Whether something is searched or has yet to be told.
   bool isRunning() const { return m_timer.isActive(); }
 
 private:
   void startNext();
+  Outcome searchFirst(std::string folder, const std::stop_token& stop);
   void tell();
 
   const Events m_events;
+  const std::chrono::milliseconds m_patience;
   QTimer m_timer;
-  std::deque<std::string> m_folders;  // the first is searched now
-  std::mutex m_mutex;                 // for what follows
+  std::deque<Search> m_searches;  // the first is at work
+  std::mutex m_mutex;             // for what follows
+  std::string m_folder;           // that is meant by the first
   std::vector<std::unique_ptr<BackupModel>> m_found;
   std::string m_place;
-  BackupSearchResult m_result;
-  bool m_isOver = false;
+  std::chrono::steady_clock::time_point m_arrival;  // there
+  std::optional<Outcome> m_outcome;
   std::jthread m_thread;  // the last member: it is joined before all else goes
 };
 

@@ -141,9 +141,10 @@ private:
   // Folders.
   void connectFolders();
   void searchFolder(const std::string& path, bool wasAskedFor);
-  void addBackups(const std::string& folder, std::vector<std::unique_ptr<BackupModel>> backups);
-  void searchEnded(const std::string& folder, const BackupSearchResult& result, bool stopped);
-  void showSearch(const std::string& place);
+  void addBackups(const FolderSearch::Search& search,
+                  std::vector<std::unique_ptr<BackupModel>> backups);
+  void searchEnded(const FolderSearch::Search& search, const FolderSearch::Outcome& outcome);
+  void showSearch(const std::string& place, bool isSilent);
   // Asks for the whole sidebar anew. The selected backup stays it, or `backup` becomes it.
   void reloadSidebar(BackupModel* backup = nullptr);
   void updateFolders();
@@ -155,9 +156,12 @@ private:
 
   // Disks.
   void connectDisks();
+  void suspectIfItLoadsLong(const std::string& path);
   void backupWasLookedAt(const std::string& path, bool canBeRead);
   void isBackAgain(const BackupModel& backup);
   void tellOfLostFolder(const std::string& folder);
+  // Of the folder of this backup, or, where there is none, no more.
+  void tellOfSilentDisk(const std::string& path);
   void sayThatThereAreNoBackups();
   void offerConnectedDisks(QMessageBox& alert);
 
@@ -198,7 +202,6 @@ private:
 
   std::unique_ptr<BackupController> m_bc;
   RememberedState m_state{false};
-  std::set<std::string> m_askedFor;  // folders that are searched because the user said so
   struct {
     BackupModel* backup = nullptr;
     bool wasAskedFor = false;

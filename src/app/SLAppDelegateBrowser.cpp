@@ -72,6 +72,7 @@ void SLAppDelegate::didStartLoading(BackupModel* backup) {
       m_ui->text->setText(tr("Loading..."));
     }
     m_ui->sourceList->reloadItem(backup);  // its wheel turns, whoever has it load
+    suspectIfItLoadsLong(backup->path());
   };
   QMetaObject::invokeMethod(this, say, Qt::QueuedConnection);
 }

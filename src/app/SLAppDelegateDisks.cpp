@@ -3,7 +3,9 @@
 
 #include <QMessageBox>
 #include <QPointer>
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
 
 #include "app/SLAppDelegate.h"
 #include "app/StatusText.h"
@@ -15,6 +17,8 @@
 
 namespace snaplift {
 namespace {
+
+constexpr auto longLoad = std::chrono::seconds(3);
 
 struct DiskWithBackups {
   std::string disk;
@@ -57,7 +61,19 @@ void SLAppDelegate::connectDisks() {
     }
     std::ranges::for_each(suspects, [this](auto& backup) { m_disks->suspect(backup); });
   });
-  m_arrayController.setUnreadable([this](const std::string& backup) { m_disks->suspect(backup); });
+  connect(m_disks.get(), &DiskWatch::isSilent, this, &SLAppDelegate::tellOfSilentDisk);
+  m_arrayController.setDisks(*m_disks);
+}
+
+// A large backup takes its time, and so does one whose disk does not answer.
+void SLAppDelegate::suspectIfItLoadsLong(const std::string& path) {
+  QTimer::singleShot(longLoad, this, [this, path] {
+    const std::vector<BackupModel*> all = m_bc->backups();
+    const auto backup = std::ranges::find(all, path, &BackupModel::path);
+    if (backup != all.end() && (*backup)->processing()) {
+      m_disks->suspect(path);
+    }
+  });
 }
 
 void SLAppDelegate::backupWasLookedAt(const std::string& path, bool canBeRead) {
@@ -109,6 +125,19 @@ void SLAppDelegate::tellOfLostFolder(const std::string& folder) {
          "list. Connect the disk again to see them:") +
           "\n\n" + QString::fromStdString(escapedForLog(folder))};
   showAlertWithChoices(m_window.get(), text, choices, {});
+}
+
+void SLAppDelegate::tellOfSilentDisk(const std::string& path) {
+  const std::vector<BackupModel*> all = m_bc->backups();
+  const auto backup = std::ranges::find(all, path, &BackupModel::path);
+  if (backup == all.end()) {
+    m_ui->diskNotice->hide();
+    return;
+  }
+  m_ui->diskNotice->tell(
+      tr("“%1” does not answer. Its disk may be busy, asleep or gone; photos come as soon as it "
+         "answers.")
+          .arg(folderTitle(m_bc->foldersOf(**backup).front())));
 }
 
 void SLAppDelegate::sayThatThereAreNoBackups() {

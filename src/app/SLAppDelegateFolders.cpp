@@ -46,18 +46,18 @@ std::vector<std::string> droppedFolders(const QDropEvent& drop) {
   return folders;
 }
 
-AlertText textOfNoBackups(const std::string& folder, const BackupSearchResult& result) {
+AlertText textOfNoBackups(const std::string& folder, const FolderSearch::Outcome& outcome) {
   const QString title = folderTitle(folder);
-  if (const auto problem = whyFolderCannotBeRead(folder)) {
-    return {SLAppDelegate::tr("“%1” Cannot Be Opened").arg(title), coreText(*problem)};
+  if (outcome.problem) {
+    return {SLAppDelegate::tr("“%1” Cannot Be Opened").arg(title), coreText(*outcome.problem)};
   }
   QString text = SLAppDelegate::tr(
       "Snaplift looked into every folder below it. A backup is a folder that holds a file "
       "“Info.plist” beside a “Manifest.plist”, and many files with long names of digits and "
       "letters.");
-  if (result.forbidden > 0) {
+  if (const std::size_t forbidden = outcome.result.forbidden; forbidden > 0) {
     text += "\n\n" + SLAppDelegate::tr("There is no permission to read %n of its folders.", nullptr,
-                                       static_cast<int>(result.forbidden));
+                                       static_cast<int>(forbidden));
   }
   return {SLAppDelegate::tr("No Backups Found in “%1”").arg(title), text};
 }
@@ -66,11 +66,11 @@ AlertText textOfNoBackups(const std::string& folder, const BackupSearchResult& r
 
 void SLAppDelegate::connectFolders() {
   m_search = std::make_unique<FolderSearch>(FolderSearch::Events{
-      .found = [this](const std::string& folder,
-                      auto backups) { addBackups(folder, std::move(backups)); },
-      .looking = [this](const std::string& place) { showSearch(place); },
-      .ended = [this](const std::string& folder, const BackupSearchResult& result,
-                      bool stopped) { searchEnded(folder, result, stopped); }});
+      .found = [this](const FolderSearch::Search& search,
+                      auto backups) { addBackups(search, std::move(backups)); },
+      .looking = [this](const std::string& place, bool isSilent) { showSearch(place, isSilent); },
+      .ended = [this](const FolderSearch::Search& search,
+                      const FolderSearch::Outcome& outcome) { searchEnded(search, outcome); }});
   m_window->setAcceptDrops(true);
   connect(m_ui->actionOpenFolder, &QAction::triggered, this, [this] { chooseFolderToOpen(); });
   connect(m_ui->chooseFolderButton, &QPushButton::clicked, this, [this] { chooseFolderToOpen(); });
@@ -92,33 +92,30 @@ void SLAppDelegate::openFolder(const std::string& path) {
 void SLAppDelegate::searchFolder(const std::string& path, bool wasAskedFor) {
   std::string folder = path;
   if (wasAskedFor) {
-    // Absolute, for the day on which it is opened again from elsewhere; and nobody looks at it then
-    // before the search does, for its disk may not answer.
+    // Absolute, for the day on which it is opened again from elsewhere. Nobody looks at it before
+    // the search does, for its disk may not answer.
     std::error_code ignored;
-    folder = folderMeantBy(std::filesystem::absolute(path, ignored).lexically_normal().string());
-    m_askedFor.insert(folder);
+    folder = std::filesystem::absolute(path, ignored).lexically_normal().string();
   }
-  m_search->search(folder);
-  showSearch(folder);
+  m_search->search({folder, wasAskedFor});
+  showSearch(folder, false);
 }
 
-void SLAppDelegate::showSearch(const std::string& place) {
-  const QString text =
-      tr("Searching for backups in %1").arg(QString::fromStdString(escapedForLog(place)));
-  m_ui->searchText->setText(m_ui->searchText->fontMetrics().elidedText(
-      text, Qt::ElideMiddle, std::max(m_ui->searchText->width(), 300)));
-  m_ui->searchText->setAccessibleName(text);
+void SLAppDelegate::showSearch(const std::string& place, bool isSilent) {
+  m_ui->searchText->setText(
+      (isSilent ? tr("Still waiting for an answer from %1") : tr("Searching for backups in %1"))
+          .arg(QString::fromStdString(escapedForLog(place))));
   m_ui->searchBar->show();
 }
 
-void SLAppDelegate::addBackups(const std::string& folder,
+void SLAppDelegate::addBackups(const FolderSearch::Search& search,
                                std::vector<std::unique_ptr<BackupModel>> backups) {
+  const auto& [folder, wasAskedFor] = search;
   const bool isFirst = std::ranges::find(m_bc->folders(), folder) == m_bc->folders().end();
   const std::vector<BackupModel*> added = m_bc->addBackups(folder, std::move(backups));
   if (added.empty()) {
     return;
   }
-  const bool wasAskedFor = m_askedFor.contains(folder);
   if (isFirst && wasAskedFor) {
     m_state.addRecentFolder(folder);
   }
@@ -167,20 +164,21 @@ void SLAppDelegate::updateFolders() {
   }
 }
 
-void SLAppDelegate::searchEnded(const std::string& folder, const BackupSearchResult& result,
-                                bool stopped) {
+void SLAppDelegate::searchEnded(const FolderSearch::Search& search,
+                                const FolderSearch::Outcome& outcome) {
   m_ui->searchBar->setVisible(m_search->isRunning());
-  const bool wasAskedFor = m_askedFor.erase(folder) > 0;
-  if (result.diskIsGone || (wasAskedFor && result.unreadable > 0 && isReadableFolder(folder))) {
+  const auto& [folder, wasAskedFor] = search;
+  const BackupSearchResult& result = outcome.result;
+  if (result.diskIsGone || (wasAskedFor && result.unreadable > 0 && !outcome.problem)) {
     tellOfLostFolder(folder);
-  } else if (wasAskedFor && !stopped && result.backups == 0) {
-    showAlert(m_window.get(), textOfNoBackups(folder, result));
+  } else if (wasAskedFor && !outcome.wasStopped && result.backups == 0) {
+    showAlert(m_window.get(), textOfNoBackups(folder, outcome));
   } else if (wasAskedFor && result.forbidden > 0) {
     m_ui->searchNotice->tell(
         tr("Backups may be missing: there is no permission to read %n of the folders in “%1”.",
            nullptr, static_cast<int>(result.forbidden))
             .arg(folderTitle(folder)));
-  } else if (m_bc->devices().empty() && !m_search->isRunning() && !stopped) {
+  } else if (m_bc->devices().empty() && !m_search->isRunning() && !outcome.wasStopped) {
     sayThatThereAreNoBackups();
   }
 }
@@ -245,9 +243,9 @@ void SLAppDelegate::rememberState() {
   m_state.setWindow({m_window->saveGeometry(), m_ui->splitView->saveState()});
   std::vector<std::string> folders = m_bc ? m_bc->folders() : std::vector<std::string>();
   std::erase(folders, m_bc ? m_bc->basePath() : std::string());
-  for (const std::string& folder : m_search->folders()) {
-    if (std::ranges::find(folders, folder) == folders.end()) {
-      folders.push_back(folder);  // nobody knows yet what it holds
+  for (const FolderSearch::Search& search : m_search->searches()) {
+    if (std::ranges::find(folders, search.folder) == folders.end()) {
+      folders.push_back(search.folder);  // nobody knows yet what it holds
     }
   }
   m_state.setOpenFolders(folders);

@@ -202,12 +202,6 @@ bool isReadFromDisk(const std::string& path) {
   return file && (file.size() == 0 || file.read(&byte, 1) == 1);
 }
 
-bool isReadableFolder(const std::string& path) {
-  struct stat status;
-  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-         ::access(path.c_str(), R_OK | X_OK) == 0;
-}
-
 std::vector<std::string> folderEntries(const std::string& folder) {
   std::vector<std::string> names;
   visitEntries(folder, [&](const dirent& entry) { names.emplace_back(entry.d_name); });

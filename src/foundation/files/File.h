@@ -83,9 +83,6 @@ private:
 // system remembers of it. May take as long as the disk does.
 bool isReadFromDisk(const std::string& path);
 
-// Whether `path` is a folder that the process may list; links are followed.
-bool isReadableFolder(const std::string& path);
-
 // The names of a folder's direct entries, hidden ones included, without "." and "..", in the order
 // of the file system; as the bytes that stand there. Empty where the folder cannot be listed.
 // `folder` itself may be a link.
