@@ -169,6 +169,9 @@ TEST_F(OpenFoldersTest, remembersItsFoldersAndPlace) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return centreText() == "2 Photos"; }, 60000));
   EXPECT_EQ(recent().first(2), QStringList({QString::fromStdString(m_tree.path("gone")),
                                             QString::fromStdString(disk)}));
+  for (const char* setting : {"actionSkipExisting", "actionKeepDates", "actionLayoutMonth"}) {
+    action(setting).trigger();
+  }
   m_delegate->window()->close();
   std::filesystem::remove_all(m_tree.path("gone"));
   m_tree.write("out/.snaplift-0123456789abcdef.part", "left by a kill");
@@ -183,7 +186,11 @@ TEST_F(OpenFoldersTest, remembersItsFoldersAndPlace) {
   EXPECT_EQ(m_delegate->window()->size(), QSize(700, 455));
   EXPECT_EQ(child<QSplitter>("splitView").sizes(), sizes);
   EXPECT_FALSE(m_delegate->window()->findChild<QMessageBox*>());  // not of what is gone
-  EXPECT_EQ(m_tree.list("config"), std::vector<std::string>({"snaplift", "snaplift/folders.ini"}));
+  EXPECT_TRUE(action("actionSkipExisting").isChecked());
+  EXPECT_FALSE(action("actionKeepDates").isChecked());
+  EXPECT_TRUE(action("actionLayoutMonth").isChecked());
+  EXPECT_EQ(m_tree.list("config"),
+            std::vector<std::string>({"snaplift", "snaplift/export.ini", "snaplift/folders.ini"}));
   EXPECT_EQ(m_tree.list("state"), std::vector<std::string>({"snaplift", "snaplift/window.ini"}));
   EXPECT_EQ(recent().size(), 4);
   child<QMenu>("menuOpenRecent").actions().back()->trigger();

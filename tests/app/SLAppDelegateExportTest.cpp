@@ -6,12 +6,14 @@
 #include <QPointer>
 #include <QTimer>
 #include <QTreeWidget>
+#include <atomic>
 #include <filesystem>
 #include <list>
 
 #include <gmock/gmock.h>
 
 #include "SLAppDelegateFixture.h"
+#include "app/export/EverythingToExport.h"
 #include "app/export/ExportProgressBar.h"
 #include "app/export/NumberedTwins.h"
 #include "faults/Volume.h"
@@ -168,6 +170,118 @@ TEST(NumberedTwins, countWhereTheyAreMoreThanHalf) {
       .photo = &photo, .written = tree.write("IMG 2.JPG", "two"), .isRenamed = true, .error = {}};
   EXPECT_TRUE(areMostlyTwins({twin, other, twin}, {}));
   EXPECT_FALSE(areMostlyTwins({twin, other}, {}));
+  ExportedPhoto skipped = twin;
+  skipped.isSkipped = true;
+  EXPECT_FALSE(areMostlyTwins({twin, skipped, other}, {}));
+}
+
+// Photos of seven bytes each, as the source says; one in the folder `files` has more.
+class SizedPhotos : public test::PhotoSource {
+public:
+  using PhotoSource::PhotoSource;
+  std::optional<PhotoInfo> photoInfo(std::size_t) const override {
+    PhotoInfo info;
+    info.size = 7;
+    return info;
+  }
+};
+
+class WindowExportsTest : public testing::Test {
+protected:
+  WindowExportsTest() {
+    QObject::connect(&m_exports, &WindowExports::ended,
+                     [this](const ExportReport& report) { m_ended.push_back(report); });
+  }
+  ExportReport reportOf(const std::vector<std::string>& paths) {
+    ExportReport report;
+    report.destination = m_tree.makeFolder("out");
+    for (const std::string& path : paths) {
+      report.missing.push_back({&m_items.emplace_back(path, m_photos)});
+    }
+    return report;
+  }
+  bool waitForEnds(std::size_t count) {
+    return QTest::qWaitFor([&] { return m_ended.size() == count; }, 60000);
+  }
+
+  TemporaryTree m_tree;
+  SizedPhotos m_photos{m_tree.root()};
+  std::list<ImageItem> m_items;
+  std::vector<ExportReport> m_ended;
+  WindowExports m_exports;
+};
+
+TEST_F(WindowExportsTest, addUpWhatSeveralAttemptsBrought) {
+  m_exports.begin(reportOf({"1/a.jpg", "2/a.jpg", "files/b.jpg", "3/a.jpg"}), 3);
+  ASSERT_TRUE(waitForEnds(1));
+  const ExportReport& first = m_ended[0];
+  EXPECT_EQ(first.summary.photos, 4U);
+  EXPECT_EQ(first.summary.exported, 2U);
+  EXPECT_EQ(first.summary.failed, 1U);
+  EXPECT_EQ(first.summary.notBegun, 1U);
+  ASSERT_EQ(first.missing.size(), 2U);
+  EXPECT_EQ(first.missing[0].photo->path(), "files/b.jpg");  // before those that were not begun
+  EXPECT_FALSE(first.missing[0].mayBeThere);                 // it could not be read
+  m_tree.write("files/b.jpg", "files/b.jpg");
+  m_exports.begin(ExportReport(first));
+  ASSERT_TRUE(waitForEnds(2));
+  const ExportReport& all = m_ended[1];
+  EXPECT_EQ(all.summary.photos, 4U);
+  EXPECT_EQ(all.summary.exported, 4U);
+  EXPECT_EQ(all.summary.renamed, 2U);
+  EXPECT_EQ(all.summary.shortened, 1U);
+  EXPECT_EQ(all.summary.bytes, 3 * 7U + 11);
+  EXPECT_EQ(all.summary.failed + all.summary.notBegun, 0U);
+  EXPECT_THAT(all.missing, IsEmpty());
+  EXPECT_THAT(all.failures, IsEmpty());
+  EXPECT_EQ(all.arrived.size(), 4U);
+}
+
+TEST_F(WindowExportsTest, countWhatHasEndedWhileOthersGoOn) {
+  std::atomic<bool> isHeld = true;
+  m_photos.onRead = [&](const std::string& path) { isHeld.wait(path == "held/a"); };
+  m_exports.begin(reportOf({"held/a"}));
+  m_exports.begin(reportOf({"1/b.jpg", "2/b.jpg"}));
+  EXPECT_TRUE(waitForEnds(1));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return m_exports.progress().bytes == 3 * 7; }));
+  EXPECT_EQ(m_exports.progress().photos, 3U);
+  EXPECT_EQ(m_exports.progress().photosEnded, 2U);
+  EXPECT_EQ(m_exports.progress().bytesEnded, 2 * 7U);
+  isHeld = false;
+  isHeld.notify_all();
+  EXPECT_TRUE(waitForEnds(2));
+  EXPECT_EQ(m_exports.progress().photos, 0U);  // the next begins anew
+}
+
+TEST(EverythingToExport, knowsWhatAllPhotosNeed) {
+  mainThread::resume();
+  const TemporaryTree tree;
+  const LogCapture quietLog([](const std::string&) {});
+  for (const char* name : {"a", "b"}) {
+    samples::SampleBackup backup{.deviceName = name, .productVersion = "5.0"};
+    for (const char* photo : {"1.JPG", "2.JPG"}) {
+      backup.files.push_back({.domain = "CameraRollDomain", .path = photo, .content = "four"});
+    }
+    samples::writeBackup(tree.path(name), backup);
+  }
+  BackupController controller(tree.root());
+  EverythingToExport everything(ExportLayout::Device);
+  for (const auto& device : controller.devices()) {
+    everything.add(*device);
+  }
+  std::optional<std::uint64_t> bytes;
+  std::vector<std::string> folders;
+  QObject::connect(&everything, &EverythingToExport::collected,
+                   [&](const ExportReport& photos, std::optional<std::uint64_t> needed) {
+                     bytes = needed;
+                     for (const PhotoToExport& photo : photos.missing) {
+                       folders.push_back(photo.folder);
+                     }
+                   });
+  everything.start();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return bytes.has_value(); }));
+  EXPECT_EQ(bytes, 4 * 4U);
+  EXPECT_THAT(folders, testing::UnorderedElementsAre("a", "a", "b", "b"));
 }
 
 TEST_F(ExportNoticeTest, offersToSkipWhatWasThereAlready) {
@@ -318,6 +432,12 @@ TEST_F(ExportNoticeTest, asksBeforeItFillsTheDiskAndGoesOnWhenThereIsRoom) {
   fs::remove(m_tree.path("out/filler"));
   button(*box, "Retry")->click();
   ASSERT_TRUE(waitForNotice("9 photos exported to out"));
+
+  // Nobody knows what photos need of which some are there.
+  action("actionSkipExisting").trigger();
+  m_tree.write("out/filler", std::string(65536 - 9 * 4096, 'x'));
+  dropAllPhotosInto("out");
+  ASSERT_TRUE(waitForNotice("0 photos exported to out, 9 there already"));
 }
 
 TEST_F(ExportNoticeTest, tellsThatACopyFailed) {
