@@ -281,7 +281,7 @@ std::optional<bool> SLAppDelegate::sourceListItemHasRightSideIcon(PXSourceList& 
   return sourceListItemIsProcessing(list, item);
 }
 
-std::optional<QString> SLAppDelegate::sourceListDescriptionOfItem(PXSourceList&, OutlineItem item) {
+std::optional<QString> SLAppDelegate::sourceListDetailsForItem(PXSourceList&, OutlineItem item) {
   auto* backup = item.as<BackupModel>();
   return backup ? std::optional(backupDescription(*backup)) : std::nullopt;
 }

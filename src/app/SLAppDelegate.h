@@ -102,7 +102,7 @@ public:
   std::optional<bool> sourceListItemHasIcon(PXSourceList& list, OutlineItem item) override;
   std::optional<QPixmap> sourceListIconForItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListItemHasRightSideIcon(PXSourceList& list, OutlineItem item) override;
-  std::optional<QString> sourceListDescriptionOfItem(PXSourceList& list, OutlineItem item) override;
+  std::optional<QString> sourceListDetailsForItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListItemIsProcessing(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListShouldEditItem(PXSourceList& list, OutlineItem item) override;
   std::optional<bool> sourceListIsGroupAlwaysExpanded(PXSourceList& list,

@@ -193,6 +193,10 @@ TEST_F(OpenFoldersTest, remembersItsFoldersAndPlace) {
             std::vector<std::string>({"snaplift", "snaplift/export.ini", "snaplift/folders.ini"}));
   EXPECT_EQ(m_tree.list("state"), std::vector<std::string>({"snaplift", "snaplift/window.ini"}));
   EXPECT_EQ(recent().size(), 4);
+  action("actionCloseFolder").trigger();
+  m_delegate->openFolder(disk);
+  ASSERT_TRUE(waitForText("5 Photos"));
+  EXPECT_EQ(recent().size(), 4);  // no folder twice
   child<QMenu>("menuOpenRecent").actions().back()->trigger();
   EXPECT_EQ(recent(), QStringList({"", "&Clear List"}));
 

@@ -14,6 +14,7 @@
 
 #include "SLAppDelegateFixture.h"
 #include "app/export/EverythingToExport.h"
+#include "app/export/ExportNotice.h"
 #include "app/export/ExportProgressBar.h"
 #include "app/export/NumberedTwins.h"
 #include "faults/Volume.h"
@@ -137,6 +138,26 @@ TEST_F(ExportNoticeTest, tellsWhatArrivedAndRetriesWhatDidNot) {
   ASSERT_TRUE(QTest::qWaitForWindowActive(m_delegate->window()));
   QTest::keyClick(&browser(), Qt::Key_Escape);
   EXPECT_TRUE(QTest::qWaitFor([&] { return !notice().isVisible(); }));
+}
+
+// Those that were not begun are left out where somebody stopped, not where the disk was lost.
+TEST_F(ExportNoticeTest, retriesWhatWasNotBegunBecauseTheDiskWasLost) {
+  const PathsAsPhotos source;
+  const ImageItem photo("a.jpg", source);
+  ExportReport report;
+  report.missing = {{&photo}, {&photo}, {&photo}};
+  report.failures.resize(1);
+  report.failures[0].photo = &photo;
+  ExportNotice notice;
+  std::vector<std::size_t> wanted;
+  QObject::connect(&notice, &ExportNotice::retryWanted,
+                   [&](const ExportReport&, std::size_t photos) { wanted.push_back(photos); });
+  for (const auto& lost : {std::optional<FileError>(), std::optional(FileError::missing("out"))}) {
+    report.summary.lost = lost;
+    notice.tellOf(report);
+    button(notice, "Retry Failed")->click();
+  }
+  EXPECT_EQ(wanted, std::vector<std::size_t>({1, WindowExports::allPhotos}));
 }
 
 TEST_F(ExportNoticeTest, beginsTheChoiceWhereTheLastExportWentAndLeavesOutWhatIsThere) {
@@ -456,6 +477,17 @@ TEST_F(ExportNoticeTest, tellsThatACopyFailed) {
   box->buttons().front()->click();
   QApplication::clipboard()->clear();
   EXPECT_TRUE(QTest::qWaitFor([&] { return !box; }));
+
+  browser().stepTo(1);
+  action("actionCopy").trigger();
+  for (int i = 0; i < 2; ++i) {  // whoever gets nothing may ask again
+    EXPECT_TRUE(QApplication::clipboard()->mimeData()->data("image/png").isEmpty());
+  }
+  const QPointer single = alert();
+  ASSERT_TRUE(single);
+  EXPECT_EQ(m_delegate->window()->findChildren<QMessageBox*>().size(), 1);
+  single->buttons().front()->click();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !single; }));
 
   const auto dragged = m_delegate->imageBrowserFilesOfItems(browser(), allItems());
   dragged->write();

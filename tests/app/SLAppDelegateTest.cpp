@@ -121,6 +121,13 @@ TEST_F(SLAppDelegateTest, saysOnceThatABackupIsDamaged) {
   ASSERT_TRUE(waitForText("3 Photos"));
   select(1);
   ASSERT_TRUE(waitForText("No Photos"));
+  // One that is looked at after it, if somebody suspected it again.
+  auto& disks = *m_delegate->findChild<DiskWatch*>();
+  bool wasLookedAt = false;
+  QObject::connect(&disks, &DiskWatch::looked, m_delegate.get(),
+                   [&](const std::string& backup) { wasLookedAt |= backup.ends_with("/b"); });
+  disks.suspect(m_tree.path("root/b"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return wasLookedAt; }));
   EXPECT_FALSE(m_delegate->window()->findChild<QMessageBox*>());
 }
 
@@ -249,7 +256,7 @@ TEST_F(SLAppDelegateTest, tellsApartRowsOfOneNameAndDescribesThem) {
   EXPECT_EQ(titles, QStringList({late + " (disk)", late + " (root)", late + " (two)",
                                  date(1318420800) + time(1318420800), date(1318020900)}));
   const auto described = [&] {
-    return m_delegate->sourceListDescriptionOfItem(sourceList(), backupAtRow(4)).value_or("");
+    return m_delegate->sourceListDetailsForItem(sourceList(), backupAtRow(4)).value_or("");
   };
   const QString known = date(1318420800) + time(1318420800) + "\nSystem version 5.0\n" +
                         QString::fromStdString(first);
@@ -303,10 +310,9 @@ TEST_F(SLAppDelegateTest, opensACopyOfAFilmInAPlayerAndSaysWhatIsUnfinished) {
                         .unfinished = true});
   launch();
   ASSERT_TRUE(waitForText("1 Photo"));
-  EXPECT_THAT(m_delegate->sourceListDescriptionOfItem(sourceList(), backupAtRow(1))
-                  .value_or("")
-                  .toStdString(),
-              testing::HasSubstr("\nNot finished by the device's backup\n"));
+  EXPECT_THAT(
+      m_delegate->sourceListDetailsForItem(sourceList(), backupAtRow(1)).value_or("").toStdString(),
+      testing::HasSubstr("\nNot finished by the device's backup\n"));
   action("actionPreview").trigger();
   Desktop desktop;
   auto* button = browser().findChild<QPushButton*>();

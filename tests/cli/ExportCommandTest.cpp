@@ -346,6 +346,14 @@ TEST_F(ExportCommandTest, choosesPhotosByWhatIsKnownOfThem) {
   }
   EXPECT_EQ(chosen({"--from-file", m_tree.path("list")}, 3), "3");
   EXPECT_EQ(chosen({"--from-file", m_tree.path("none")}, 1), "");
+  const std::string known = m_tree.write("known", backup + "/" + edit + "\n");
+  EXPECT_EQ(chosen({"--from-file", known}, 0), "3");
+  emptyDestination();
+  ProgramCall piped = exportCall({backup, "--from-file", "-"});
+  piped.arguments.insert(piped.arguments.begin(),
+                         {"/bin/sh", "-c", "exec \"$0\" \"$@\" < '" + known + "'"});
+  EXPECT_EQ(Program::run(piped).status, 0);
+  EXPECT_THAT(exported(), testing::ElementsAre("3"));
 }
 
 TEST_F(ExportCommandTest, reportsAndVerifiesWhatItWrote) {
@@ -356,6 +364,17 @@ TEST_F(ExportCommandTest, reportsAndVerifiesWhatItWrote) {
   EXPECT_EQ(same.status, 0);
   EXPECT_EQ(same.output, "");
   EXPECT_THAT(same.errors, HasSubstr("2 files as reported, 0 different, 0 gone\n"));
+  const std::string lines = m_tree.read("report.csv");
+  m_tree.write("more.csv", lines + "u,,0,,,not begun\r\n");
+  const ProgramResult more = run({"verify", m_tree.path("more.csv")});
+  EXPECT_EQ(more.status, 0);
+  EXPECT_EQ(more.output, "");
+  EXPECT_THAT(more.errors, HasSubstr("1 of the report had not arrived"));
+  EXPECT_EQ(run({"verify", m_tree.write("damaged.csv", lines + "u,")}).status, 1);
+  fs::remove(out() + "/IMG_0001.JPG");
+  fs::create_directory(out() + "/IMG_0001.JPG");
+  EXPECT_EQ(run({"verify", report}).status, 3);
+  fs::remove(out() + "/IMG_0001.JPG");
   m_tree.write("out/IMG_0001.JPG", "Phone onE");
   fs::remove(out() + "/IMG_0002.PNG");
   const ProgramResult other = run({"verify", report});

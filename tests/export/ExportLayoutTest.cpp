@@ -31,7 +31,8 @@ TEST_F(ExportLayoutTest, tellsDevicesApartThatWouldBeOneFolder) {
   const ImageItem photo("Media/DCIM/100APPLE/IMG_0001.JPG", m_paths);
   const std::pair<const char*, const char*> cases[] = {
       {"a/b", "a_b"},   {"a:b", "a_b 2"}, {"A_B 2", "A_B 2 2"}, {"Zoë", "Zoë"},
-      {"ZOË", "ZOË 2"}, {"..", "_"},      {"/", "_ 2"},         {"a/b", "a_b"}};
+      {"ZOË", "ZOË 2"}, {"..", "_"},      {"/", "_ 2"},         {"a/b", "a_b"},
+      {"c 2", "c 2"},   {"c", "c"},       {"C", "C 3"}};
   for (const auto& [handset, folder] : cases) {
     EXPECT_EQ(folders.folderFor(photo, handset), folder);
   }

@@ -25,6 +25,7 @@ TEST(PortableName, isTakenByEveryFileSystemAndLeadsNowhere) {
       {"a\x1b[31m\x7f\n", "a_[31m__"},
       {std::string("a\0b", 3), "a_b"},
       {"\u202etxt", "_txt"},
+      {"\ufffe\U0001ffff", "__"},
       {"\xff\xfeZoë", "__Zoë"},
       {std::string(99, 'x') + "ë", std::string(99, 'x')},
       {std::string(98, 'x') + ". y", std::string(98, 'x')},

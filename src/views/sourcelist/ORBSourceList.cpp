@@ -5,7 +5,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTextDocument>
-#include <QToolTip>
 #include <QWindow>
 #include <algorithm>
 #include <chrono>
@@ -82,19 +81,11 @@ QSizeF ORBSourceList::sizeOfBadgeAtRow(int row) {
 ORBSourceList::RowDescription ORBSourceList::descriptionOfRow(int row) {
   RowDescription description = PXSourceList::descriptionOfRow(row);
   const OutlineItem item = itemAtRow(row);
-  const QString more = descriptionOfItem(item).replace('\n', ", ");
-  description.text += (description.text.isEmpty() || more.isEmpty() ? "" : ", ") + more;
   description.busy = !isGroupItem(item) && isProcessing(item);
   if (description.busy) {
     description.text += (description.text.isEmpty() ? "" : ", ") + tr("Loading...");
   }
   return description;
-}
-
-QString ORBSourceList::descriptionOfItem(OutlineItem item) {
-  return m_ORBDataSource && item
-             ? m_ORBDataSource->sourceListDescriptionOfItem(*this, item).value_or(QString())
-             : QString();
 }
 
 void ORBSourceList::drawRowClipRect(QPainter& painter, int row, const QRectF& clip) {
@@ -254,17 +245,6 @@ bool ORBSourceList::viewportEvent(QEvent* event) {
   if (event->type() == QEvent::Leave) {
     m_mousePosition.reset();
     trackMouse();
-  }
-  if (event->type() == QEvent::ToolTip) {
-    const auto* help = static_cast<QHelpEvent*>(event);
-    const int row = rowAtPoint(help->pos());
-    const QString text = row >= 0 ? descriptionOfItem(itemAtRow(row)) : QString();
-    if (!text.isEmpty()) {
-      // Plain text, even where a folder's name looks like markup.
-      QToolTip::showText(help->globalPos(), Qt::convertFromPlainText(text), this,
-                         rectOfRow(row).toRect());
-      return true;
-    }
   }
   return PXSourceList::viewportEvent(event);
 }

@@ -59,8 +59,6 @@ protected:
   void hideEvent(QHideEvent* event) override;
 
 private:
-  QString descriptionOfItem(OutlineItem item);
-
   ORBSourceListDataSource* m_ORBDataSource = nullptr;
   int m_hoveredRow = -1;
   // By row number, where that row's icon was last drawn; relative to the first row's corner, so

@@ -17,11 +17,6 @@ public:
   // Whether the row shows the spinner instead of the icon. Another thread may change the answer;
   // it is asked for while the row is drawn. Otherwise never.
   virtual std::optional<bool> sourceListItemIsProcessing(PXSourceList&, OutlineItem) { return {}; }
-  // What there is to know of a row besides its title, one thing a line: its tooltip and what a
-  // screen reader says. Otherwise nothing.
-  virtual std::optional<QString> sourceListDescriptionOfItem(PXSourceList&, OutlineItem) {
-    return {};
-  }
   // Otherwise no icon. Whoever has one implements the second for when the mouse is over it too.
   virtual std::optional<QPixmap> sourceListRightSideIconForItem(PXSourceList&, OutlineItem) {
     return {};
