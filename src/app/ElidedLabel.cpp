@@ -20,7 +20,7 @@ QSize ElidedLabel::minimumSizeHint() const {
 }
 
 QString ElidedLabel::shownText() const {
-  return fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
+  return fontMetrics().elidedText(text(), m_elideMode, contentsRect().width());
 }
 
 bool ElidedLabel::event(QEvent* event) {

@@ -87,7 +87,9 @@ void FolderSearch::tell() {
     m_events.found(search, std::move(found));
   }
   if (!outcome) {
-    m_events.looking(place, isSilent);
+    if (!m_thread.get_stop_token().stop_requested()) {
+      m_events.looking(place, isSilent);
+    }
     return;
   }
   m_searches.pop_front();

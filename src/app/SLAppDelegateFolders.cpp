@@ -76,7 +76,10 @@ void SLAppDelegate::connectFolders() {
   connect(m_ui->chooseFolderButton, &QPushButton::clicked, this, [this] { chooseFolderToOpen(); });
   connect(m_ui->actionCloseFolder, &QAction::triggered, this,
           [this] { closeFolderOfSelectedBackup(); });
-  connect(m_ui->stopSearch, &QPushButton::clicked, this, [this] { m_search->stop(); });
+  connect(m_ui->stopSearch, &QPushButton::clicked, this, [this] {
+    m_search->stop();
+    m_ui->searchBar->hide();  // its disk may not answer for long
+  });
   connect(m_ui->menuOpenRecent, &QMenu::aboutToShow, this, [this] { fillRecentFolders(); });
 }
 

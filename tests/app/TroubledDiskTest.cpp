@@ -69,6 +69,9 @@ TEST_F(TroubledDiskTest, isSearchedWithoutAQuestionOfThePaintingThread) {
   m_delegate->openFolder(b + "/Info.plist");
   EXPECT_EQ(callsOfPainter, 0);
   EXPECT_TRUE(child<QWidget>("searchBar").isVisible());
+  child<QPushButton>("stopSearch").click();
+  EXPECT_FALSE(child<QWidget>("searchBar").isVisible());
+  m_delegate->openFolder(b);
   release();
   EXPECT_TRUE(waitForText("5 Photos"));
 }
