@@ -222,10 +222,6 @@
         <translation>Ordner wählen...</translation>
     </message>
     <message>
-        <source>Exporting</source>
-        <translation>Export läuft</translation>
-    </message>
-    <message>
         <source>No Photos</source>
         <translation>Keine Fotos</translation>
     </message>
@@ -420,6 +416,18 @@
     <message>
         <source>&amp;About Snaplift</source>
         <translation>Ü&amp;ber Snaplift</translation>
+    </message>
+    <message>
+        <source>Backups and Their Photos</source>
+        <translation>Sicherungen und ihre Fotos</translation>
+    </message>
+    <message>
+        <source>Smaller Pictures</source>
+        <translation>Kleinere Bilder</translation>
+    </message>
+    <message>
+        <source>Larger Pictures</source>
+        <translation>Größere Bilder</translation>
     </message>
 </context>
 <context>
@@ -886,6 +894,18 @@
     <message>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
+    </message>
+    <message>
+        <source>“%1” does not answer. Its disk may be busy, asleep or gone; photos come as soon as it answers.</source>
+        <translation>„%1“ antwortet nicht. Das Laufwerk ist vielleicht beschäftigt, im Ruhezustand oder nicht mehr da; die Fotos kommen, sobald es antwortet.</translation>
+    </message>
+    <message>
+        <source>Exporting</source>
+        <translation>Export läuft</translation>
+    </message>
+    <message>
+        <source>Still waiting for an answer from %1</source>
+        <translation>Immer noch keine Antwort von %1</translation>
     </message>
 </context>
 </TS>

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "backups/BackupSearch.h"
+#include "foundation/Sentence.h"
 
 namespace snaplift {
 
