@@ -5,7 +5,7 @@ import os
 os.environ.update(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_ACCESSIBILITY="1", NO_AT_BRIDGE="0")
 
 import pyatspi  # noqa: E402  (reads the environment when it is loaded)
-from gi.repository import GLib  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
 
 from desktop import wait_for  # noqa: E402
 
@@ -31,8 +31,11 @@ def objects(top):
 
 
 def application(process):
-    """What the bus knows of a process, if anything."""
-    return next((one for one in safe(lambda: list(pyatspi.Registry.getDesktop(0)), [])
+    """What the bus knows of a process, if anything. It is asked anew each time: what it kept would
+    follow from its events, some of which a busy machine brings late or never."""
+    desktop = pyatspi.Registry.getDesktop(0)
+    desktop.set_cache_mask(Atspi.Cache.NONE)
+    return next((one for one in safe(lambda: list(desktop), [])
                  if one and safe(one.get_process_id) == process), None)
 
 
