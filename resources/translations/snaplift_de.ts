@@ -667,6 +667,21 @@
         <source>%1 × %2 pixels</source>
         <translation>%1 × %2 Pixel</translation>
     </message>
+    <message>
+        <source>Live Photo</source>
+        <translation>Live-Foto</translation>
+    </message>
+    <message>
+        <source>1 Photo</source>
+        <translation>1 Foto</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln Photos</source>
+        <translation>
+            <numerusform>%Ln Foto</numerusform>
+            <numerusform>%Ln Fotos</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>snaplift::NoticeBar</name>

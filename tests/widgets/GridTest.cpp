@@ -1,4 +1,5 @@
 #include <QStringList>
+#include <numeric>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -28,10 +29,11 @@ TEST(IndexSet, agreesWithASetOfNumbers) {
     check();
   }
   set.insertRange(70, 69);
-  set.remove(64);
-  set.remove(100);
-  model.erase(64);
-  check();
+  for (const auto& [first, last] : {std::pair{60, 140}, {100, 101}, {-3, 1}, {199, 900}}) {
+    set.removeRange(first, last);
+    model.erase(model.lower_bound(first), model.upper_bound(last));
+    check();
+  }
   set.invert();
   EXPECT_EQ(set.count(), 200 - static_cast<int>(model.size()));
   set.invert();
@@ -42,41 +44,75 @@ TEST(IndexSet, agreesWithASetOfNumbers) {
   check();
 }
 
+// The photos of each group; a single number: so many without groups.
+GridLayout layoutOf(const Indexes& counts, const GridMeasures& measures) {
+  return counts.size() == 1 ? GridLayout(counts[0], measures) : GridLayout(counts, measures);
+}
+
 TEST(GridLayout, everyPointAndRowAgreesWithTheCells) {
   for (const int width : {1, 80, 97, 640, 1001}) {
-    for (const int count : {0, 1, 7, 50}) {
-      const GridLayout layout(count, width, {60, 75});
-      for (int i = 1; i < count; ++i) {
-        EXPECT_FALSE(layout.cellRect(i).intersects(layout.cellRect(i - 1)));
-      }
-      for (int y = -20; y < layout.contentHeight() + 40; y += 7) {
-        for (int x = -20; x < width + 20; x += 5) {
-          int expected = -1;
-          for (int i = 0; i < count; ++i) {
-            expected = layout.cellRect(i).contains(x, y) ? i : expected;
-          }
-          ASSERT_EQ(layout.indexAt({x, y}), expected) << width << ": " << x << ", " << y;
-        }
-        IndexRange seen;
-        for (int i = 0; i < count; ++i) {
+    for (const Indexes& counts : {Indexes{0}, {1}, {7}, {50}, {1, 9, 2, 12}}) {
+      for (const bool isMirrored : {false, true}) {
+        const GridLayout layout = layoutOf(counts, {width, {60, 75}, 20, isMirrored});
+        const int count = std::accumulate(counts.begin(), counts.end(), 0);
+        ASSERT_EQ(layout.itemCount(), count);
+        for (int i = 1; i < count; ++i) {
+          const QRect before = layout.cellRect(i - 1);
           const QRect cell = layout.cellRect(i);
-          if (cell.top() <= y + 30 && cell.bottom() >= y) {
-            seen = {seen.empty() ? i : seen.first, i};
-          }
+          EXPECT_TRUE(cell.top() > before.bottom() || (cell.left() > before.right()) != isMirrored);
+          EXPECT_EQ(layout.rowOf(i), layout.rowOf(i - 1) + (cell.top() > before.bottom() ? 1 : 0));
+          EXPECT_TRUE(layout.itemsOfRow(layout.rowOf(i)).contains(i));
         }
-        const IndexRange rows = layout.rowsBetween(y, y + 30);
-        EXPECT_EQ(rows.empty(), seen.empty()) << y;
-        EXPECT_TRUE(seen.empty() || rows == seen) << y;
+        for (int y = -20; y < layout.contentHeight() + 40; y += 7) {
+          for (int x = -20; x < width + 20; x += 5) {
+            int expected = -1;
+            for (int i = 0; i < count; ++i) {
+              expected = layout.cellRect(i).contains(x, y) ? i : expected;
+            }
+            ASSERT_EQ(layout.indexAt({x, y}), expected) << width << ": " << x << ", " << y;
+          }
+          IndexRange seen;
+          for (int i = 0; i < count; ++i) {
+            const QRect cell = layout.cellRect(i);
+            if (cell.top() <= y + 30 && cell.bottom() >= y) {
+              seen = {seen.empty() ? i : seen.first, i};
+            }
+          }
+          const IndexRange rows = layout.rowsBetween(y, y + 30);
+          EXPECT_EQ(rows.empty(), seen.empty()) << y;
+          EXPECT_TRUE(seen.empty() || rows == seen) << y;
+        }
       }
     }
   }
 }
 
+TEST(GridLayout, aHeaderStandsAboveItsGroupOrAtTheTop) {
+  const GridLayout layout(Indexes{5, 1, 40}, {200, {60, 75}, 20});
+  for (int group = 0; group < 3; ++group) {
+    const IndexRange items = layout.itemsOfGroup(group);
+    const QRect header = layout.headerRect(group, 0);
+    EXPECT_GE(header.top(), group == 0 ? 0 : layout.cellRect(items.first - 1).bottom() + 1);
+    EXPECT_LT(header.bottom(), layout.cellRect(items.first).top());
+    EXPECT_EQ(layout.groupOf(items.first), group);
+    EXPECT_EQ(layout.groupOf(items.last), group);
+    EXPECT_EQ(layout.groupAt(header.top()), group);
+    EXPECT_EQ(layout.groupAt(layout.cellRect(items.last).bottom()), group);
+    // It waits above its group, goes along with the view, and leaves with its last row.
+    const int end = layout.cellRect(items.last).bottom();
+    EXPECT_EQ(layout.headerRect(group, header.top() + 9).top(), header.top() + 9);
+    EXPECT_LE(layout.headerRect(group, end).bottom(), end + 14);
+  }
+}
+
 TEST(GridLayout, staysWithinTheNumbersOfAScrollBar) {
-  const GridLayout layout(GridLayout::maxItems * 2, 10, {5000, 5000});
-  EXPECT_EQ(layout.itemCount(), GridLayout::maxItems);
-  EXPECT_GT(layout.contentHeight(), 0);
-  EXPECT_GT(layout.cellRect(layout.itemCount() - 1).bottom(), 0);
+  constexpr int many = GridLayout::maxItems * 2;
+  for (const Indexes& counts : {Indexes{many}, Indexes(many, 1)}) {
+    const GridLayout layout = layoutOf(counts, {10, {5000, 5000}, 5000});
+    EXPECT_EQ(layout.itemCount(), GridLayout::maxItems);
+    EXPECT_GT(layout.contentHeight(), 0);
+    EXPECT_GT(layout.cellRect(layout.itemCount() - 1).bottom(), 0);
+  }
 }
 
 TEST(ThumbnailOrder, isVisibleThenAheadThenBehindThenNothing) {

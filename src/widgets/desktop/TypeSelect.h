@@ -13,10 +13,10 @@ public:
   // Adds the typed text and returns all that counts now.
   const QString& add(const QString& text);
   void end() { m_sinceLastKey.invalidate(); }
-
-private:
+  // Whether what is typed now goes on with a text.
   bool isTyping() const;
 
+private:
   QString m_typed;
   QElapsedTimer m_sinceLastKey;
 };

@@ -8,7 +8,6 @@
 namespace snaplift {
 namespace {
 
-constexpr int captionGap = 8;  // the focus is drawn in it
 constexpr double cornerRadius = 4;
 constexpr int selectionWidth = 3;
 constexpr double heightOfFrame = 0.8;  // of its width
@@ -32,9 +31,14 @@ QString fittingTitle(const QString& title, const QFontMetrics& font, int width) 
   return font.elidedText(dot > 0 ? title.left(dot) : title, Qt::ElideMiddle, width);
 }
 
+// How large the sign of a badge is on a photo.
+double markSide(const QRect& rect) {
+  return std::clamp(rect.height() * 0.13, 9.0, 16.0);
+}
+
 }  // namespace
 
-GridCellMetrics GridCellMetrics::forZoom(float zoom, const QFont& font) {
+GridCellMetrics GridCellMetrics::forZoom(float zoom, const QFont& font, bool showsSubtitles) {
   constexpr double smallest = 32;
   constexpr double perZoom = 384;
   constexpr double largest = 960;
@@ -45,7 +49,13 @@ GridCellMetrics GridCellMetrics::forZoom(float zoom, const QFont& font) {
   if (font.pointSizeF() > 0) {
     metrics.captionFont.setPointSizeF(std::max(font.pointSizeF() * 0.9, 7.0));
   }
-  metrics.captionHeight = std::min(QFontMetrics(metrics.captionFont).height() + 2 + captionGap, 80);
+  constexpr int highestLine = 72;
+  constexpr int digitsOfDate = 14;  // a date of a few letters, or with the time
+  const QFontMetrics line(metrics.captionFont);
+  metrics.nameHeight = std::min(line.height() + 2, highestLine);
+  if (showsSubtitles && metrics.picture.width() >= digitsOfDate * line.horizontalAdvance(u'0')) {
+    metrics.subtitleHeight = std::min(line.height(), highestLine);
+  }
   return metrics;
 }
 
@@ -83,6 +93,8 @@ void GridCellPainter::draw(const Cell& cell) {
   }
   if (thumbnail != nullptr && thumbnail->isFilm) {
     drawFilmMark(rect, *thumbnail);
+  } else if (cell.isLivePhoto) {
+    drawLiveMark(rect);
   }
   if (cell.isSelected) {
     const double out = 1 + selectionWidth / 2.0;
@@ -185,33 +197,56 @@ void GridCellPainter::drawFilm(const QRect& rect) {
   }
 }
 
-// A badge in the corner that says: this one moves, and how long where that is known.
-void GridCellPainter::drawFilmMark(const QRect& rect, const Thumbnail& film) {
-  const double side = std::clamp(rect.height() * 0.13, 9.0, 16.0);
-  const QFontMetrics font(m_metrics.captionFont);
-  const QString length = film.filmLength ? filmLengthText(*film.filmLength) : QString();
-  const double height = std::max(side + 4, length.isEmpty() ? 0.0 : double(font.height()));
-  const double textWidth = length.isEmpty() ? 0 : font.horizontalAdvance(length) + 4;
-  QRectF pill(rect.left() + 4, rect.bottom() - height - 3, side + 8 + textWidth, height);
-  if (pill.width() > rect.width() - 8) {
-    pill.setWidth(side + 8);
-  }
+// The ground of a badge in the lower left corner, no wider than the photo.
+QRectF GridCellPainter::drawPill(const QRect& rect, double width, double height) {
+  const QRectF pill(rect.left() + 4, rect.bottom() - height - 3, width, height);
   m_painter.setPen(Qt::NoPen);
   m_painter.setBrush(QColor(0, 0, 0, 150));
   m_painter.drawRoundedRect(pill, cornerRadius, cornerRadius);
-  const QPointF tip(pill.left() + 5, pill.center().y());
-  const QPointF triangle[] = {tip + QPointF(0, -side * 0.4), tip + QPointF(side * 0.7, 0),
-                              tip + QPointF(0, side * 0.4)};
-  m_painter.setBrush(Qt::white);
-  m_painter.drawPolygon(triangle, 3);
-  if (pill.width() > side + 8) {
+  return pill;
+}
+
+// A badge that says: this one moves, and how long where that is known and has room.
+void GridCellPainter::drawFilmMark(const QRect& rect, const Thumbnail& film) {
+  const double side = markSide(rect);
+  const QFontMetrics font(m_metrics.captionFont);
+  QString length = film.filmLength ? filmLengthText(*film.filmLength) : QString();
+  const double textWidth = length.isEmpty() ? 0 : font.horizontalAdvance(length) + 4;
+  const double height = std::max(side + 4, length.isEmpty() ? 0.0 : double(font.height()));
+  if (side + 8 + textWidth > rect.width() - 8) {
+    length.clear();
+  }
+  const QRectF pill = drawPill(rect, side + 8 + (length.isEmpty() ? 0 : textWidth), height);
+  drawPlaySign({pill.left() + 5 + side * 0.35, pill.center().y()}, side * 0.7);
+  if (!length.isEmpty()) {
     m_painter.setPen(Qt::white);
     m_painter.drawText(pill.adjusted(side + 3, 0, -3, 0), Qt::AlignCenter, length);
   }
 }
 
+// A badge that says: a photo, and a moment of film around it.
+void GridCellPainter::drawLiveMark(const QRect& rect) {
+  const double side = markSide(rect) + 2;
+  const QPointF centre = drawPill(rect, side + 4, side + 4).center();
+  drawPlaySign(centre + QPointF(side * 0.04, 0), side * 0.4);
+  m_painter.setPen(QPen(Qt::white, std::max(side / 10, 1.2)));
+  m_painter.setBrush(Qt::NoBrush);
+  m_painter.drawEllipse(centre, side * 0.42, side * 0.42);
+}
+
+void GridCellPainter::drawPlaySign(QPointF centre, double width) {
+  const QPointF triangle[] = {centre + QPointF(-width / 2, -width * 0.57),
+                              centre + QPointF(width / 2, 0),
+                              centre + QPointF(-width / 2, width * 0.57)};
+  m_painter.setPen(Qt::NoPen);
+  m_painter.setBrush(Qt::white);
+  m_painter.drawPolygon(triangle, 3);
+}
+
 void GridCellPainter::drawCaption(const Cell& cell) {
-  const QRect line = cell.rect.adjusted(0, m_metrics.picture.height() + captionGap, 0, 0);
+  const QRect line(cell.rect.left(),
+                   cell.rect.top() + m_metrics.picture.height() + GridCellMetrics::captionGap,
+                   cell.rect.width(), m_metrics.nameHeight);
   const QFontMetrics font(m_metrics.captionFont);
   constexpr int padding = 5;
   const QString text = fittingTitle(cell.title, font, line.width());
@@ -225,6 +260,12 @@ void GridCellPainter::drawCaption(const Cell& cell) {
   }
   m_painter.setPen(cell.isSelected ? m_selection.text : ink(0.85));
   m_painter.drawText(line, Qt::AlignCenter | Qt::TextDontClip, text);
+  if (!cell.subtitle.isEmpty()) {
+    const QRect below(line.left(), line.bottom() + 1, line.width(), m_metrics.subtitleHeight);
+    m_painter.setPen(ink(0.65));
+    m_painter.drawText(below, Qt::AlignCenter | Qt::TextDontClip,
+                       font.elidedText(cell.subtitle, Qt::ElideRight, below.width()));
+  }
 }
 
 void GridCellPainter::drawBand(const QRect& band) {

@@ -21,30 +21,44 @@ void GridSelection::selectAll() {
   m_selected.insertRange(0, m_selected.size() - 1);
 }
 
-void GridSelection::selectOnly(int index) {
+void GridSelection::selectOnly(IndexRange items) {
   m_selected.clear();
-  m_selected.insert(index);
-  m_focus = m_anchor = index;
+  m_selected.insertRange(items.first, items.last);
+  m_focus = m_anchor = items.first;
 }
 
-void GridSelection::toggle(int index) {
-  m_selected.toggle(index);
-  m_focus = m_anchor = index;
+void GridSelection::toggle(IndexRange items) {
+  const int before = m_selected.count();
+  m_selected.insertRange(items.first, items.last);
+  if (m_selected.count() == before) {
+    m_selected.removeRange(items.first, items.last);
+  }
+  m_focus = m_anchor = items.first;
 }
 
-void GridSelection::extendTo(int index, bool keep) {
+void GridSelection::extendThrough(IndexRange items, bool keep) {
   if (m_anchor < 0) {
-    m_anchor = m_focus >= 0 ? m_focus : index;
+    m_anchor = m_focus >= 0 ? m_focus : items.first;
   }
   if (!keep) {
     m_selected.clear();
   }
-  m_selected.insertRange(std::min(m_anchor, index), std::max(m_anchor, index));
-  m_focus = index;
+  m_selected.insertRange(std::min(m_anchor, items.first), std::max(m_anchor, items.last));
+  m_focus = items.last > m_anchor ? items.last : items.first;
 }
 
 void GridSelection::moveFocus(int index) {
   m_focus = index;
+}
+
+void GridSelection::rearrange(int itemCount, const std::function<int(int oldIndex)>& newIndexOf) {
+  IndexSet selected(itemCount);
+  for (const int index : m_selected.indexes()) {
+    selected.insert(newIndexOf(index));
+  }
+  m_selected = std::move(selected);
+  m_focus = m_focus < 0 ? -1 : newIndexOf(m_focus);
+  m_anchor = m_anchor < 0 ? -1 : newIndexOf(m_anchor);
 }
 
 void GridSelection::beginBand(bool keep) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <functional>
 
 #include "widgets/photogrid/GridLayout.h"
 #include "widgets/photogrid/IndexSet.h"
@@ -24,13 +25,22 @@ public:
   void invert() { m_selected.invert(); }
   void clear() { m_selected.clear(); }
 
-  // Selects `index` alone.
-  void selectOnly(int index);
-  void toggle(int index);
-  // Selects from the anchor to `index`; what else was selected stays where `keep` is set.
-  void extendTo(int index, bool keep);
+  // Selects `items` and nothing else; the first of them has the focus.
+  void selectOnly(IndexRange items);
+  void selectOnly(int index) { selectOnly(IndexRange{index, index}); }
+  // Selects those of `items` that are not; where all are, none of them any more.
+  void toggle(IndexRange items);
+  void toggle(int index) { toggle(IndexRange{index, index}); }
+  // Selects from the anchor through `items`; what else was selected stays where `keep` is set. The
+  // focus goes to the end that is away from the anchor.
+  void extendThrough(IndexRange items, bool keep);
+  void extendTo(int index, bool keep) { extendThrough(IndexRange{index, index}, keep); }
   // Moves the focus and leaves the selection.
   void moveFocus(int index);
+
+  // The same selection of photos that stand elsewhere now: `newIndexOf` each, below `itemCount`, or
+  // -1 for one that is not there any more. There is no band meanwhile.
+  void rearrange(int itemCount, const std::function<int(int oldIndex)>& newIndexOf);
 
   // `keep`: what is selected now stays selected.
   void beginBand(bool keep);

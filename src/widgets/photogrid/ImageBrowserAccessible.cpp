@@ -8,12 +8,13 @@
 namespace snaplift {
 namespace {
 
-class AccessiblePhoto final : public QAccessibleInterface {
+// A part of the view that is no widget: one of several of its kind.
+class AccessiblePart : public QAccessibleInterface {
 public:
-  AccessiblePhoto(ImageBrowserView* view, int index) : m_view(view), m_index(index) {}
+  AccessiblePart(ImageBrowserView* view, int number) : m_view(view), m_number(number) {}
 
-  int index() const { return m_index; }
-  bool isValid() const override { return m_view && m_index < m_view->itemCount(); }
+  // Among the view's children.
+  virtual int index() const = 0;
   QObject* object() const override { return nullptr; }
   QAccessibleInterface* parent() const override {
     return QAccessible::queryAccessibleInterface(m_view);
@@ -22,26 +23,39 @@ public:
   QAccessibleInterface* childAt(int, int) const override { return nullptr; }
   int childCount() const override { return 0; }
   int indexOfChild(const QAccessibleInterface*) const override { return -1; }
-  QAccessible::Role role() const override { return QAccessible::ListItem; }
   void setText(QAccessible::Text, const QString&) override {}
+  QRect rect() const override {
+    const QRect frame = isValid() ? this->frame() : QRect();
+    return {m_view ? m_view->viewport()->mapToGlobal(frame.topLeft()) : QPoint(), frame.size()};
+  }
+
+protected:
+  // In coordinates of the viewport, of a valid part.
+  virtual QRect frame() const = 0;
+  ImageBrowserView* view() const { return m_view; }
+  int number() const { return m_number; }
+  bool isInSight() const { return m_view->viewport()->rect().intersects(frame()); }
+
+private:
+  QPointer<ImageBrowserView> m_view;
+  int m_number;
+};
+
+class AccessiblePhoto final : public AccessiblePart {
+public:
+  using AccessiblePart::AccessiblePart;
+
+  int index() const override { return number(); }
+  bool isValid() const override { return view() != nullptr && index() < view()->itemCount(); }
+  QAccessible::Role role() const override { return QAccessible::ListItem; }
 
   QString text(QAccessible::Text kind) const override {
     if (!isValid()) {
       return {};
     }
-    const Thumbnail* known =
-        kind == QAccessible::Description ? m_view->thumbnailAtIndex(m_index) : nullptr;
-    return kind == QAccessible::Name ? m_view->titleAtIndex(m_index)
-           : known == nullptr        ? QString()
-           : known->isFilm           ? ImageBrowserView::tr("Film")
-                                     : troubleOf(*known).sentence;
-  }
-  QRect rect() const override {
-    if (!isValid()) {
-      return {};
-    }
-    const QRect frame = m_view->itemFrameAtIndex(m_index);
-    return {m_view->viewport()->mapToGlobal(frame.topLeft()), frame.size()};
+    return kind == QAccessible::Name          ? view()->titleAtIndex(index())
+           : kind == QAccessible::Description ? description()
+                                              : QString();
   }
   QAccessible::State state() const override {
     QAccessible::State state;
@@ -50,15 +64,64 @@ public:
       return state;
     }
     state.selectable = state.multiSelectable = state.extSelectable = state.focusable = true;
-    state.selected = m_view->selectionIndexes().contains(m_index);
-    state.focused = m_view->hasFocus() && m_view->focusedIndex() == m_index;
-    state.offscreen = !m_view->viewport()->rect().intersects(m_view->itemFrameAtIndex(m_index));
+    state.selected = view()->selectionIndexes().contains(index());
+    state.focused = view()->hasFocus() && view()->focusedIndex() == index();
+    state.offscreen = !isInSight();
     return state;
   }
 
 private:
-  QPointer<ImageBrowserView> m_view;
-  int m_index;
+  QRect frame() const override { return view()->itemFrameAtIndex(index()); }
+  QString description() const {
+    QStringList parts;
+    if (const Thumbnail* known = view()->thumbnailAtIndex(index())) {
+      parts << (known->isFilm ? ImageBrowserView::tr("Film") : troubleOf(*known).sentence);
+    }
+    if (view()->itemAtIndex(index())->isLivePhoto()) {
+      parts << ImageBrowserView::tr("Live Photo");
+    }
+    if (view()->groupCount() > 0) {
+      parts << view()->titleOfGroup(view()->groupOfItemAtIndex(index()));
+    }
+    parts.removeAll(QString());
+    return parts.join(", ");
+  }
+};
+
+class AccessibleHeader final : public AccessiblePart, public QAccessibleActionInterface {
+public:
+  using AccessiblePart::AccessiblePart;
+
+  int index() const override { return view()->itemCount() + number(); }
+  bool isValid() const override { return view() != nullptr && number() < view()->groupCount(); }
+  QAccessible::Role role() const override { return QAccessible::Heading; }
+  QString text(QAccessible::Text kind) const override {
+    return isValid() && kind == QAccessible::Name
+               ? view()->titleOfGroup(number()) + ", " + view()->countTextOfGroup(number())
+               : QString();
+  }
+  QAccessible::State state() const override {
+    QAccessible::State state;
+    state.invalid = !isValid();
+    state.offscreen = isValid() && !isInSight();
+    return state;
+  }
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
+                                                : nullptr;
+  }
+
+  QStringList actionNames() const override { return {pressAction()}; }
+  void doAction(const QString& action) override {
+    if (isValid() && action == pressAction()) {
+      view()->selectGroup(number());
+      view()->scrollToIndex(view()->focusedIndex());
+    }
+  }
+  QStringList keyBindingsForAction(const QString&) const override { return {}; }
+
+private:
+  QRect frame() const override { return view()->headerFrameOfGroup(number()); }
 };
 
 QAccessibleInterface* makeAccessible(const QString& className, QObject* object) {
@@ -99,8 +162,10 @@ ImageBrowserAccessible::ImageBrowserAccessible(ImageBrowserView* view)
     : QAccessibleWidget(view, QAccessible::List) {}
 
 ImageBrowserAccessible::~ImageBrowserAccessible() {
-  for (const auto& [index, id] : m_children) {
-    QAccessible::deleteAccessibleInterface(id);
+  for (const auto& parts : {m_photos, m_headers}) {
+    for (const auto& [number, id] : parts) {
+      QAccessible::deleteAccessibleInterface(id);
+    }
   }
 }
 
@@ -115,32 +180,43 @@ QAccessibleInterface* ImageBrowserAccessible::preview() const {
                                                     : nullptr;
 }
 
+int ImageBrowserAccessible::indexOfPreview() const {
+  return view()->itemCount() + view()->groupCount();
+}
+
 int ImageBrowserAccessible::childCount() const {
-  return view()->itemCount() + (preview() != nullptr ? 1 : 0);
+  return indexOfPreview() + (preview() != nullptr ? 1 : 0);
 }
 
 QAccessibleInterface* ImageBrowserAccessible::child(int index) const {
-  if (index < 0 || index >= view()->itemCount()) {
-    return index == view()->itemCount() ? preview() : nullptr;
+  if (index < 0 || index >= indexOfPreview()) {
+    return index == indexOfPreview() ? preview() : nullptr;
   }
-  auto [place, isNew] = m_children.try_emplace(index, 0);
+  const int group = index - view()->itemCount();
+  auto [place, isNew] =
+      group < 0 ? m_photos.try_emplace(index, 0) : m_headers.try_emplace(group, 0);
   if (isNew) {
-    place->second = QAccessible::registerAccessibleInterface(new AccessiblePhoto(view(), index));
+    place->second = QAccessible::registerAccessibleInterface(
+        group < 0 ? static_cast<AccessiblePart*>(new AccessiblePhoto(view(), index))
+                  : new AccessibleHeader(view(), group));
   }
   return QAccessible::accessibleInterface(place->second);
 }
 
 int ImageBrowserAccessible::indexOfChild(const QAccessibleInterface* child) const {
-  const auto* photo = dynamic_cast<const AccessiblePhoto*>(child);
-  if (photo != nullptr) {
-    return photo->index();
+  const auto* part = dynamic_cast<const AccessiblePart*>(child);
+  if (part != nullptr) {
+    return part->index();
   }
-  return child != nullptr && child == preview() ? view()->itemCount() : -1;
+  return child != nullptr && child == preview() ? indexOfPreview() : -1;
 }
 
 QAccessibleInterface* ImageBrowserAccessible::childAt(int x, int y) const {
-  const std::optional<int> index =
-      view()->indexOfItemAtPoint(view()->viewport()->mapFromGlobal(QPoint(x, y)));
+  const QPoint point = view()->viewport()->mapFromGlobal(QPoint(x, y));
+  if (const std::optional<int> group = view()->groupWithHeaderAtPoint(point)) {
+    return child(view()->itemCount() + *group);
+  }
+  const std::optional<int> index = view()->indexOfItemAtPoint(point);
   return index ? child(*index) : nullptr;
 }
 

@@ -11,6 +11,7 @@
 
 #include "widgets/desktop/PlainText.h"
 #include "widgets/desktop/SelectionColors.h"
+#include "widgets/photogrid/GridHeader.h"
 #include "widgets/photogrid/ImageBrowserAccessible.h"
 #include "widgets/photogrid/PhotoPreview.h"
 #include "widgets/thumbnails/ThumbnailProvider.h"
@@ -32,8 +33,6 @@ ImageBrowserView::ImageBrowserView(QWidget* parent)
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setFocusPolicy(Qt::StrongFocus);
   setFrameShape(NoFrame);
-  m_metrics = GridCellMetrics::forZoom(m_zoomValue, font());
-
   m_lookTimer.setSingleShot(true);
   connect(&m_lookTimer, &QTimer::timeout, this, &ImageBrowserView::lookAtVisible);
   constexpr int bandFrame = 20;  // milliseconds
@@ -52,65 +51,10 @@ ImageBrowserView::~ImageBrowserView() {
   delete m_preview;
 }
 
-// Content
-
-void ImageBrowserView::setDataSource(const ImageBrowserViewDataSource* dataSource) {
-  m_dataSource = dataSource;
-  reloadData();
-}
-
-void ImageBrowserView::reloadData() {
-  setPreviewOpen(false);
-  endBand();
-  const int count = std::min(m_dataSource ? m_dataSource->numberOfItemsInImageBrowser(*this) : 0,
-                             GridLayout::maxItems);
-  const bool hadSelection = !selectionIndexes().empty();
-  m_pressedIndex = -1;
-  m_onRelease = OnRelease::Nothing;
-  m_selection = GridSelection(count);
-  m_layout = GridLayout(count, viewport()->width(), m_metrics.cellSize());
-  if (m_dataSource) {
-    m_thumbnails->setItems([this](int index) { return itemAtIndex(index); }, count);
-  } else {
-    m_thumbnails->setItems({}, 0);
-  }
-  m_scrollsBackwards = false;
-  verticalScrollBar()->setValue(0);
-  m_anchor.reset();
-  relayout();
-  if (hadSelection) {
-    emit selectionIndexesChanged();
-  }
-}
-
-ImageBrowserItemPointer ImageBrowserView::itemAtIndex(int index) const {
-  return m_dataSource->imageBrowserItemAtIndex(*this, index);
-}
-
-QString ImageBrowserView::titleAtIndex(int index) const {
-  return plainText::shortened(m_dataSource->imageBrowserTitleAtIndex(*this, index));
-}
-
-const Thumbnail* ImageBrowserView::thumbnailAtIndex(int index) const {
-  return m_thumbnails->find(itemAtIndex(index)->imageUID());
-}
-
-void ImageBrowserView::prepareThumbnails() {
-  m_thumbnails->prepare();
-}
-
-void ImageBrowserView::setThumbnailsSuspended(bool suspended) {
-  m_thumbnails->setSuspended(suspended);
-}
-
-bool ImageBrowserView::isLoadingThumbnails() const {
-  return m_lookTimer.isActive() || !m_thumbnails->isIdle();
-}
-
 // Layout
 
 std::optional<int> ImageBrowserView::indexOfItemAtPoint(QPoint point) const {
-  const int index = m_layout.indexAt(contentPoint(point));
+  const int index = groupWithHeaderAtPoint(point) ? -1 : m_layout.indexAt(contentPoint(point));
   return index >= 0 ? std::optional(index) : std::nullopt;
 }
 
@@ -131,9 +75,14 @@ IndexRange ImageBrowserView::visibleRange() const {
   return m_layout.rowsBetween(top, top + viewport()->height() - 1);
 }
 
+GridMeasures ImageBrowserView::measures() const {
+  return {viewport()->width(), m_metrics.cellSize(), gridHeaderHeight(font()), isRightToLeft()};
+}
+
 void ImageBrowserView::relayout() {
   const Anchor anchor = m_anchor.value_or(anchorOfFirstVisible());
-  m_layout = GridLayout(m_layout.itemCount(), viewport()->width(), m_metrics.cellSize());
+  m_metrics = GridCellMetrics::forZoom(m_zoomValue, font(), m_showsSubtitles);
+  m_layout.arrange(measures());
   m_isAdjusting = true;
   updateScrollBar();
   if (m_layout.itemCount() > 0) {
@@ -150,7 +99,7 @@ void ImageBrowserView::relayout() {
 void ImageBrowserView::updateScrollBar() {
   const int height = viewport()->height();
   verticalScrollBar()->setRange(0, std::max(m_layout.contentHeight() - height, 0));
-  verticalScrollBar()->setPageStep(height);
+  verticalScrollBar()->setPageStep(std::max(height - m_layout.headerHeight(), 1));
   verticalScrollBar()->setSingleStep(std::max(m_layout.rowHeight() / 3, 20));
 }
 
@@ -163,11 +112,12 @@ void ImageBrowserView::scrollContentsBy(int, int dy) {
     m_anchor.reset();
     m_scrollsBackwards = dy > 0;
   }
-  // A band is painted over everything and moves against the photos.
+  // A band is painted over everything and moves against the photos; so does the header at the top.
   if (m_band) {
     viewport()->update();
   } else {
     viewport()->scroll(0, dy);
+    viewport()->update(0, 0, viewport()->width(), m_layout.headerHeight() + std::max(dy, 0));
   }
   m_lookTimer.start(0);
 }
@@ -195,14 +145,34 @@ void ImageBrowserView::paintEvent(QPaintEvent* event) {
       const QRect frame = itemFrameAtIndex(index);
       if (event->region().intersects(decorated(frame))) {
         const ImageBrowserItemPointer item = itemAtIndex(index);
-        cells.draw({frame, plainText::shortened(item->imageTitle()),
-                    m_thumbnails->find(item->imageUID()), selectionIndexes().contains(index),
-                    showsFocus && index == focusedIndex()});
+        cells.draw(
+            {frame, plainText::shortened(item->imageTitle()),
+             m_metrics.subtitleHeight > 0 ? plainText::shortened(item->imageSubtitle()) : QString(),
+             m_thumbnails->find(item->imageUID()), selectionIndexes().contains(index),
+             showsFocus && index == focusedIndex(), item->isLivePhoto()});
       }
     }
   });
+  paintHeaders(painter, event->region());
   if (m_band) {
     cells.drawBand(viewportRect(m_band->rect()));
+  }
+}
+
+void ImageBrowserView::paintHeaders(QPainter& painter, const QRegion& region) {
+  if (groupCount() == 0) {
+    return;
+  }
+  const int top = scrolled();
+  const int last = m_layout.groupAt(top + viewport()->height());
+  for (int group = m_layout.groupAt(top); group <= last; ++group) {
+    const QRect frame = headerFrameOfGroup(group);
+    if (region.intersects(frame)) {
+      drawGridHeader(painter,
+                     {frame, m_layout.sideMargin(), titleOfGroup(group), countTextOfGroup(group),
+                      m_layout.headerRect(group, 0).top() < frame.top() + top, isRightToLeft()},
+                     font(), palette());
+    }
   }
 }
 
@@ -229,8 +199,15 @@ void ImageBrowserView::changeEvent(QEvent* event) {
   QAbstractScrollArea::changeEvent(event);
   if (event->type() == QEvent::ActivationChange) {
     viewport()->update();
-  } else if (event->type() == QEvent::FontChange) {
-    m_metrics = GridCellMetrics::forZoom(m_zoomValue, font());
+  } else if (event->type() == QEvent::FontChange ||
+             event->type() == QEvent::LayoutDirectionChange) {
+    relayout();
+  }
+}
+
+void ImageBrowserView::setShowsSubtitles(bool shows) {
+  if (shows != m_showsSubtitles) {
+    m_showsSubtitles = shows;
     relayout();
   }
 }

@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include "widgets/desktop/TypeSelect.h"
 #include "widgets/photogrid/GridCellPainter.h"
@@ -13,6 +14,7 @@
 #include "widgets/photogrid/ImageBrowserViewDelegate.h"
 
 class QNativeGestureEvent;
+class QPainter;
 
 namespace snaplift {
 
@@ -21,10 +23,11 @@ class PromisedFilesSource;
 class ThumbnailProvider;
 
 // A grid of photos that can be selected, zoomed and looked at, for any items that answer identity,
-// title and bytes. It keeps nothing for a photo but a bit of the selection: positions are computed
-// (GridLayout), captions and items are asked for as they come into sight, and thumbnails are made
-// on workers (ThumbnailProvider). Selection and focus have one owner, GridSelection. So the view
-// stands on a scroll area: an item view would keep both a second time.
+// title and bytes, in groups where the data source has them. It keeps nothing for a photo but a bit
+// of the selection: positions are computed (GridLayout), captions and items are asked for as they
+// come into sight, and thumbnails are made on workers (ThumbnailProvider). Selection and focus have
+// one owner, GridSelection. So the view stands on a scroll area: an item view would keep both a
+// second time.
 //
 // Data source and delegate are not owned and outlive the view or are taken back with null.
 class ImageBrowserView : public QAbstractScrollArea {
@@ -45,6 +48,11 @@ public:
   // Shows what the data source now has. Selection and focus are empty afterwards and the view is
   // scrolled to its top.
   void reloadData();
+  // The same where the photos are those from before in another order or other groups, or only some
+  // of them, or more: selection, focus, the photo at the top of the view and an open preview stay.
+  // `newIndexOf` each old index, or -1 for a photo that is not shown any more; for that of the top,
+  // the nearest that is still shown. Called for what is selected and near the top, here only.
+  void rearrangeData(const std::function<int(int oldIndex)>& newIndexOf);
 
   int itemCount() const { return m_layout.itemCount(); }
   ImageBrowserItemPointer itemAtIndex(int index) const;
@@ -56,6 +64,26 @@ public:
   std::optional<int> indexOfItemAtPoint(QPoint point) const;
   // The cell of a photo in coordinates of the viewport, seen or not.
   QRect itemFrameAtIndex(int index) const;
+
+  // 0 without groups. Below, `group` is less than it.
+  int groupCount() const { return m_layout.groupCount(); }
+  IndexRange itemsOfGroup(int group) const { return m_layout.itemsOfGroup(group); }
+  // There is at least one group.
+  int groupOfItemAtIndex(int index) const { return m_layout.groupOf(index); }
+  QString titleOfGroup(int group) const;
+  // "12 Photos", in the user's language.
+  QString countTextOfGroup(int group) const;
+  // The header in coordinates of the viewport, seen or not: that of the group at the top stays
+  // there until the next one pushes it out.
+  QRect headerFrameOfGroup(int group) const;
+  std::optional<int> groupWithHeaderAtPoint(QPoint point) const;
+  // What a click on its header does with these modifiers; a group outside does nothing.
+  void selectGroup(int group, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+  // Whether there is a second line under the photos (ImageBrowserItem::imageSubtitle), as long as
+  // they are large enough for one.
+  bool showsSubtitles() const { return m_showsSubtitles; }
+  void setShowsSubtitles(bool shows);
 
   const IndexSet& selectionIndexes() const { return m_selection.selected(); }
   void setSelectionIndexes(const IndexSet& indexes);
@@ -124,6 +152,7 @@ protected:
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
@@ -141,8 +170,12 @@ private:
     QPoint from, to;  // in content coordinates
     QRect rect() const { return QRect(from, to).normalized(); }
   };
-  enum class OnRelease { Nothing, SelectOnly, Toggle };
+  enum class OnRelease { Nothing, SelectOnly, Toggle, SelectGroup };
 
+  void askForContent();
+  static int nearestShown(int oldIndex, int oldCount,
+                          const std::function<int(int oldIndex)>& indexNow);
+  GridMeasures measures() const;
   void relayout();
   void updateScrollBar();
   void holdPhotoAt(QPoint point);
@@ -156,6 +189,7 @@ private:
   QRect viewportRect(const QRect& contentRect) const;
   IndexRange visibleRange() const;
   void lookAtVisible();
+  void paintHeaders(QPainter& painter, const QRegion& region);
   QString toolTipOf(int index) const;
 
   // Tells of the new selection and focus and paints them.
@@ -170,7 +204,10 @@ private:
   bool handleMoveKey(const QKeyEvent& event);
   bool handleCommandKey(const QKeyEvent& event);
   void handleTyping(const QKeyEvent& event);
-  int moveTarget(int key) const;
+  int moveTarget(int key);
+  int moveTargetInColumn(int key);
+  void selectForMenu(QPoint viewportPoint);
+  void askForMenuByKey();
 
   const ImageBrowserViewDataSource* m_dataSource = nullptr;
   ImageBrowserViewDelegate* m_delegate = nullptr;
@@ -179,6 +216,8 @@ private:
 
   float m_zoomValue = initialZoom;
   GridCellMetrics m_metrics;
+  bool m_showsSubtitles = false;
+  std::vector<ImageBrowserGroup> m_groups;  // as many as the layout has
   GridLayout m_layout;
   std::optional<Anchor> m_anchor;  // held until the user scrolls
   bool m_isAdjusting = false;      // the scroll position follows the layout
@@ -187,10 +226,16 @@ private:
 
   GridSelection m_selection;
   TypeSelect m_typeSelect;
+  // The column that the keys go up and down in, also through rows that have no photo there: for as
+  // long as the focus stays where they led it.
+  struct {
+    int focus = -1;
+    int column = 0;
+  } m_keyColumn;
   std::optional<QPoint> m_pressedAt;  // in the viewport; while the left button is down
   bool m_isDragging = false;
   OnRelease m_onRelease = OnRelease::Nothing;
-  int m_pressedIndex = -1;
+  int m_pressedIndex = -1;  // of a photo, or of the group whose header was pressed
   std::optional<Band> m_band;
   QTimer m_bandTimer;
 };

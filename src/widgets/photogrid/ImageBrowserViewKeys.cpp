@@ -50,20 +50,9 @@ bool ImageBrowserView::handleZoomKey(const QKeyEvent& event) {
 }
 
 // Where a key leads to from the focus; -1 if it is no such key.
-int ImageBrowserView::moveTarget(int key) const {
+int ImageBrowserView::moveTarget(int key) {
   const int last = itemCount() - 1;
   const int focus = focusedIndex();
-  const int columns = m_layout.columns();
-  const int pageRows = std::max(viewport()->height() / m_layout.rowHeight(), 1);
-  const auto byRows = [&](int rows) {
-    // Past the end: the last photo from the row above it, else the photo stays.
-    const int target = focus + rows * columns;
-    if (target > last) {
-      const bool isLastRow = focus / columns == last / columns;
-      return isLastRow ? focus : std::min(last - last % columns + focus % columns, last);
-    }
-    return target < 0 ? focus % columns : target;
-  };
   const bool isMove = key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up ||
                       key == Qt::Key_Down || key == Qt::Key_Home || key == Qt::Key_End ||
                       key == Qt::Key_PageUp || key == Qt::Key_PageDown;
@@ -75,22 +64,34 @@ int ImageBrowserView::moveTarget(int key) const {
   }
   switch (key) {
     case Qt::Key_Left:
-      return std::max(focus - 1, 0);
     case Qt::Key_Right:
-      return std::min(focus + 1, last);
-    case Qt::Key_Up:
-      return byRows(-1);
-    case Qt::Key_Down:
-      return byRows(1);
-    case Qt::Key_PageUp:
-      return byRows(-pageRows);
-    case Qt::Key_PageDown:
-      return byRows(pageRows);
+      return std::clamp(focus + ((key == Qt::Key_Right) == isRightToLeft() ? -1 : 1), 0, last);
     case Qt::Key_Home:
       return 0;
-    default:
+    case Qt::Key_End:
       return last;
+    default:
+      return moveTargetInColumn(key);
   }
+}
+
+// Up or down, by a row or by as much as is seen. A row without a photo in the column has its last.
+int ImageBrowserView::moveTargetInColumn(int key) {
+  const int focus = m_selection.focus();
+  if (m_keyColumn.focus != focus) {
+    m_keyColumn.column = m_layout.columnOf(focus);
+  }
+  const int row = m_layout.rowOf(focus);
+  const int top = m_layout.cellRect(focus).top();
+  const int page = viewport()->height() - m_layout.headerHeight();
+  const int wanted = key == Qt::Key_Up     ? row - 1
+                     : key == Qt::Key_Down ? row + 1
+                     : key == Qt::Key_PageDown
+                         ? std::max(m_layout.lastRowFrom(top + page), row + 1)
+                         : std::min(m_layout.lastRowFrom(top - page - 1) + 1, row - 1);
+  const IndexRange items = m_layout.itemsOfRow(std::clamp(wanted, 0, m_layout.rows() - 1));
+  m_keyColumn.focus = std::min(items.first + m_keyColumn.column, items.last);
+  return m_keyColumn.focus;
 }
 
 bool ImageBrowserView::handleMoveKey(const QKeyEvent& event) {
@@ -136,6 +137,10 @@ bool ImageBrowserView::handleCommandKey(const QKeyEvent& event) {
     }
     return true;
   }
+  if (event.key() == Qt::Key_F10 && event.modifiers() == Qt::ShiftModifier) {
+    askForMenuByKey();
+    return true;
+  }
   if (event.matches(QKeySequence::SelectAll)) {
     selectAll();
     return true;
@@ -144,6 +149,10 @@ bool ImageBrowserView::handleCommandKey(const QKeyEvent& event) {
 }
 
 void ImageBrowserView::handleTyping(const QKeyEvent& event) {
+  if (!m_typeSelect.isTyping() && m_delegate != nullptr &&
+      m_delegate->imageBrowserTakesTyping(*this, event.text())) {
+    return;
+  }
   const int found = indexOfTyped(m_typeSelect.add(event.text()), itemCount(), focusedIndex(),
                                  [this](int index) { return titleAtIndex(index); });
   stepTo(found);

@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <algorithm>
@@ -10,10 +11,7 @@ namespace snaplift {
 
 void ImageBrowserView::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) {
-    const std::optional<int> index = indexOfItemAtPoint(event->position().toPoint());
-    if (index && !selectionIndexes().contains(*index)) {
-      stepTo(*index);
-    }
+    selectForMenu(event->position().toPoint());
   }
   if (event->button() != Qt::LeftButton) {
     return;
@@ -64,6 +62,9 @@ void ImageBrowserView::mouseDown(QMouseEvent* event) {
   const std::optional<int> index = indexOfItemAtPoint(point);
   m_onRelease = OnRelease::Nothing;
   if (!index) {
+    const std::optional<int> group = groupWithHeaderAtPoint(point);
+    m_onRelease = group ? OnRelease::SelectGroup : OnRelease::Nothing;
+    m_pressedIndex = group.value_or(-1);
     beginBand(point, control || shift);
     return;
   }
@@ -84,15 +85,58 @@ void ImageBrowserView::mouseDragged(QMouseEvent* event) {
   }
 }
 
-void ImageBrowserView::mouseUp(QMouseEvent*) {
+void ImageBrowserView::mouseUp(QMouseEvent* event) {
   endBand();
-  if (!m_isDragging && m_onRelease != OnRelease::Nothing && m_pressedIndex < itemCount()) {
-    changeSelection([this] {
-      m_onRelease == OnRelease::Toggle ? m_selection.toggle(m_pressedIndex)
-                                       : m_selection.selectOnly(m_pressedIndex);
-    });
-  }
+  const OnRelease action = m_isDragging ? OnRelease::Nothing : m_onRelease;
   m_onRelease = OnRelease::Nothing;
+  if (action == OnRelease::SelectGroup) {
+    selectGroup(m_pressedIndex, event->modifiers());
+  } else if (action == OnRelease::Toggle) {
+    changeSelection([this] { m_selection.toggle(m_pressedIndex); });
+  } else if (action == OnRelease::SelectOnly) {
+    changeSelection([this] { m_selection.selectOnly(m_pressedIndex); });
+  }
+}
+
+// Menus
+
+// What the menu is to be about: what is selected where the press is on a part of it.
+void ImageBrowserView::selectForMenu(QPoint viewportPoint) {
+  const std::optional<int> group = groupWithHeaderAtPoint(viewportPoint);
+  const std::optional<int> index = indexOfItemAtPoint(viewportPoint);
+  if (group) {
+    IndexSet withGroup = selectionIndexes();
+    withGroup.insertRange(itemsOfGroup(*group).first, itemsOfGroup(*group).last);
+    if (withGroup.count() > selectionIndexes().count()) {
+      selectGroup(*group);
+    }
+  } else if (!index) {
+    deselectAll();
+  } else if (!selectionIndexes().contains(*index)) {
+    stepTo(*index);
+  }
+}
+
+void ImageBrowserView::contextMenuEvent(QContextMenuEvent* event) {
+  if (event->reason() != QContextMenuEvent::Mouse) {
+    askForMenuByKey();
+  } else if (m_delegate != nullptr && !selectionIndexes().empty()) {
+    m_delegate->imageBrowserContextMenuAtPoint(*this, event->globalPos());
+  }
+}
+
+void ImageBrowserView::askForMenuByKey() {
+  if (itemCount() == 0 || m_delegate == nullptr) {
+    return;
+  }
+  if (selectionIndexes().empty()) {
+    stepTo(focusedIndex());
+  }
+  const int index =
+      selectionIndexes().contains(focusedIndex()) ? focusedIndex() : selectionIndexes().first();
+  scrollToIndex(index);
+  const QRect frame = isPreviewOpen() ? rect() : itemFrameAtIndex(index) & viewport()->rect();
+  m_delegate->imageBrowserContextMenuAtPoint(*this, viewport()->mapToGlobal(frame.center()));
 }
 
 // What the target takes is its own affair: the types say what a photo is, not which targets may

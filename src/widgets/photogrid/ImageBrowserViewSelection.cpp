@@ -61,7 +61,9 @@ void ImageBrowserView::scrollToIndex(int index) {
     return;
   }
   constexpr int margin = 14;
-  const QRect cell = m_layout.cellRect(index).adjusted(0, -margin, 0, margin);
+  // The header of its group is above it, wherever it stands.
+  const QRect cell =
+      m_layout.cellRect(index).adjusted(0, -margin - m_layout.headerHeight(), 0, margin);
   const int height = viewport()->height();
   if (cell.top() < scrolled()) {
     verticalScrollBar()->setValue(cell.top());

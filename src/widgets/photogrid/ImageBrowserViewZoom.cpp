@@ -31,9 +31,9 @@ ImageBrowserView::Anchor ImageBrowserView::anchorOfFirstVisible() const {
   if (visible.empty()) {
     return {0, 0, m_layout.cellRect(0).topLeft()};
   }
-  // A row that is mostly scrolled out of sight does not count.
-  const int hidden = -viewportRect(m_layout.cellRect(visible.first)).top();
-  const int second = visible.first + m_layout.columns();
+  // A row of which most is out of sight, or under the header, does not count.
+  const int hidden = m_layout.headerHeight() - viewportRect(m_layout.cellRect(visible.first)).top();
+  const int second = m_layout.itemsOfRow(m_layout.rowOf(visible.first)).last + 1;
   const int index =
       hidden > m_layout.rowHeight() / 2 && second <= visible.last ? second : visible.first;
   return {index, 0, viewportRect(m_layout.cellRect(index)).topLeft()};
@@ -44,7 +44,6 @@ void ImageBrowserView::setZoomValue(float zoom) {
     return;
   }
   m_zoomValue = zoom;
-  m_metrics = GridCellMetrics::forZoom(zoom, font());
   relayout();
   emit zoomValueChanged(zoom);
 }

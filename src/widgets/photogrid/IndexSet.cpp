@@ -29,33 +29,31 @@ void IndexSet::insert(int index) {
   insertRange(index, index);
 }
 
-void IndexSet::remove(int index) {
-  if (contains(index)) {
-    m_words[wordOf(index)] &= ~bitOf(index);
-    --m_count;
-  }
-}
-
-void IndexSet::toggle(int index) {
-  if (contains(index)) {
-    remove(index);
-  } else {
-    insert(index);
-  }
-}
-
-void IndexSet::insertRange(int first, int last) {
+// Calls `change(word, run)` for each word of the range, with the bits of it that are in the range.
+template <typename Change>
+void IndexSet::forEachWord(int first, int last, Change&& change) {
   first = std::max(first, 0);
   last = std::min(last, m_size - 1);
   while (first <= last) {
     const int end = std::min(last, first | (bitsPerWord - 1));
     const std::uint64_t run = ~std::uint64_t{0} >> (bitsPerWord - 1 - (end - first));
-    std::uint64_t& word = m_words[wordOf(first)];
-    const std::uint64_t added = (run << (first % bitsPerWord)) & ~word;
-    word |= added;
-    m_count += std::popcount(added);
+    change(m_words[wordOf(first)], run << (first % bitsPerWord));
     first = end + 1;
   }
+}
+
+void IndexSet::insertRange(int first, int last) {
+  forEachWord(first, last, [this](std::uint64_t& word, std::uint64_t run) {
+    m_count += std::popcount(run & ~word);
+    word |= run;
+  });
+}
+
+void IndexSet::removeRange(int first, int last) {
+  forEachWord(first, last, [this](std::uint64_t& word, std::uint64_t run) {
+    m_count -= std::popcount(run & word);
+    word &= ~run;
+  });
 }
 
 void IndexSet::clear() {

@@ -21,10 +21,9 @@ public:
   bool contains(int index) const;
 
   void insert(int index);
-  void remove(int index);
-  void toggle(int index);
   // From `first` to `last`, both included; nothing where last < first.
   void insertRange(int first, int last);
+  void removeRange(int first, int last);
   void clear();
   void invert();
 
@@ -36,6 +35,9 @@ public:
   friend bool operator==(const IndexSet&, const IndexSet&) = default;
 
 private:
+  template <typename Change>
+  void forEachWord(int first, int last, Change&& change);
+
   int m_size = 0;
   int m_count = 0;
   std::vector<std::uint64_t> m_words;

@@ -1,15 +1,11 @@
 #include "widgets/photogrid/PhotoPreview.h"
 
-#include <QCloseEvent>
-#include <QCoreApplication>
 #include <QFontMetrics>
-#include <QKeyEvent>
 #include <QLocale>
 #include <QPainter>
 #include <QPushButton>
 #include <QToolButton>
 #include <algorithm>
-#include <cmath>
 
 #include "widgets/desktop/MainThread.h"
 #include "widgets/desktop/PlainText.h"
@@ -23,8 +19,6 @@ constexpr QRgb groundColor = qRgb(0x1c, 0x1c, 0x1e);
 constexpr QRgb captionColor = qRgb(0xd6, 0xd6, 0xd8);
 constexpr int margin = 24;
 constexpr int buttonSide = 36;
-constexpr double zoomStep = 1.25;
-constexpr double largestZoom = 2;  // device pixels for each pixel of the photo
 // Five photos of the largest step.
 constexpr std::int64_t neighbourCapacity = 85'000'000;
 // Larger than any picture: decoders scale down to what they have room for.
@@ -63,8 +57,10 @@ PhotoPreview::PhotoPreview(ImageBrowserView* view)
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setPalette(darkPalette());
-  connect(m_previous, &QToolButton::clicked, this, [this] { go(Qt::Key_Left); });
-  connect(m_next, &QToolButton::clicked, this, [this] { go(Qt::Key_Right); });
+  connect(m_previous, &QToolButton::clicked, this,
+          [this] { go(isRightToLeft() ? Qt::Key_Right : Qt::Key_Left); });
+  connect(m_next, &QToolButton::clicked, this,
+          [this] { go(isRightToLeft() ? Qt::Key_Left : Qt::Key_Right); });
   connect(m_close, &QToolButton::clicked, this, [this] { m_view->setPreviewOpen(false); });
   m_player->setFocusPolicy(Qt::TabFocus);
   m_player->hide();
@@ -209,25 +205,6 @@ QRectF PhotoPreview::photoRect() const {
   return photo;
 }
 
-void PhotoPreview::setZoom(double zoom, QPointF about) {
-  if (m_photo.picture.isNull()) {
-    return;
-  }
-  const double most =
-      largestZoom * m_photo.photoSize.width() / (fittedSize().width() * devicePixelRatio());
-  const double next = std::clamp(zoom, 1.0, std::max(most, 1.0));
-  const QPointF fromMiddle = about - QRectF(photoArea()).center();
-  const QPointF centre = fromMiddle - (fromMiddle - m_centre) * (next / m_zoom);
-  m_zoom = next;
-  moveTo(centre);
-  setCursor(m_zoom > 1 ? Qt::OpenHandCursor : Qt::ArrowCursor);
-  request();
-}
-
-void PhotoPreview::zoomBy(double factor) {
-  setZoom(m_zoom * factor, photoArea().center());
-}
-
 void PhotoPreview::toggleFullScreen() {
   const bool leaves = isWindow();
   hide();
@@ -242,15 +219,6 @@ void PhotoPreview::toggleFullScreen() {
     activateWindow();
   }
   setFocus();
-}
-
-// A photo larger than its area covers it; no side of it can be pulled in.
-void PhotoPreview::moveTo(QPointF centre) {
-  const QSizeF over =
-      (photoRect().size() - QSizeF(photoArea().size())).expandedTo(QSizeF(0, 0)) / 2;
-  m_centre = {std::clamp(centre.x(), -over.width(), over.width()),
-              std::clamp(centre.y(), -over.height(), over.height())};
-  update();
 }
 
 QString PhotoPreview::title() const {
@@ -288,9 +256,11 @@ void PhotoPreview::paintEvent(QPaintEvent*) {
 void PhotoPreview::resizeEvent(QResizeEvent*) {
   constexpr int gap = 6;
   const int middle = (height() - buttonSide) / 2;
-  m_previous->move(gap, middle);
-  m_next->move(width() - buttonSide - gap, middle);
-  m_close->move(width() - buttonSide - gap, gap);
+  const int begin = isRightToLeft() ? width() - buttonSide - gap : gap;
+  const int end = width() - buttonSide - begin;
+  m_previous->move(begin, middle);
+  m_next->move(end, middle);
+  m_close->move(end, gap);
   const QSize player = m_player->sizeHint();
   m_player->setGeometry(
       QRect((width() - player.width()) / 2,
@@ -298,75 +268,6 @@ void PhotoPreview::resizeEvent(QResizeEvent*) {
             player.width(), player.height()));
   moveTo(m_centre);
   request();
-}
-
-// The view's own keys move its focus, up and down by rows; modifiers mean nothing here.
-void PhotoPreview::go(int key) {
-  QKeyEvent plain(QEvent::KeyPress, key, Qt::NoModifier);
-  QCoreApplication::sendEvent(m_view, &plain);
-  showPhoto(m_view->focusedIndex());
-}
-
-// Of the window that fills the screen, by the desktop's own means.
-void PhotoPreview::closeEvent(QCloseEvent* event) {
-  event->ignore();
-  m_view->setPreviewOpen(false);
-}
-
-void PhotoPreview::keyPressEvent(QKeyEvent* event) {
-  switch (event->key()) {
-    case Qt::Key_Space:
-    case Qt::Key_Escape:
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-      m_view->setPreviewOpen(false);
-      return;
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-      zoomBy(zoomStep);
-      return;
-    case Qt::Key_Minus:
-      zoomBy(1 / zoomStep);
-      return;
-    case Qt::Key_0:
-      setZoom(1, photoArea().center());
-      return;
-    case Qt::Key_F11:
-      toggleFullScreen();
-      return;
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_Home:
-    case Qt::Key_End:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-      go(event->key());
-      return;
-    default:
-      event->ignore();
-  }
-}
-
-// Clicks are for the photo, not for the grid behind it.
-void PhotoPreview::mousePressEvent(QMouseEvent* event) {
-  m_dragged = event->position();
-}
-
-void PhotoPreview::mouseMoveEvent(QMouseEvent* event) {
-  moveTo(m_centre + event->position() - m_dragged);
-  m_dragged = event->position();
-}
-
-void PhotoPreview::wheelEvent(QWheelEvent* event) {
-  constexpr double notch = 120;
-  setZoom(m_zoom * std::pow(zoomStep, event->angleDelta().y() / notch), event->position());
-  event->accept();
-}
-
-void PhotoPreview::mouseDoubleClickEvent(QMouseEvent*) {
-  m_view->setPreviewOpen(false);
 }
 
 }  // namespace snaplift

@@ -21,6 +21,9 @@ public:
   virtual std::string imageUID() const = 0;
   // The caption, which is also the name of the photo's file.
   virtual std::string imageTitle() const = 0;
+  // A second line below the caption, where there is room for one: asked for as often as the item is
+  // painted, so it must be cheap. Empty: nothing to say.
+  virtual std::string imageSubtitle() const { return {}; }
   // The bytes of the encoded picture, read anew at every call; nothing if they cannot be read.
   virtual std::optional<Bytes> imageRepresentation() const = 0;
   // Their first `size`, or all where there are fewer: enough for the preview in a camera's photo.
@@ -32,6 +35,8 @@ public:
   // A film: its bytes, which may be many, are never read for a picture.
   virtual bool isFilm() const { return false; }
   virtual std::optional<std::chrono::milliseconds> filmLength() const { return std::nullopt; }
+  // A photo that has a short film beside it.
+  virtual bool isLivePhoto() const { return false; }
   // What can be told of the bytes without reading them. Looks at the disk at every call.
   enum class Content { Whole, Short, Unreadable, Missing };
   virtual Content imageContent() const { return Content::Whole; }

@@ -39,9 +39,13 @@ ThumbnailProvider::~ThumbnailProvider() = default;
 
 void ThumbnailProvider::setItems(ItemAt itemAt, int itemCount) {
   m_itemAt = std::move(itemAt);
+  m_cache.forgetUnread();
+  rearrangeItems(itemCount);
+}
+
+void ThumbnailProvider::rearrangeItems(int itemCount) {
   m_itemCount = itemCount;
   m_sight = {};
-  m_cache.forgetUnread();
   updateWork();
 }
 

@@ -36,6 +36,9 @@ public:
 
   // Other photos, or none. What is cached stays: it is known by identity, not by index.
   void setItems(ItemAt itemAt, int itemCount);
+  // The same photos in another order, or only some of them: what could not be read stays known, and
+  // is not read again.
+  void rearrangeItems(int itemCount);
   void setSight(const Sight& sight);
   // Photos will be looked at within moments.
   void prepare() { m_loader->prepare(); }

@@ -1,5 +1,7 @@
 #include "support/photos/TestPhotos.h"
 
+#include <numeric>
+
 #include "support/photos/TestPictures.h"
 
 namespace snaplift::test {
@@ -22,6 +24,12 @@ public:
   std::optional<Bytes> imageBeginning(std::size_t size) const override {
     return m_reads->read(m_index, size);
   }
+  // "June 1" and so on; every third is a live photo.
+  std::string imageSubtitle() const override {
+    ++m_reads->subtitles;
+    return "June " + std::to_string(m_index % 30 + 1);
+  }
+  bool isLivePhoto() const override { return m_index % 3 == 2; }
   std::string imageOrigin() const override { return m_folder; }
 
 private:
@@ -64,24 +72,29 @@ void PhotoReads::waitForHeld(int readers) {
 }
 
 TestPhotos::TestPhotos(int count, PhotoReads::Source source, std::string folder)
-    : m_count(count),
-      m_folder(std::move(folder)),
-      m_reads(std::make_shared<PhotoReads>(std::move(source))) {}
+    : m_folder(std::move(folder)), m_reads(std::make_shared<PhotoReads>(std::move(source))) {
+  setCount(count);
+}
 
 TestPhotos::TestPhotos(int count)
     : TestPhotos(count, [picture = encoded(quadrants({64, 48}))](int) { return picture; }) {}
 
-ImageBrowserItemPointer TestPhotos::item(int index) const {
-  return std::make_shared<TestPhoto>(index, m_folder, m_reads);
+void TestPhotos::setCount(int count) {
+  m_order.resize(static_cast<std::size_t>(count));
+  std::iota(m_order.begin(), m_order.end(), 0);
+}
+
+ImageBrowserItemPointer TestPhotos::item(int number) const {
+  return std::make_shared<TestPhoto>(number, m_folder, m_reads);
 }
 
 ImageBrowserItemPointer TestPhotos::imageBrowserItemAtIndex(const ImageBrowserView&,
                                                             int index) const {
-  return item(index);
+  return item(m_order[static_cast<std::size_t>(index)]);
 }
 
 QString TestPhotos::imageBrowserTitleAtIndex(const ImageBrowserView&, int index) const {
-  return QString::fromStdString(titleOf(index));
+  return QString::fromStdString(titleOf(m_order[static_cast<std::size_t>(index)]));
 }
 
 }  // namespace snaplift::test

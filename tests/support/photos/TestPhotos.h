@@ -2,12 +2,14 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "widgets/photogrid/ImageBrowserViewDataSource.h"
 
@@ -28,6 +30,8 @@ public:
   // Waits until `readers` reads wait.
   void waitForHeld(int readers);
 
+  std::atomic<int> subtitles = 0;  // how many were asked for
+
 private:
   Source m_source;
   mutable std::mutex m_mutex;
@@ -45,17 +49,27 @@ public:
   explicit TestPhotos(int count);
 
   PhotoReads& reads() { return *m_reads; }
-  void setCount(int count) { m_count = count; }
+  void setCount(int count);
+  // Shows these photos, by their number from 0 on, in this order.
+  void setOrder(std::vector<int> order) { m_order = std::move(order); }
+  void setGroups(std::vector<ImageBrowserGroup> groups) { m_groups = std::move(groups); }
 
-  int numberOfItemsInImageBrowser(const ImageBrowserView&) const override { return m_count; }
+  int numberOfItemsInImageBrowser(const ImageBrowserView&) const override {
+    return static_cast<int>(m_order.size());
+  }
+  std::vector<ImageBrowserGroup> groupsOfItemsInImageBrowser(
+      const ImageBrowserView&) const override {
+    return m_groups;
+  }
   ImageBrowserItemPointer imageBrowserItemAtIndex(const ImageBrowserView&,
                                                   int index) const override;
   QString imageBrowserTitleAtIndex(const ImageBrowserView&, int index) const override;
 
-  ImageBrowserItemPointer item(int index) const;
+  ImageBrowserItemPointer item(int number) const;
 
 private:
-  int m_count;
+  std::vector<int> m_order;
+  std::vector<ImageBrowserGroup> m_groups;
   std::string m_folder;
   std::shared_ptr<PhotoReads> m_reads;
 };
