@@ -5,6 +5,9 @@
 #include <QTimer>
 #include <algorithm>
 #include <cstdio>
+#include <limits>
+#include <numeric>
+#include <string>
 #include <vector>
 
 #include <malloc.h>
@@ -25,11 +28,30 @@ namespace {
 constexpr int few = 1'000;
 constexpr int many = 100'000;
 constexpr double growthBar = 3;
+constexpr double linearBar = 150;  // of what has to ask for each photo
 
-// A shown view. Thumbnails are not what is measured, so none are made.
+// As many months as people with so many photos have.
+std::vector<ImageBrowserGroup> months(int photoCount) {
+  const int monthCount = photoCount <= few ? 12 : 300;
+  std::vector<ImageBrowserGroup> groups;
+  for (int month = 0; month < monthCount; ++month) {
+    groups.push_back({"Month " + std::to_string(month),
+                      photoCount * (month + 1) / monthCount - photoCount * month / monthCount});
+  }
+  return groups;
+}
+
+// A shown view, of photos in the order of the backup or by month with the latest first. Thumbnails
+// are not what is measured, so none are made.
 class Grid {
 public:
-  explicit Grid(int count) : m_photos(count) {
+  explicit Grid(int count, bool isGrouped = false) : m_photos(count) {
+    if (isGrouped) {
+      std::vector<int> order(static_cast<std::size_t>(count));
+      std::iota(order.rbegin(), order.rend(), 0);
+      m_photos.setOrder(std::move(order));
+      m_photos.setGroups(months(count));
+    }
     m_view.resize(1'000, 800);
     m_view.setThumbnailsSuspended(true);
     m_view.setDataSource(&m_photos);
@@ -58,6 +80,15 @@ public:
       QCoreApplication::processEvents();
     }
     return bar->value() > start;
+  }
+  // The other way round, and back.
+  bool rearrange() {
+    m_view.selectAll();
+    for (int i = 0; i < 2; ++i) {
+      m_view.rearrangeData([last = m_view.itemCount() - 1](int index) { return last - index; });
+      m_view.viewport()->repaint();
+    }
+    return m_view.selectionIndexes().count() == m_view.itemCount();
   }
   bool selectAll() {
     bool isRight = true;
@@ -96,6 +127,14 @@ private:
   test::TestPhotos m_photos;
   ImageBrowserView m_view;
 };
+
+double millisecondsToFirstPaint() {
+  QElapsedTimer timer;
+  timer.start();
+  Grid grid(many, true);
+  const double time = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+  return grid.handOver() ? time : std::numeric_limits<double>::infinity();
+}
 
 // Of the view, with every second photo selected, the view scrolled through and all captions seen.
 double bytesPerPhoto() {
@@ -171,16 +210,26 @@ int runViewBench(int argc, char** argv) {
   Ratios ratios;
   Grid small(few);
   Grid large(many);
-  const auto compare = [&](const char* name, bool (Grid::*job)()) {
+  Grid smallGrouped(few, true);
+  Grid largeGrouped(many, true);
+  const auto compare = [&](const std::string& name, Grid& floor, Grid& subject, double bar,
+                           bool (Grid::*job)()) {
     ratios.group(name, PageCache::Hot)
-        .floor("1,000 photos", [&small, job] { return (small.*job)(); })
-        .subject("100,000 photos", growthBar, [&large, job] { return (large.*job)(); });
+        .floor("1,000 photos", [&floor, job] { return (floor.*job)(); })
+        .subject("100,000 photos", bar, [&subject, job] { return (subject.*job)(); });
   };
-  compare("hand-over to first paint", &Grid::handOver);
-  compare("zoom steps", &Grid::zoomSteps);
-  compare("scroll frames", &Grid::scrollFrames);
-  compare("select all", &Grid::selectAll);
-  compare("rubber band", &Grid::rubberBand);
+  compare("hand-over to first paint", small, large, growthBar, &Grid::handOver);
+  compare("zoom steps", small, large, growthBar, &Grid::zoomSteps);
+  compare("scroll frames", small, large, growthBar, &Grid::scrollFrames);
+  compare("select all", small, large, growthBar, &Grid::selectAll);
+  compare("rubber band", small, large, growthBar, &Grid::rubberBand);
+  compare("by month: hand-over", smallGrouped, largeGrouped, growthBar, &Grid::handOver);
+  compare("by month: zoom steps", smallGrouped, largeGrouped, growthBar, &Grid::zoomSteps);
+  compare("by month: scroll frames", smallGrouped, largeGrouped, growthBar, &Grid::scrollFrames);
+  compare("by month: rubber band", smallGrouped, largeGrouped, growthBar, &Grid::rubberBand);
+  compare("rearrange, all selected", smallGrouped, largeGrouped, linearBar, &Grid::rearrange);
+  constexpr double firstPaintBar = 100;
+  ratios.figure("by month: first paint of 100,000", "ms", firstPaintBar, millisecondsToFirstPaint);
   ratios.figure("view memory for a photo", "bytes", 100, bytesPerPhoto);
 
   Frames frames;

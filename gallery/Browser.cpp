@@ -72,6 +72,23 @@ void saveAll(const QString& folder, const QString& scheme, const test::TestPhoto
   shot("band");
   moveBand(view, QEvent::MouseButtonRelease, view.itemFrameAtIndex(8).center());
   view.deselectAll();
+
+  test::TestPhotos grouped(photos);
+  grouped.setGroups(
+      {{"October 2011", 3}, {"September 2011", 9}, {"May 2010", 1}, {"March 2010", 47}});
+  view.setDataSource(&grouped);
+  view.setShowsSubtitles(true);
+  view.selectGroup(1);
+  waitForPhotos(view);
+  shot("groups");
+  view.verticalScrollBar()->setValue(90);
+  waitForPhotos(view);
+  view.setLayoutDirection(Qt::RightToLeft);
+  shot("groups-right-to-left");
+  view.setLayoutDirection(Qt::LeftToRight);
+  view.setShowsSubtitles(false);
+  view.setDataSource(&photos);
+
   for (const float zoom : {0.1F, 1.0F}) {
     view.setZoomValue(zoom);
     waitForPhotos(view);
