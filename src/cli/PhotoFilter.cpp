@@ -8,6 +8,7 @@
 #include <fnmatch.h>
 
 #include "cli/Output.h"
+#include "foundation/DateWords.h"
 
 namespace snaplift::cli {
 namespace {
@@ -21,10 +22,10 @@ bool matches(const std::string& pattern, std::string_view text) {
 std::optional<PhotoFilter> PhotoFilter::ofChoice(const PhotoChoice& choice) {
   PhotoFilter filter(choice);
   if (choice.since) {
-    filter.m_begin = timeSpanOfText(*choice.since).value().begin;
+    filter.m_span.begin = timeSpanOfWords(*choice.since).value().begin;
   }
   if (choice.until) {
-    filter.m_end = timeSpanOfText(*choice.until).value().end;
+    filter.m_span.end = timeSpanOfWords(*choice.until).value().end;
   }
   return !choice.list || filter.readList(*choice.list) ? std::optional(std::move(filter))
                                                        : std::nullopt;
@@ -76,7 +77,7 @@ std::vector<std::string> PhotoFilter::unknownPaths() const {
 
 bool PhotoFilter::isInTime(const PhotoInfo& info) const {
   const std::optional<Instant> date = info.date();
-  return (!m_begin || (date && *date >= *m_begin)) && (!m_end || (date && *date < *m_end));
+  return (!m_choice.since && !m_choice.until) || (date && m_span.contains(*date));
 }
 
 bool PhotoFilter::hasPattern(const PhotoInfo& info) const {

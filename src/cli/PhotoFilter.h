@@ -12,7 +12,7 @@ namespace snaplift::cli {
 
 // How a command line chooses photos: a photo has to meet everything that is given.
 struct PhotoChoice {
-  std::optional<std::string> since, until;  // texts of timeSpanOfText(); both ends are chosen
+  std::optional<std::string> since, until;  // texts of timeSpanOfWords(); both ends are chosen
   std::vector<std::string> patterns;        // of the shell, one of which has to match
   bool originals = false;                   // what the camera took, and nothing made from it
   std::optional<std::string> list;          // a file of unique paths, one a line; "-": the input
@@ -36,7 +36,7 @@ private:
   bool hasPattern(const PhotoInfo& info) const;
 
   PhotoChoice m_choice;
-  std::optional<Instant> m_begin, m_end;
+  TimeSpan m_span = {Instant::min(), Instant::max()};
   std::unordered_map<std::string, bool> m_list;  // whether a photo had the path
 };
 

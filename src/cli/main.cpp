@@ -10,6 +10,7 @@
 #include "cli/Commands.h"
 #include "cli/Completion.h"
 #include "cli/Output.h"
+#include "foundation/DateWords.h"
 
 namespace snaplift::cli {
 namespace {
@@ -91,11 +92,13 @@ void addLayoutOption(CLI::App& command, ExportOptions& options) {
 }
 
 std::string problemOfDate(const std::string& text) {
-  return timeSpanOfText(text) ? "" : "no date is " + text;
+  return timeSpanOfWords(text) ? "" : "no date is " + text;
 }
 
 void addChoiceOptions(CLI::App& command, PhotoChoice& choice) {
-  command.add_option("--since", choice.since, "No photos from before (2011-10-12, or RFC 3339)")
+  command
+      .add_option("--since", choice.since,
+                  "No photos from before (2011, june 2011, 2011-10-12 ...)")
       ->type_name("DATE")
       ->check(problemOfDate);
   command.add_option("--until", choice.until, "No photos from after")

@@ -6,11 +6,11 @@
 #include <ctime>
 #include <memory>
 #include <mutex>
-#include <string_view>
 
 #include <unicode/datefmt.h>
-#include <unicode/locid.h>
 #include <unicode/unistr.h>
+
+#include "foundation/UserLocale.h"
 
 namespace snaplift {
 namespace {
@@ -51,27 +51,11 @@ std::string formatted(const char* format, Instant instant) {
   return text;
 }
 
-// The locale that rules dates, by the rule of every program here. ICU's own default reads other
-// variables. "C" and "POSIX" are American English to ICU.
-icu::Locale localeOfDates() {
-  for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
-    const char* name = std::getenv(variable);
-    if (name && *name) {
-      const std::string_view language = std::string_view(name).substr(0, 2);
-      return language == "C" || language == "C." || language == "PO"
-                 ? icu::Locale::getUS()
-                 : icu::Locale::createCanonical(name);
-    }
-  }
-  return icu::Locale::getUS();
-}
-
 // One formatter for the process: making one costs more than a thousand dates. ICU's formatters are
 // not for use by two threads at once.
 class DateWords {
 public:
-  explicit DateWords(icu::DateFormat* (*make)(const icu::Locale& locale))
-      : m_format(make(localeOfDates())) {}
+  explicit DateWords(icu::DateFormat* (*make)()) : m_format(make()) {}
 
   // `otherwise` where the locale machinery has no answer.
   std::string textOf(Instant instant, const std::string& otherwise) {
@@ -107,27 +91,56 @@ std::string defaultDateText(Instant instant) {
   return formatted("%s%04lld-%02u-%02u %02u:%02u:%02u +0000", instant);
 }
 
-std::optional<std::string> localMonthText(Instant instant) {
+std::optional<std::chrono::year_month> localMonth(Instant instant) {
   const std::time_t seconds = static_cast<std::time_t>(
       std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count());
   std::tm local{};
-  char text[8];
-  return ::localtime_r(&seconds, &local) && local.tm_year >= -900 && local.tm_year <= 8099 &&
-                 std::strftime(text, sizeof text, "%Y-%m", &local) > 0
-             ? std::optional<std::string>(text)
-             : std::nullopt;
+  if (!::localtime_r(&seconds, &local) || local.tm_year < -900 || local.tm_year > 8099) {
+    return std::nullopt;
+  }
+  return std::chrono::year(local.tm_year + 1900) / (local.tm_mon + 1);
+}
+
+std::optional<std::string> localMonthText(Instant instant) {
+  const auto month = localMonth(instant);
+  char text[16];
+  if (month) {
+    std::snprintf(text, sizeof text, "%04d-%02u", static_cast<int>(month->year()),
+                  static_cast<unsigned>(month->month()));
+  }
+  return month ? std::optional<std::string>(text) : std::nullopt;
+}
+
+std::string monthTitle(Instant instant) {
+  static DateWords words([] {
+    UErrorCode error = U_ZERO_ERROR;
+    icu::DateFormat* format =
+        icu::DateFormat::createInstanceForSkeleton("yMMMM", gregorianLocale("LC_TIME"), error);
+    if (format) {
+      format->setContext(UDISPCTX_CAPITALIZATION_FOR_BEGINNING_OF_SENTENCE, error);
+    }
+    return format;
+  });
+  return words.textOf(instant, rfc3339Text(instant).substr(0, 7));
 }
 
 std::string longDateText(Instant instant) {
-  static DateWords words([](const icu::Locale& locale) {
-    return icu::DateFormat::createDateInstance(icu::DateFormat::kLong, locale);
+  static DateWords words([] {
+    return icu::DateFormat::createDateInstance(icu::DateFormat::kLong, userLocale("LC_TIME"));
+  });
+  return words.textOf(instant, rfc3339Text(instant).substr(0, 10));
+}
+
+std::string mediumDateText(Instant instant) {
+  static DateWords words([] {
+    return icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, userLocale("LC_TIME"));
   });
   return words.textOf(instant, rfc3339Text(instant).substr(0, 10));
 }
 
 std::string timeOfDayText(Instant instant) {
-  static DateWords words([](const icu::Locale& locale) {
-    return icu::DateFormat::createTimeInstance(icu::DateFormat::kMedium, locale);
+  static DateWords words([] {
+    return icu::DateFormat::createTimeInstance(icu::DateFormat::kMedium, userLocale("LC_TIME"));
   });
   return words.textOf(instant, rfc3339Text(instant).substr(11, 8));
 }

@@ -24,10 +24,19 @@ std::string rfc3339Text(Instant instant);
 // where the locale machinery has no answer it is the ISO date. Safe to call from any thread.
 std::string longDateText(Instant instant);
 
+// "Oct 12, 2011": shorter, likewise.
+std::string mediumDateText(Instant instant);
+
 // "8:30:00 AM": the time of that day, with seconds, likewise.
 std::string timeOfDayText(Instant instant);
 
-// "2011-10": the month in the local time zone; nothing for a year that has not four digits.
+// "October 2011": the month as a heading of what is of it, likewise, but always of the Gregorian
+// calendar, as localMonth() is.
+std::string monthTitle(Instant instant);
+
+// The month in the local time zone; nothing for a year that has not four digits.
+std::optional<std::chrono::year_month> localMonth(Instant instant);
+// The same as "2011-10".
 std::optional<std::string> localMonthText(Instant instant);
 
 // "2011-10-12 08:30:00 +0000": the default text form of a date, UTC.

@@ -61,15 +61,6 @@ private:
   bool m_isRight = true;
 };
 
-Instant startOfLocalDay(std::chrono::year_month_day date, int daysLater) {
-  std::tm local{};
-  local.tm_year = static_cast<int>(date.year()) - 1900;
-  local.tm_mon = static_cast<int>(static_cast<unsigned>(date.month())) - 1;
-  local.tm_mday = static_cast<int>(static_cast<unsigned>(date.day())) + daysLater;
-  local.tm_isdst = -1;
-  return instantFromUnixTime(std::mktime(&local));
-}
-
 // How far the local time of "Z" or "+02:00" is ahead.
 seconds takeOffset(DateText& text) {
   const char mark = text.takeMark("Zz+-");
@@ -84,19 +75,28 @@ seconds takeOffset(DateText& text) {
 
 }  // namespace
 
+Instant startOfLocalDay(int year, int month, int day) {
+  std::tm local{};
+  local.tm_year = year - 1900;
+  local.tm_mon = month - 1;
+  local.tm_mday = day;
+  local.tm_isdst = -1;
+  return instantFromUnixTime(std::mktime(&local));
+}
+
 std::optional<TimeSpan> timeSpanOfText(std::string_view whole) {
   DateText text(whole);
-  const std::chrono::year year(text.takeNumber(4, 9999));
+  const int year = text.takeNumber(4, 9999);
   text.takeMark("-");
-  const std::chrono::month month(static_cast<unsigned>(text.takeNumber(2, 12)));
+  const int month = text.takeNumber(2, 12);
   text.takeMark("-");
-  const std::chrono::day day(static_cast<unsigned>(text.takeNumber(2, 31)));
-  const std::chrono::year_month_day date(year, month, day);
+  const int day = text.takeNumber(2, 31);
+  const std::chrono::year_month_day date = std::chrono::year(year) / month / day;
   if (!text.isRight() || !date.ok()) {
     return std::nullopt;
   }
   if (text.isAtEnd()) {
-    return TimeSpan{startOfLocalDay(date, 0), startOfLocalDay(date, 1)};
+    return TimeSpan{startOfLocalDay(year, month, day), startOfLocalDay(year, month, day + 1)};
   }
   text.takeMark("Tt ");
   Instant time = std::chrono::sys_days(date) + std::chrono::hours(text.takeNumber(2, 23));

@@ -1,0 +1,28 @@
+#include "photos/PhotoQuery.h"
+
+#include <algorithm>
+
+#include "foundation/DateWords.h"
+#include "foundation/NameText.h"
+
+namespace snaplift {
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+
+std::string_view withoutBlanksAround(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
+}  // namespace
+
+PhotoQuery::PhotoQuery(std::string_view text)
+    : m_part(searchableText(withoutBlanksAround(text))),
+      m_span(timeSpanOfWords(withoutBlanksAround(text))) {}
+
+bool PhotoQuery::finds(std::string_view path, std::optional<Instant> date) const {
+  return (m_span && date && m_span->contains(*date)) || path.find(m_part) != std::string_view::npos;
+}
+
+}  // namespace snaplift
