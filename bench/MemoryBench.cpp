@@ -10,7 +10,7 @@
 
 #include <malloc.h>
 
-#include "app/BackupPhotos.h"
+#include "app/photos/BackupPhotos.h"
 #include "backups/BackupModel.h"
 #include "bench/CameraPhoto.h"
 #include "bench/PeakMemory.h"

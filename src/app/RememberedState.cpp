@@ -35,6 +35,8 @@ QString exportFileName() {
 
 // In the order of ExportLayout.
 const QStringList layoutNames = {"flat", "device", "month", "dcim"};
+// In that of PhotoOrder.
+const QStringList orderNames = {"backup", "date", "name", "size"};
 
 }  // namespace
 
@@ -61,6 +63,31 @@ bool RememberedState::showsOtherMedia() const {
 void RememberedState::setShowsOtherMedia(bool shows) const {
   if (m_keeps) {
     QSettings(windowFileName(), QSettings::IniFormat).setValue("otherMedia", shows);
+  }
+}
+
+RememberedState::Look RememberedState::look() const {
+  Look look;
+  if (m_keeps) {
+    const QSettings file(windowFileName(), QSettings::IniFormat);
+    const auto order = orderNames.indexOf(file.value("order").toString());
+    look.wishes.order = static_cast<PhotoOrder>(std::max<qsizetype>(0, order));
+    look.wishes.isDescending = file.value("descending").toBool();
+    look.wishes.isByMonth = file.value("byMonth").toBool();
+    look.wishes.onlyOriginals = file.value("onlyOriginals").toBool();
+    look.showsDates = file.value("dates").toBool();
+  }
+  return look;
+}
+
+void RememberedState::setLook(const Look& look) const {
+  if (m_keeps) {
+    QSettings file(windowFileName(), QSettings::IniFormat);
+    file.setValue("order", orderNames[static_cast<qsizetype>(look.wishes.order)]);
+    file.setValue("descending", look.wishes.isDescending);
+    file.setValue("byMonth", look.wishes.isByMonth);
+    file.setValue("onlyOriginals", look.wishes.onlyOriginals);
+    file.setValue("dates", look.showsDates);
   }
 }
 

@@ -5,15 +5,16 @@
 #include <vector>
 
 #include "export/ExportLayout.h"
+#include "photos/PhotoArrangement.h"
 
 namespace snaplift {
 
 // What the window keeps for its next start: its size and place, the divider, whether films are
-// shown, the folders that were open and those that were opened lately, the folder of the last
-// export, and how photos are exported. Kept in three files and nowhere else: "folders.ini" and
-// "export.ini" in "$XDG_CONFIG_HOME/snaplift", and "$XDG_STATE_HOME/snaplift/window.ini". One that
-// keeps nothing reads and writes nothing. Files that cannot be read or written are passed over:
-// nobody wants to hear of them.
+// shown and how photos are arranged, the folders that were open and those that were opened lately,
+// the folder of the last export, and how photos are exported. Kept in three files and nowhere else:
+// "folders.ini" and "export.ini" in "$XDG_CONFIG_HOME/snaplift", and
+// "$XDG_STATE_HOME/snaplift/window.ini". One that keeps nothing reads and writes nothing. Files
+// that cannot be read or written are passed over: nobody wants to hear of them.
 class RememberedState {
 public:
   static constexpr std::size_t recentFolderCount = 10;
@@ -29,6 +30,14 @@ public:
   // Whether films and pictures beside the photos are shown.
   bool showsOtherMedia() const;
   void setShowsOtherMedia(bool shows) const;
+
+  // How photos are arranged, the text apart, and whether their dates stand below them.
+  struct Look {
+    PhotoWishes wishes;
+    bool showsDates = false;
+  };
+  Look look() const;
+  void setLook(const Look& look) const;
 
   std::vector<std::string> openFolders() const { return folders("open"); }
   void setOpenFolders(const std::vector<std::string>& open) const { setFolders("open", open); }

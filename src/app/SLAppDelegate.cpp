@@ -68,6 +68,7 @@ SLAppDelegate::SLAppDelegate()
   m_window->installEventFilter(this);
   awakeFromNib();
   connectCommands();
+  connectFinder();
   connectFolders();
   connectExport();
   connectDisks();
@@ -82,6 +83,7 @@ SLAppDelegate::~SLAppDelegate() {
   m_tidying = {};
   m_exporter.reset();
   m_zoomAnimation.reset();
+  m_finder.reset();
   m_window.reset();  // its workers suspect disks
   m_disks.reset();
 }
@@ -143,6 +145,8 @@ void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot,
                                                   bool keepsState) {
   m_state = RememberedState(keepsState);
   m_ui->actionOtherMedia->setChecked(m_state.showsOtherMedia());
+  m_finder->setWishes(m_state.look().wishes);
+  m_finder->setShowsDates(m_state.look().showsDates);
   m_bc = std::make_unique<BackupController>(backupRoot);
   // Before the sidebar can select a backup and start its load: no finish may be missed.
   registerForLoading();
@@ -204,10 +208,7 @@ void SLAppDelegate::updateCommands() {
   m_ui->actionExportAll->setEnabled(showsPhotos || hidesPhotos);
   m_ui->actionExportEverything->setEnabled(m_bc && !m_bc->devices().empty() &&
                                            !m_exporter->isCollecting());
-  const QAction* exportAction = showsSelection ? m_ui->actionExportSelected : m_ui->actionExportAll;
-  m_ui->exportButton->setEnabled(exportAction->isEnabled());
-  m_ui->exportButton->setToolTip(exportAction->toolTip());
-  m_ui->exportButton->setAccessibleDescription(exportAction->toolTip());
+  sayWhatIsExported();
   m_ui->actionReveal->setEnabled(backup);
   m_ui->actionCloseFolder->setEnabled(backup);
   m_ui->actionCopy->setEnabled(showsSelection && !m_exporter->isExporting());
@@ -216,6 +217,8 @@ void SLAppDelegate::updateCommands() {
                           m_ui->actionZoomOut, m_ui->actionStartSize, m_ui->actionPreview}) {
     action->setEnabled(showsPhotos);
   }
+  m_ui->actionFind->setEnabled(showsPhotos ||
+                               m_ui->contentArea->currentWidget() == m_ui->noMatchView);
 }
 
 bool SLAppDelegate::eventFilter(QObject* object, QEvent* event) {

@@ -11,12 +11,12 @@
 #include <thread>
 #include <vector>
 
-#include "app/BackupPhotos.h"
-#include "app/DiskWatch.h"
 #include "app/FolderSearch.h"
 #include "app/RememberedState.h"
 #include "app/TemporaryPhotos.h"
+#include "app/disks/DiskWatch.h"
 #include "app/export/PhotoExporter.h"
+#include "app/photos/PhotoFinder.h"
 #include "backups/BackupController.h"
 #include "foundation/NotificationCenter.h"
 #include "views/browser/ORBAdjustingValueAnimation.h"
@@ -34,9 +34,9 @@ namespace snaplift {
 
 // The application's one controller. It owns the window, the backup library and the exports; it
 // feeds the sidebar with devices and backups, loads the backup that the user selects, keeps the
-// main area in step with it, and exports photos. Its five parts stand in five files: start-up and
-// the tree of backups, the folders that are open, their disks, the state of the browser, the
-// export.
+// main area in step with it, and exports photos. Its six parts stand in six files: start-up and the
+// tree of backups, the folders that are open, their disks, the state of the browser, the finding of
+// photos in it, the export.
 //
 // Everything runs on the user interface's thread, except the two handlers of loading notifications,
 // which come on a backup's loading thread and hand their work over. The destructor gives up every
@@ -119,6 +119,7 @@ public:
       const std::string& destination) override;
   std::shared_ptr<PromisedFileList> imageBrowserFilesOfItems(
       ORBImageBrowserView& browser, const std::vector<ImageBrowserItemPointer>& items) override;
+  bool imageBrowserTakesTyping(ImageBrowserView& browser, const QString& text) override;
   // Puts the photos on the clipboard and says how many: none while photos are being exported.
   int imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView& browser,
                                                   const std::vector<int>& indexes);
@@ -181,12 +182,19 @@ private:
   // Makes `item` the command that exports the backup, or says that there is nothing to export.
   void offerExport(QAction& item, BackupModel& backup);
 
+  // Finding.
+  void connectFinder();
+  // The photos, or that none of them is what is looked for.
+  void showPhotos();
+  void tellWhatIsShown();
+  void sayWhatIsExported();
+  QString textOfExportAll() const;
+
   // Export.
   using PhotosToExport = std::vector<ImageItem*>;
   void connectExport();
-  void chooseFolderAndExport(const std::function<PhotosToExport(BackupModel& backup)>& photos);
+  void chooseFolderAndExport(const std::function<PhotosToExport()>& photos);
   void chooseExportFolder(const std::function<void(const std::string& folder)>& chosen);
-  PhotosToExport photosAtIndexes(BackupModel& backup, const std::vector<int>& indexes) const;
   std::vector<std::string> exportPhotos(const PhotosToExport& photos,
                                         const std::string& destination);
   void exportEverythingInto(const std::string& destination);
@@ -209,6 +217,7 @@ private:
   bool m_isReloading = false;
   std::unique_ptr<Ui::MainWindow> m_ui;
   BackupPhotos m_arrayController;
+  std::unique_ptr<PhotoFinder> m_finder;
   std::unique_ptr<QMainWindow> m_window;
 
   float m_zoomLevel = startZoom;

@@ -88,6 +88,7 @@ void SLAppDelegate::showContentOf(BackupModel* backup) {
   backup->setWantsOtherMedia(m_ui->actionOtherMedia->isChecked());
   m_arrayController.setContent(backup);
   m_ui->browser->reloadData();
+  m_finder->contentDidChange();
   tellOfOtherMedia(*backup);
   if (backup->imageItems().empty() && !backup->encryptsList()) {
     showMessage(tr("No Photos Found in This Backup"));
@@ -98,7 +99,7 @@ void SLAppDelegate::showContentOf(BackupModel* backup) {
     return;
   } else {
     m_ui->text->setText(tr("Loading..."));
-    m_ui->contentArea->setCurrentWidget(m_ui->browser);
+    showPhotos();
   }
   didShowContentOf(backup);
 }
@@ -151,11 +152,7 @@ void SLAppDelegate::showOtherMedia(bool shows) {
 }
 
 void SLAppDelegate::imageBrowserOpenItemAtIndex(ImageBrowserView&, int index) {
-  BackupModel* backup = m_arrayController.content();
-  if (!backup) {
-    return;
-  }
-  const PhotosToExport films = photosAtIndexes(*backup, {index});
+  const PhotosToExport films = m_arrayController.photosAtIndexes({index});
   m_openedFilm = std::make_shared<TemporaryPhotos>(films, tellingFailedCopy(films.size()));
   const auto copy = m_openedFilm;  // who waits here may be asked again
   copy->write();
@@ -173,10 +170,9 @@ void SLAppDelegate::showMessage(const QString& message) {
 }
 
 void SLAppDelegate::updateCentreText() {
-  // The backup that is shown: while the selected one loads, the photos are those of the one before.
-  BackupModel* backup = m_arrayController.content();
-  const int photos = backup ? static_cast<int>(backup->imageItems().size()) : 0;
-  m_ui->centreText->setText(photoCountText(photos, m_ui->browser->selectionIndexes().count()));
+  // Of what is shown: while the selected backup loads, the photos are those of the one before.
+  m_ui->centreText->setText(photoCountText(m_arrayController.arrangement().count(),
+                                           m_ui->browser->selectionIndexes().count()));
 }
 
 void SLAppDelegate::updateMenuItem() {
@@ -189,7 +185,11 @@ void SLAppDelegate::updateMenuItem() {
 
 void SLAppDelegate::offerExport(QAction& item, BackupModel& backup) {
   const bool hasPhotos = !backup.imageItems().empty();
-  item.setText(hasPhotos ? tr("Export All...") : tr("No Photos"));
+  const bool isPart =
+      &backup == m_arrayController.content() && !m_arrayController.arrangement().showsAll();
+  item.setText(!hasPhotos ? tr("No Photos")
+               : isPart   ? textOfExportAll()
+                          : tr("Export All..."));
   item.setEnabled(hasPhotos);
   disconnect(&item, nullptr, this, nullptr);
   if (hasPhotos) {

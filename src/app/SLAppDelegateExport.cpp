@@ -54,31 +54,24 @@ void SLAppDelegate::connectExport() {
 }
 
 void SLAppDelegate::exportSelectedPhotosFromSelectedBackup() {
-  chooseFolderAndExport([this](BackupModel& backup) {
-    return photosAtIndexes(backup, m_ui->browser->selectionIndexes().indexes());
+  chooseFolderAndExport([this] {
+    return m_arrayController.photosAtIndexes(m_ui->browser->selectionIndexes().indexes());
   });
 }
 
 void SLAppDelegate::exportAllPhotosFromSelectedBackup() {
-  chooseFolderAndExport([](BackupModel& backup) {
-    PhotosToExport photos;
-    for (const auto& item : backup.imageItems()) {
-      photos.push_back(item.get());
-    }
-    return photos;
-  });
+  chooseFolderAndExport([this] { return m_arrayController.shownPhotos(); });
 }
 
-void SLAppDelegate::chooseFolderAndExport(
-    const std::function<PhotosToExport(BackupModel& backup)>& photos) {
-  BackupModel* backup = selectedBackup();
+void SLAppDelegate::chooseFolderAndExport(const std::function<PhotosToExport()>& photos) {
+  const BackupModel* backup = selectedBackup();
   if (backup && backup->encrypted()) {
     sayThatItIsEncrypted();
     return;
   }
   chooseExportFolder([this, backup, photos](const std::string& folder) {
-    if (backup) {
-      exportPhotos(photos(*backup), folder);
+    if (backup && backup == m_arrayController.content()) {
+      exportPhotos(photos(), folder);
     }
   });
 }
@@ -118,18 +111,6 @@ std::vector<std::string> SLAppDelegate::backupFolders() const {
   std::vector<std::string> folders;
   std::ranges::transform(m_bc->backups(), std::back_inserter(folders), &BackupModel::path);
   return folders;
-}
-
-SLAppDelegate::PhotosToExport SLAppDelegate::photosAtIndexes(
-    BackupModel& backup, const std::vector<int>& indexes) const {
-  PhotosToExport photos;
-  const auto& items = backup.imageItems();
-  for (const int index : indexes) {
-    if (index >= 0 && static_cast<std::size_t>(index) < items.size()) {
-      photos.push_back(items[static_cast<std::size_t>(index)].get());
-    }
-  }
-  return photos;
 }
 
 std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photos,
@@ -206,11 +187,10 @@ void SLAppDelegate::tidyFolderOfLastExport() {
 
 int SLAppDelegate::imageBrowserWriteItemsAtIndexesToPasteboard(ImageBrowserView&,
                                                                const std::vector<int>& indexes) {
-  BackupModel* backup = m_arrayController.content();
-  if (!backup || m_exporter->isExporting()) {
+  if (m_exporter->isExporting()) {
     return 0;
   }
-  const PhotosToExport photos = photosAtIndexes(*backup, indexes);
+  const PhotosToExport photos = m_arrayController.photosAtIndexes(indexes);
   if (!photos.empty()) {
     QApplication::clipboard()->setMimeData(
         new PhotoPasteboard(photos, tellingFailedCopy(photos.size())));

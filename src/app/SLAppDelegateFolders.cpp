@@ -160,8 +160,7 @@ void SLAppDelegate::updateFolders() {
     m_arrayController.setContent(nullptr);
     m_ui->browser->reloadData();
     m_ui->contentArea->setCurrentWidget(m_ui->emptyView);
-    updateCentreText();
-    updateCommands();
+    m_finder->contentDidChange();
   } else if (m_ui->contentArea->currentWidget() == m_ui->emptyView) {
     m_ui->contentArea->setCurrentWidget(m_ui->textView);
   }

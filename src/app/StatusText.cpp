@@ -39,6 +39,12 @@ QString hiddenMediaText(const OtherMedia& others) {
       .arg(films > 0 ? filmsText : picturesText);
 }
 
+QString shownCountText(int shown, int all) {
+  return shown == all
+             ? QString()
+             : QCoreApplication::translate("StatusText", "Showing %L1 of %L2").arg(shown).arg(all);
+}
+
 QString exportProgressText(int remaining) {
   return Words::tr("Exporting: %n Photos Remaining", nullptr, remaining);
 }

@@ -7,13 +7,17 @@
 
 namespace snaplift {
 
-// The texts under the photos and of the sidebar. Counts are written without grouping.
+// The texts under the photos and of the sidebar. Counts of these texts are
+// written without grouping, but for one that says otherwise.
 
 // "5 Photos", "2 of 5 Photos Selected", "1 Photo", "1 of 1 Photos Selected", "No Photos".
 QString photoCountText(int photos, int selected);
 
 // "5 films and 2 other pictures are not shown", "1 film is not shown".
 QString hiddenMediaText(const OtherMedia& others);
+
+// "Showing 340 of 660", in the user's number format; empty where all are shown.
+QString shownCountText(int shown, int all);
 
 // "Exporting: 3 Photos Remaining".
 QString exportProgressText(int remaining);

@@ -7,7 +7,7 @@
 #include <sys/fsuid.h>
 
 #include "SLAppDelegateFixture.h"
-#include "app/DiskWatch.h"
+#include "app/disks/DiskWatch.h"
 #include "app/FolderSearch.h"
 #include "faults/SystemCalls.h"
 #include "widgets/desktop/NoticeBar.h"

@@ -5,13 +5,14 @@
 #include "samples/BackupWriter.h"
 #include "support/photos/TestPictures.h"
 
-// usage: writebackups ROOT
+// usage: writebackups ROOT [dated]
 // Writes backups in every state that the window knows, newest first:
 //   Anna      generation 5 with five photos, two of them of one name; 4 with three; 3 with two
 //   Big       generation 5 with a thousand photos
 //   Grandma   encrypted
 //   Music     generation 4 without photos
 //   Ben       generation 2, a photo in either form
+// Or one backup, of Dora, with pictures of every kind from five months.
 namespace snaplift::samples {
 namespace {
 
@@ -67,14 +68,36 @@ void writeBackups(const std::string& path) {
   root.add("Ben", Generation::TwoSingleForm, "1.1", {"100APPLE/IMG_0051.JPG"});
 }
 
+void writeDatedBackup(const std::string& path) {
+  SampleBackup backup{.generation = Generation::Ten,
+                      .deviceName = "Dora",
+                      .productVersion = "12.1",
+                      .date = instantFromUnixTime(1'400'000'000)};  // May 13, 2014
+  const std::pair<const char*, std::uint32_t> photos[] = {
+      {"DCIM/100APPLE/IMG_0001.JPG", 1'307'880'000},  // June 12, 2011
+      {"DCIM/100APPLE/IMG_0002.JPG", 1'309'435'200},  // June 30, 2011
+      {"DCIM/100APPLE/IMG_0003.JPG", 1'325'419'200},  // January 1, 2012
+      {"DCIM/100APPLE/IMG_0010.JPG", 1'293'192'000},  // December 24, 2010
+      {"PhotoData/CPLAssets/group1/IMG_2011.JPG", 1'328'184'000},  // February 2, 2012
+      {"PhotoData/Mutations/DCIM/100APPLE/IMG_0001/Adjustments/FullSizeRender.jpg",
+       1'307'966'400}};  // June 13, 2011
+  for (const auto& [photo, date] : photos) {
+    backup.files.push_back({.domain = "CameraRollDomain",
+                            .path = std::string("Media/") + photo,
+                            .content = photoContent(static_cast<int>(backup.files.size())),
+                            .modificationDate = date});
+  }
+  writeBackup(path + "/Dora", backup);
+}
+
 }  // namespace
 }  // namespace snaplift::samples
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::cerr << "usage: writebackups ROOT\n";
+  if (argc != 2 && argc != 3) {
+    std::cerr << "usage: writebackups ROOT [dated]\n";
     return 2;
   }
-  snaplift::samples::writeBackups(argv[1]);
+  (argc == 3 ? snaplift::samples::writeDatedBackup : snaplift::samples::writeBackups)(argv[1]);
   return 0;
 }

@@ -404,6 +404,91 @@ def drop(test):
     wait_for("whole photos", lambda: all(digest in source for digest in contents(test.folder)))
 
 
+def finding(test):
+    """Photos in the order of dates, by month, name, date and kind; the order stays."""
+    folder = os.path.join(test.folder, "backups")
+    subprocess.run([test.writer, folder, "dated"], check=True)
+    window = test.window(folder)
+    window.text("6 Photos")
+    window.activate()
+    def grid(role, *states):
+        return [safe(lambda: one.name) for one in safe(lambda: list(window.photos()), [])
+                if safe(lambda: one.getRoleName()) == role
+                and all(has_state(one, state) for state in states)]
+    def view(*keys, until):
+        def act():
+            while "\n" in xdotool("search", "--onlyvisible", "--pid", window.process.pid):
+                xdotool("key", "Escape")  # a menu in which keys got lost
+            xdotool("key", "alt+v", *keys)
+        again(f"the view {keys}", act, until)
+    def exported(keys, name):
+        target = os.path.join(test.folder, name)
+        os.mkdir(target)
+        window.export(keys, target)
+        return lambda: sorted(os.listdir(target))
+
+    original = ["IMG_0001.JPG", "IMG_0002.JPG", "IMG_0003.JPG", "IMG_0010.JPG"]
+    by_date = ["IMG_0010.JPG", "IMG_0001.JPG", "FullSizeRender.jpg", "IMG_0002.JPG",
+               "IMG_0003.JPG", "IMG_2011.JPG"]
+    assert sorted(grid("list item")) == sorted(by_date) != grid("list item"), grid("list item")
+    chosen = grid("list item").index("IMG_0002.JPG")
+    again("a selection", lambda: (xdotool("mousemove", *window.photo(chosen)),
+                                  xdotool("click", 1)),
+          lambda: window.says("1 of 6 Photos Selected"))
+    view("s", "d", until=lambda: grid("list item") == by_date)
+    assert grid("list item", "selected") == ["IMG_0002.JPG"], "another one is selected"
+
+    months = ["December 2010, 1 Photo", "June 2011, 3 Photos", "January 2012, 1 Photo",
+              "February 2012, 1 Photo"]
+    view("g", until=lambda: grid("heading") == months)
+    june = next(one for one in window.photos() if one.name == months[1])
+    again("a month", lambda: window.click(june), lambda: window.says("3 of 6 Photos Selected"))
+    files = exported("ctrl+e", "month")
+    wait_for("a month's photos", lambda: files() == [
+        "FullSizeRender.jpg", "IMG_0001.JPG", "IMG_0002.JPG"])
+    window.keys("Escape", "no notice", lambda: not names(window.application, "push button").count(
+        "Save Report..."))
+
+    def fields():
+        return matching(window.application, "text", "Find Photos")
+    def look_for(text, *said):
+        """By Ctrl+F, from the whole keyboard."""
+        def act():
+            xdotool("key", "ctrl+f")
+            xdotool("type", "--delay", "1", text)
+        again(text, act, lambda: all(window.says(one) for one in said))
+    look_for("img_00", "Showing 4 of 6", "2 of 4 Photos Selected")
+    assert sorted(grid("list item")) == original, grid("list item")
+    look_for("june 2011", "Showing 3 of 6", "2 of 3 Photos Selected")
+    look_for("<b>nobody", "No Photos Match “<b>nobody”", "No Photos")
+    press(find(window.application, "push button", "Show All Photos"))
+    wait_for("no field", lambda: not fields())
+    window.text("6 Photos")
+
+    view("c", until=lambda: window.says("2 edited and other pictures are hidden"))
+    window.text("Showing 4 of 6")
+    find(window.application, "push button", "Export Shown...")
+    files = exported("ctrl+shift+e", "originals")
+    wait_for("the originals", lambda: files() == original)
+
+    def type_digit():
+        if not fields():
+            window.click(window.photos().getChildAtIndex(0))
+            xdotool("key", "3")
+    again("the field", type_digit, lambda: [one for one in fields() if has_state(one, "focused")
+          and safe(lambda: one.queryText().getText(0, -1)) == "3"])
+    window.text("Showing 1 of 6")
+    window.keys("Escape", "no field", lambda: not fields())
+    window.text("Showing 4 of 6")
+    window.keys("ctrl+q", "the end", window.has_ended)
+
+    window = test.window()
+    window.text("5 Photos")
+    window.select("May 13, 2014", "4 Photos")
+    wait_for("the same months", lambda: grid("heading") == months[:3])
+    assert grid("list item") == [name for name in by_date if name in original]
+
+
 def reveal(test):
     """The backup's folder in the file manager that answers on the session bus."""
     window = test.window()
@@ -482,6 +567,7 @@ class Test:
     def __init__(self, stack, program, writer, manager):
         self.stack = stack
         self.program = program
+        self.writer = writer
         self.manager = manager
         self.folder = stack.enter_context(tempfile.TemporaryDirectory(prefix="snaplift-folder-"))
         self.root = os.path.join(make_home(stack), ROOT)

@@ -1,5 +1,4 @@
 #include <cstdlib>
-#include <deque>
 #include <random>
 #include <string>
 #include <vector>
@@ -9,48 +8,12 @@
 
 #include "photos/LinearOrder.h"
 #include "photos/PhotoArrangement.h"
+#include "support/KnownPhotos.h"
 
 namespace snaplift {
 namespace {
 
 using testing::ElementsAre;
-
-struct Known {
-  std::string path;
-  std::int64_t date;  // in seconds; 0: none
-  std::optional<std::uint64_t> size;
-};
-
-// A backup that knows this and can read nothing.
-class Backup : public ImageDataSource {
-public:
-  explicit Backup(std::vector<Known> photos) : m_known(std::move(photos)) {
-    for (std::size_t i = 0; i < m_known.size(); ++i) {
-      m_items.emplace_back(m_known[i].path, *this, i);
-    }
-  }
-  std::vector<ImageItem*> photos() {
-    std::vector<ImageItem*> photos;
-    for (ImageItem& item : m_items) {
-      photos.push_back(&item);
-    }
-    return photos;
-  }
-  std::optional<PhotoInfo> photoInfo(std::size_t index) const override {
-    PhotoInfo info = PhotoInfo::ofPath(m_known[index].path);
-    info.size = m_known[index].size;
-    info.birthDate = knownTime(instantFromUnixTime(m_known[index].date));
-    return info;
-  }
-  std::optional<Bytes> imageDataForPath(const std::string&, Bytes) const override {
-    ADD_FAILURE() << "a photo was read";
-    return {};
-  }
-
-private:
-  std::vector<Known> m_known;
-  std::deque<ImageItem> m_items;
-};
 
 class PhotoArrangementTest : public testing::Test {
 protected:
@@ -58,7 +21,7 @@ protected:
     ::setenv("TZ", "Europe/Berlin", 1);
     ::tzset();
     ::setenv("LC_ALL", "de_DE.UTF-8", 1);
-    m_arrangement.setPhotos(m_backup.photos());
+    m_arrangement.setPhotos(m_backup.items());
   }
   // The stems of what is shown.
   std::string shown() const {
@@ -75,11 +38,11 @@ protected:
   }
 
   // May 31, 2011, 22:00 UTC is June in Berlin.
-  Backup m_backup{{{"Media/DCIM/100APPLE/b10.JPG", 1306879200, 5},
-                   {"Media/PhotoData/CPLAssets/group1/a.HEIC", 0, std::nullopt},
-                   {"Media/DCIM/100APPLE/b9.JPG", -86400, 7},
-                   {"Media/PhotoData/Mutations/e\u0301/B9.jpg", 1306879199, 5},
-                   {"Media/DCIM/101APPLE/\u00c4.mov", 1308000000, 5000000000}}};
+  test::KnownPhotos m_backup{{{"Media/DCIM/100APPLE/b10.JPG", 1306879200, 5},
+                              {"Media/PhotoData/CPLAssets/group1/a.HEIC", 0, std::nullopt},
+                              {"Media/DCIM/100APPLE/b9.JPG", -86400, 7},
+                              {"Media/PhotoData/Mutations/e\u0301/B9.jpg", 1306879199, 5},
+                              {"Media/DCIM/101APPLE/\u00c4.mov", 1308000000, 5000000000}}};
   PhotoArrangement m_arrangement;
 };
 
@@ -142,8 +105,9 @@ TEST_F(PhotoArrangementTest, findsNamesPathsAndDates) {
     EXPECT_EQ(shown({.text = text}), found) << text;
   }
   EXPECT_EQ(shown({.order = PhotoOrder::Name, .onlyOriginals = true, .text = "jpg"}), "b9 b10");
-  Backup other({{"Media/DCIM/100APPLE/c.JPG", 0, 1}, {"Media/DCIM/100APPLE/d.PNG", 0, 1}});
-  m_arrangement.setPhotos(other.photos());
+  test::KnownPhotos other(
+      {{"Media/DCIM/100APPLE/c.JPG", 0, 1}, {"Media/DCIM/100APPLE/d.PNG", 0, 1}});
+  m_arrangement.setPhotos(other.items());
   EXPECT_EQ(shown(), "c") << "wishes stay";
   m_arrangement.setPhotos({});
   EXPECT_EQ(shown({.order = PhotoOrder::Name, .isByMonth = true}), "");

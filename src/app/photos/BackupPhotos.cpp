@@ -1,8 +1,16 @@
-#include "app/BackupPhotos.h"
+#include "app/photos/BackupPhotos.h"
+
+#include <QCoreApplication>
+#include <numeric>
 
 #include "foundation/files/Path.h"
 
 namespace snaplift {
+
+std::string BackupPhoto::imageSubtitle() const {
+  const std::optional<Instant> date = m_item.info().date();
+  return date ? mediumDateText(*date) : std::string();
+}
 
 template <class Read>
 auto BackupPhoto::waitingFor(const Read& read) const {
@@ -59,14 +67,53 @@ std::string BackupPhoto::imageOrigin() const {
   return std::string(parentPath(m_item.path().substr(m_backupFolder.size() + 1)));
 }
 
+void BackupPhotos::setContent(BackupModel* backup) {
+  m_content = backup;
+  std::vector<ImageItem*> photos;
+  if (backup) {
+    photos.reserve(backup->imageItems().size());
+    for (const auto& item : backup->imageItems()) {
+      photos.push_back(item.get());
+    }
+  }
+  m_arrangement.setPhotos(std::move(photos));
+}
+
+std::vector<ImageItem*> BackupPhotos::photosAtIndexes(const std::vector<int>& indexes) const {
+  std::vector<ImageItem*> photos;
+  for (const int index : indexes) {
+    if (index >= 0 && index < m_arrangement.count()) {
+      photos.push_back(&m_arrangement.photoAt(index));
+    }
+  }
+  return photos;
+}
+
+std::vector<ImageItem*> BackupPhotos::shownPhotos() const {
+  std::vector<int> indexes(static_cast<std::size_t>(m_arrangement.count()));
+  std::iota(indexes.begin(), indexes.end(), 0);
+  return photosAtIndexes(indexes);
+}
+
 int BackupPhotos::numberOfItemsInImageBrowser(const ImageBrowserView&) const {
-  return m_content ? static_cast<int>(m_content->imageItems().size()) : 0;
+  return m_arrangement.count();
 }
 
 ImageBrowserItemPointer BackupPhotos::imageBrowserItemAtIndex(const ImageBrowserView&,
                                                               int index) const {
-  return std::make_shared<BackupPhoto>(*m_content->imageItems()[static_cast<std::size_t>(index)],
-                                       m_content->path(), m_disks);
+  return std::make_shared<BackupPhoto>(m_arrangement.photoAt(index), m_content->path(), m_disks);
+}
+
+std::vector<ImageBrowserGroup> BackupPhotos::groupsOfItemsInImageBrowser(
+    const ImageBrowserView&) const {
+  std::vector<ImageBrowserGroup> groups;
+  for (const PhotoArrangement::Month& month : m_arrangement.months()) {
+    const std::string title =
+        month.date ? monthTitle(*month.date)
+                   : QCoreApplication::translate("BackupPhotos", "Undated").toStdString();
+    groups.push_back({title, month.count});
+  }
+  return groups;
 }
 
 }  // namespace snaplift

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "app/DiskWatch.h"
+#include "app/disks/DiskWatch.h"
 #include "backups/BackupModel.h"
+#include "photos/PhotoArrangement.h"
 #include "widgets/photogrid/ImageBrowserViewDataSource.h"
 
 namespace snaplift {
@@ -17,6 +18,8 @@ public:
 
   std::string imageUID() const override { return m_item.imageUID(); }
   std::string imageTitle() const override { return m_item.imageTitle(); }
+  // The date.
+  std::string imageSubtitle() const override;
   std::optional<Bytes> imageRepresentation() const override;
   std::optional<Bytes> imageBeginning(std::size_t size) const override;
   std::optional<Bytes> imageThumbnail() const override;
@@ -38,25 +41,39 @@ private:
   DiskWatch* const m_disks;
 };
 
-// The photos of one backup as the photo browser shows them: exactly the backup's `imageItems`, in
-// their order. The backup is not owned; it outlives the browser and its workers, which is why the
-// items that are handed out need keep nothing alive. The user interface's thread only, the items
-// apart.
+// The photos of one backup as the photo browser shows them: as they are wished for, in groups for
+// months where those are wished for, and else exactly the backup's `imageItems` in their order.
+// Indexes are those of the browser everywhere; nobody else knows which photo is meant by one. The
+// backup is not owned; it outlives the browser and its workers, which is why the items that are
+// handed out need keep nothing alive. The user interface's thread only, the items apart.
 class BackupPhotos : public ImageBrowserViewDataSource {
 public:
-  // The backup whose photos are shown; null for none. Whoever sets it reloads the browser.
+  // The backup whose photos are shown; null for none. Whoever sets it, or changes its list, reloads
+  // the browser; wishes stay.
   BackupModel* content() const { return m_content; }
-  void setContent(BackupModel* backup) { m_content = backup; }
+  void setContent(BackupModel* backup);
   // To be set before there is a content.
   void setDisks(DiskWatch& disks) { m_disks = &disks; }
+
+  // What is shown, and what is not.
+  const PhotoArrangement& arrangement() const { return m_arrangement; }
+  // Whoever sets them rearranges the browser: the answer is where each of its indexes is now.
+  std::vector<int> setWishes(const PhotoWishes& wishes) { return m_arrangement.setWishes(wishes); }
+
+  // Those of `indexes` that there are; and all that are shown.
+  std::vector<ImageItem*> photosAtIndexes(const std::vector<int>& indexes) const;
+  std::vector<ImageItem*> shownPhotos() const;
 
   int numberOfItemsInImageBrowser(const ImageBrowserView& browser) const override;
   ImageBrowserItemPointer imageBrowserItemAtIndex(const ImageBrowserView& browser,
                                                   int index) const override;
+  std::vector<ImageBrowserGroup> groupsOfItemsInImageBrowser(
+      const ImageBrowserView& browser) const override;
 
 private:
   BackupModel* m_content = nullptr;
   DiskWatch* m_disks = nullptr;
+  PhotoArrangement m_arrangement;
 };
 
 }  // namespace snaplift

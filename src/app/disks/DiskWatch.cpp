@@ -1,4 +1,4 @@
-#include "app/DiskWatch.h"
+#include "app/disks/DiskWatch.h"
 
 #include <QSocketNotifier>
 
