@@ -1,6 +1,6 @@
 #include <QElapsedTimer>
 #include <algorithm>
-#include <cstdio>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -25,14 +25,16 @@ constexpr int rounds = 10;
 // Of ten years and a hundred folders, with names that begin anew after 10,000, in no order.
 std::vector<test::KnownPhoto> photosOf(int count) {
   std::mt19937 random(1);
+  std::vector<int> numbers(static_cast<std::size_t>(count));
+  std::iota(numbers.begin(), numbers.end(), 0);
+  std::shuffle(numbers.begin(), numbers.end(), random);
   std::vector<test::KnownPhoto> photos;
-  for (int i = 0; i < count; ++i) {
-    const std::string number = std::to_string(10'000 + i % 10'000).substr(1);
-    photos.push_back(
-        {"Media/DCIM/" + std::to_string(100 + i / 1'000) + "APPLE/IMG_" + number + ".JPG",
-         1'200'000'000 + static_cast<std::int64_t>(random() % 315'000'000), random() % 5'000'000});
+  for (const int i : numbers) {
+    const std::string name = "IMG_" + std::to_string(10'000 + i % 10'000).substr(1) + ".JPG";
+    photos.push_back({"Media/DCIM/" + std::to_string(100 + i / 1'000) + "APPLE/" + name,
+                      1'200'000'000 + static_cast<std::int64_t>(random() % 315'000'000),
+                      random() % 5'000'000});
   }
-  std::shuffle(photos.begin(), photos.end(), random);
   return photos;
 }
 
@@ -49,7 +51,8 @@ public:
       PhotoArrangement arrangement;
       arrangement.setPhotos(m_items);
       arrangement.setWishes(wishes);
-      isRight = isRight && arrangement.showsAll() && &arrangement.photoAt(0) != m_items[0];
+      isRight = isRight && arrangement.showsAll() &&
+                (!arrangement.months().empty() || &arrangement.photoAt(0) != m_items[0]);
     }
     return isRight;
   }

@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
@@ -80,6 +81,25 @@ public:
     waitForPhotos();
     shoot("preview");
     browser().setPreviewOpen(false);
+  }
+
+  // Two years in the order of their dates, then a text that nothing matches.
+  void shootFinding() {
+    for (const char* choice : {"actionSortDate", "actionGroupByMonth", "actionDates",
+                               "actionOriginalsOnly", "actionFind"}) {
+      m_delegate.window()->findChild<QAction*>(choice)->trigger();
+    }
+    auto* field = m_delegate.window()->findChild<QLineEdit*>();
+    field->setText("2011");
+    waitForPhotos();
+    shoot("found");
+    field->setText("nowhere");
+    shoot("not-found");
+    QTest::keyClick(field, Qt::Key_Escape);
+    for (const char* choice :
+         {"actionSortBackup", "actionGroupByMonth", "actionDates", "actionOriginalsOnly"}) {
+      m_delegate.window()->findChild<QAction*>(choice)->trigger();
+    }
   }
 
   void shootExport() {
@@ -186,8 +206,9 @@ void paintStates(const QString& folder, const QString& palette) {
     WindowShots shots(folder, palette);
     shots.shootLoading(defaultBackupRoot());
     shots.shootPhotos();
+    shots.shootFinding();
     shots.shootExport();
-    for (const char* menu : {"menuFile", "menuEdit", "menuView"}) {
+    for (const char* menu : {"menuFile", "menuEdit", "menuView", "menuSortBy"}) {
       shots.shootMenu(menu);
     }
     shots.shootFailures("CLARA'S PHONE (DROPPED)");

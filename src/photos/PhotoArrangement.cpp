@@ -15,6 +15,7 @@ void PhotoArrangement::setPhotos(std::vector<ImageItem*> photos) {
   sort();
   choose();
   findMonths();
+  numberPlaces();
 }
 
 std::vector<int> PhotoArrangement::setWishes(const PhotoWishes& wishes) {
@@ -28,13 +29,17 @@ std::vector<int> PhotoArrangement::setWishes(const PhotoWishes& wishes) {
   }
   choose();
   findMonths();
-  std::vector<int> placeOf(m_photos.size(), -1);
-  for (std::size_t place = 0; place < m_shown.size(); ++place) {
-    placeOf[m_shown[place]] = static_cast<int>(place);
-  }
+  numberPlaces();
   std::vector<int> moves(shownBefore.size());
-  std::ranges::transform(shownBefore, moves.begin(), [&](std::uint32_t i) { return placeOf[i]; });
+  std::ranges::transform(shownBefore, moves.begin(), [&](std::uint32_t i) { return m_places[i]; });
   return moves;
+}
+
+void PhotoArrangement::numberPlaces() {
+  m_places.assign(m_photos.size(), -1);
+  for (std::size_t place = 0; place < m_shown.size(); ++place) {
+    m_places[m_shown[place]] = static_cast<int>(place);
+  }
 }
 
 PhotoKeys& PhotoArrangement::keys() {
@@ -63,7 +68,7 @@ void PhotoArrangement::choose() {
     return;
   }
   m_shown.clear();
-  const PhotoKeys& known = keys();
+  PhotoKeys& known = keys();
   for (const std::uint32_t photo : m_sorted) {
     if (m_wishes.onlyOriginals && !known.isOriginal(photo)) {
       ++m_hiddenKinds;

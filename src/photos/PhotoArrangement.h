@@ -41,6 +41,12 @@ public:
   // The answer: for each place from before the place where its photo is now, -1 where it is gone.
   std::vector<int> setWishes(const PhotoWishes& wishes);
 
+  // A photo's number in the list, and its place; -1 for one that is not shown.
+  int numberAt(int place) const {
+    return static_cast<int>(m_shown[static_cast<std::size_t>(place)]);
+  }
+  int placeOf(int number) const { return m_places[static_cast<std::size_t>(number)]; }
+
   // Those that are shown.
   int count() const { return static_cast<int>(m_shown.size()); }
   // `place` is one.
@@ -61,12 +67,14 @@ private:
   void sort();
   void choose();
   void findMonths();
+  void numberPlaces();
 
   std::vector<ImageItem*> m_photos;
   PhotoWishes m_wishes;
   std::unique_ptr<PhotoKeys> m_keys;    // once they are needed
   std::vector<std::uint32_t> m_sorted;  // all photos
   std::vector<std::uint32_t> m_shown;   // in the same order
+  std::vector<int> m_places;            // of all photos
   std::vector<Month> m_months;
   int m_hiddenKinds = 0;
 };

@@ -1,7 +1,7 @@
 #include "photos/PhotoKeys.h"
 
 #include <algorithm>
-#include <limits>
+#include <iterator>
 
 #include "foundation/NameText.h"
 #include "photos/LinearOrder.h"
@@ -20,14 +20,26 @@ PhotoKeys::PhotoKeys(const std::vector<ImageItem*>& photos) : m_items(photos) {
   m_photos.reserve(photos.size());
   for (const ImageItem* photo : photos) {
     const PhotoInfo info = photo->info();
-    m_paths += searchableText(info.devicePath);
-    m_photos.push_back({info.date(), info.size, m_paths.size(), info.kind == PhotoKind::Original});
+    m_photos.push_back({info.date().value_or(noDate), info.size.value_or(noSize),
+                        info.kind == PhotoKind::Original});
   }
 }
 
-std::string_view PhotoKeys::path(std::size_t photo) const {
-  const std::size_t begin = photo == 0 ? 0 : m_photos[photo - 1].pathEnd;
-  return std::string_view(m_paths).substr(begin, m_photos[photo].pathEnd - begin);
+std::string_view PhotoKeys::path(std::size_t photo) {
+  foldPaths();
+  const std::size_t begin = photo == 0 ? 0 : m_pathEnds[photo - 1];
+  return std::string_view(m_paths).substr(begin, m_pathEnds[photo] - begin);
+}
+
+void PhotoKeys::foldPaths() {
+  if (m_pathEnds.size() == count()) {
+    return;
+  }
+  m_pathEnds.reserve(count());
+  for (const ImageItem* photo : m_items) {
+    m_paths += searchableText(photo->info().devicePath);
+    m_pathEnds.push_back(m_paths.size());
+  }
 }
 
 template <class Value>
@@ -47,14 +59,17 @@ std::vector<std::uint64_t> PhotoKeys::numbersFor(PhotoOrder order, bool isDescen
   switch (order) {
     case PhotoOrder::Date:
       return numbers(isDescending, [this](std::size_t photo) {
-        const auto date = m_photos[photo].date;
-        return date ? Number(numberOf(*date)) : std::nullopt;
+        const auto known = date(photo);
+        return known ? Number(numberOf(*known)) : std::nullopt;
       });
     case PhotoOrder::Name:
       rankNames();
       return numbers(isDescending, [this](std::size_t photo) { return Number(m_ranks[photo]); });
     case PhotoOrder::Size:
-      return numbers(isDescending, [this](std::size_t photo) { return m_photos[photo].size; });
+      return numbers(isDescending, [this](std::size_t photo) {
+        const std::uint64_t size = m_photos[photo].size;
+        return size == noSize ? std::nullopt : Number(size);
+      });
     case PhotoOrder::Backup:
       break;
   }
@@ -78,11 +93,12 @@ void PhotoKeys::findMonths() {
     return;
   }
   m_months.reserve(count());
-  for (const Photo& photo : m_photos) {
-    const auto month = photo.date ? localMonth(*photo.date) : std::nullopt;
-    m_months.push_back(month ? 12 * static_cast<int>(month->year()) +
-                                   static_cast<int>(static_cast<unsigned>(month->month())) - 1
-                             : noMonth);
+  for (std::size_t photo = 0; photo < count(); ++photo) {
+    const auto known = date(photo);
+    const auto of = known ? localMonth(*known) : std::nullopt;
+    m_months.push_back(of ? 12 * static_cast<int>(of->year()) +
+                                static_cast<int>(static_cast<unsigned>(of->month())) - 1
+                          : noMonth);
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,9 +27,12 @@ public:
 
   std::size_t count() const { return m_photos.size(); }
   bool isOriginal(std::size_t photo) const { return m_photos[photo].isOriginal; }
-  std::optional<Instant> date(std::size_t photo) const { return m_photos[photo].date; }
-  // The path on the device, as searchableText() has it.
-  std::string_view path(std::size_t photo) const;
+  std::optional<Instant> date(std::size_t photo) const {
+    const Instant date = m_photos[photo].date;
+    return date == noDate ? std::nullopt : std::optional(date);
+  }
+  // The path on the device, as searchableText() has it. Valid as long as the keys.
+  std::string_view path(std::size_t photo);
 
   // A number for each photo by which an ascending or descending order is one of ascending numbers.
   // What has no date or no size comes last in either.
@@ -42,22 +46,26 @@ public:
   int month(std::size_t photo);
 
 private:
+  // No instant that a backup can give, and no size.
+  static constexpr Instant noDate = Instant::min();
+  static constexpr std::uint64_t noSize = std::numeric_limits<std::uint64_t>::max();
   struct Photo {
-    std::optional<Instant> date;
-    std::optional<std::uint64_t> size;
-    std::size_t pathEnd;  // in m_paths
+    Instant date;
+    std::uint64_t size;
     bool isOriginal;
   };
   template <class Value>
   std::vector<std::uint64_t> numbers(bool isDescending, Value valueOf) const;
+  void foldPaths();
   void findMonths();
   void rankNames();
 
   std::vector<Photo> m_photos;
-  std::string m_paths;  // one after another
   std::vector<ImageItem*> m_items;
-  std::vector<int> m_months;           // empty until asked for
-  std::vector<std::uint64_t> m_ranks;  // of the names; likewise
+  std::string m_paths;                  // one after another
+  std::vector<std::size_t> m_pathEnds;  // in them; empty until asked for
+  std::vector<int> m_months;            // empty until asked for
+  std::vector<std::uint64_t> m_ranks;   // of the names; likewise
 };
 
 }  // namespace snaplift

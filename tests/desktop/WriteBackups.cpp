@@ -74,10 +74,10 @@ void writeDatedBackup(const std::string& path) {
                       .productVersion = "12.1",
                       .date = instantFromUnixTime(1'400'000'000)};  // May 13, 2014
   const std::pair<const char*, std::uint32_t> photos[] = {
-      {"DCIM/100APPLE/IMG_0001.JPG", 1'307'880'000},  // June 12, 2011
-      {"DCIM/100APPLE/IMG_0002.JPG", 1'309'435'200},  // June 30, 2011
-      {"DCIM/100APPLE/IMG_0003.JPG", 1'325'419'200},  // January 1, 2012
-      {"DCIM/100APPLE/IMG_0010.JPG", 1'293'192'000},  // December 24, 2010
+      {"DCIM/100APPLE/IMG_0001.JPG", 1'307'880'000},               // June 12, 2011
+      {"DCIM/100APPLE/IMG_0002.JPG", 1'309'435'200},               // June 30, 2011
+      {"DCIM/100APPLE/IMG_0003.JPG", 1'325'419'200},               // January 1, 2012
+      {"DCIM/100APPLE/IMG_0010.JPG", 1'293'192'000},               // December 24, 2010
       {"PhotoData/CPLAssets/group1/IMG_2011.JPG", 1'328'184'000},  // February 2, 2012
       {"PhotoData/Mutations/DCIM/100APPLE/IMG_0001/Adjustments/FullSizeRender.jpg",
        1'307'966'400}};  // June 13, 2011

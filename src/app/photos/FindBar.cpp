@@ -9,7 +9,7 @@
 namespace snaplift {
 namespace {
 
-constexpr int widestField = 360;
+constexpr int fieldWidth = 300;
 constexpr int longestText = 200;  // no name has more letters
 
 }  // namespace
@@ -22,16 +22,16 @@ FindBar::FindBar(QWidget* parent)
   row->setContentsMargins(12, 6, 12, 6);
   row->setSpacing(12);
   m_field->setAccessibleName(tr("Find Photos"));
-  m_field->setPlaceholderText(tr("Name, folder or date, such as 2011 or June 2011"));
+  m_field->setPlaceholderText(tr("Name, folder or date (June 2011)"));
   m_field->setMaxLength(longestText);
-  m_field->setMaximumWidth(widestField);
+  m_field->setMinimumWidth(fieldWidth);
   m_field->setClearButtonEnabled(true);
   for (QToolButton* clear : m_field->findChildren<QToolButton*>()) {
     clear->setAccessibleName(tr("Clear"));
     clear->setToolTip(tr("Show all photos again (Esc)"));
   }
   m_field->installEventFilter(this);
-  row->addWidget(m_field, 1);
+  row->addWidget(m_field, 0, Qt::AlignLeft);
   m_text->setTextFormat(Qt::PlainText);
   m_text->setWordWrap(true);
   row->addWidget(m_text, 1);

@@ -20,6 +20,11 @@ PhotoFinder::PhotoFinder(BackupPhotos& photos, ImageBrowserView& browser, FindBa
   }
   connect(commands.dates, &QAction::toggled, &browser, &ImageBrowserView::setShowsSubtitles);
   connect(commands.dates, &QAction::triggered, this, &PhotoFinder::settingsChanged);
+  connect(&browser, &ImageBrowserView::selectionIndexesChanged, this, [this] {
+    if (!m_isArranging) {
+      m_selected.clear();  // somebody has chosen anew
+    }
+  });
   connect(commands.find, &QAction::triggered, &bar, [&bar] { bar.open(); });
   connect(&bar, &FindBar::textChanged, this, &PhotoFinder::arrange);
   connect(&bar, &FindBar::left, &browser, [&browser] { browser.setFocus(); });
@@ -62,12 +67,35 @@ void PhotoFinder::arrange() {
   if (wanted == m_photos.arrangement().wishes()) {
     return;  // a choice that was made already
   }
+  m_isArranging = true;
+  keepSelection();
   const std::vector<int> moves = m_photos.setWishes(wanted);
   m_browser.rearrangeData([&](int index) { return moves[static_cast<std::size_t>(index)]; });
-  contentDidChange();
+  IndexSet selection(m_photos.arrangement().count());
+  for (const int number : m_selected) {
+    selection.insert(m_photos.arrangement().placeOf(number));
+  }
+  m_browser.setSelectionIndexes(selection);
+  m_isArranging = false;
+  tellWhatIsHidden();
+}
+
+// Of photos that are hidden now or were before, the browser knows nothing.
+void PhotoFinder::keepSelection() {
+  if (m_selected.empty()) {
+    m_selected = m_browser.selectionIndexes().indexes();
+    for (int& selected : m_selected) {
+      selected = m_photos.arrangement().numberAt(selected);
+    }
+  }
 }
 
 void PhotoFinder::contentDidChange() {
+  m_selected.clear();
+  tellWhatIsHidden();
+}
+
+void PhotoFinder::tellWhatIsHidden() {
   const int hidden = m_photos.arrangement().countOfHiddenKinds();
   m_bar.tell(hidden == 0   ? QString()
              : hidden == 1 ? tr("1 edited or other picture is hidden")
@@ -98,6 +126,7 @@ void PhotoFinder::showSome() {
   if (m_photos.arrangement().count() == 0 && m_commands.onlyOriginals->isChecked()) {
     m_commands.onlyOriginals->trigger();
   }
+  m_browser.setFocus();
 }
 
 }  // namespace snaplift

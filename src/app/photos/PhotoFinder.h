@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <vector>
 
 #include "app/photos/BackupPhotos.h"
 
@@ -14,8 +15,9 @@ class ImageBrowserView;
 
 // The commands and the field by which people find photos: order, direction, months, dates below the
 // photos, originals alone, and a text. It keeps them, the photos' arrangement and the browser in
-// step; the selection and the photo at the top of the browser stay. All of it but the text is
-// somebody else's to remember, and stays for the next backup.
+// step; the photo at the top of the browser stays, and so does the selection: a selected photo that
+// is not shown for a while is selected again when it is, unless somebody has selected others. All
+// of it but the text is somebody else's to remember, and stays for the next backup.
 //
 // The user interface's thread. Everything it is given outlives it.
 class PhotoFinder : public QObject {
@@ -58,12 +60,16 @@ signals:
 
 private:
   void arrange();
+  void keepSelection();
+  void tellWhatIsHidden();
   void settingsDidChange();
 
   BackupPhotos& m_photos;
   ImageBrowserView& m_browser;
   FindBar& m_bar;
   const Commands m_commands;
+  std::vector<int> m_selected;  // numbers of photos, shown or not; empty where the browser has them
+  bool m_isArranging = false;
 };
 
 }  // namespace snaplift
