@@ -84,6 +84,7 @@ TEST_F(PhotoArrangementTest, putsMonthsTogetherAndSaysWherePhotosWent) {
   EXPECT_FALSE(m_arrangement.showsAll());
   EXPECT_THAT(m_arrangement.setWishes({}), ElementsAre(4, 0, 2));
   EXPECT_TRUE(m_arrangement.months().empty());
+  EXPECT_EQ(shown({.isByMonth = true}), "b9 B9 b10 \u00c4 a");
 }
 
 TEST_F(PhotoArrangementTest, findsNamesPathsAndDates) {
@@ -105,8 +106,7 @@ TEST_F(PhotoArrangementTest, findsNamesPathsAndDates) {
     EXPECT_EQ(shown({.text = text}), found) << text;
   }
   EXPECT_EQ(shown({.order = PhotoOrder::Name, .onlyOriginals = true, .text = "jpg"}), "b9 b10");
-  test::KnownPhotos other(
-      {{"Media/DCIM/100APPLE/c.JPG", 0, 1}, {"Media/DCIM/100APPLE/d.PNG", 0, 1}});
+  test::KnownPhotos other({{"Media/DCIM/100APPLE/d.PNG"}, {"Media/DCIM/100APPLE/c.JPG"}});
   m_arrangement.setPhotos(other.items());
   EXPECT_EQ(shown(), "c") << "wishes stay";
   m_arrangement.setPhotos({});

@@ -9,7 +9,8 @@
 namespace snaplift {
 namespace {
 
-constexpr int fieldWidth = 300;
+constexpr int narrowestField = 160;
+constexpr int widestField = 300;
 constexpr int longestText = 200;  // no name has more letters
 
 }  // namespace
@@ -24,14 +25,15 @@ FindBar::FindBar(QWidget* parent)
   m_field->setAccessibleName(tr("Find Photos"));
   m_field->setPlaceholderText(tr("Name, folder or date (June 2011)"));
   m_field->setMaxLength(longestText);
-  m_field->setMinimumWidth(fieldWidth);
+  m_field->setMinimumWidth(narrowestField);
+  m_field->setMaximumWidth(widestField);
   m_field->setClearButtonEnabled(true);
   for (QToolButton* clear : m_field->findChildren<QToolButton*>()) {
     clear->setAccessibleName(tr("Clear"));
     clear->setToolTip(tr("Show all photos again (Esc)"));
   }
   m_field->installEventFilter(this);
-  row->addWidget(m_field, 0, Qt::AlignLeft);
+  row->addWidget(m_field, 1);
   m_text->setTextFormat(Qt::PlainText);
   m_text->setWordWrap(true);
   row->addWidget(m_text, 1);
@@ -71,7 +73,6 @@ void FindBar::tell(const QString& text) {
 
 void FindBar::updateVisibility() {
   m_field->setVisible(m_isOpen);
-  m_text->setVisible(!m_text->text().isEmpty());
   setVisible(m_isOpen || !m_text->text().isEmpty());
 }
 
