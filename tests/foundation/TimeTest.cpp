@@ -1,9 +1,10 @@
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 
 #include <gtest/gtest.h>
 
-#include "foundation/Time.h"
+#include "foundation/DateWords.h"
 
 namespace snaplift {
 namespace {
@@ -34,6 +35,12 @@ TEST(Time, cutsWhatNoCalendarHolds) {
     EXPECT_FALSE(rfc3339Text(instant).empty());
     EXPECT_FALSE(longDateText(instant).empty());
   }
+}
+
+TEST(Time, takesADateWithDotsByItsDayFirst) {
+  ::setenv("LC_ALL", "en_US.UTF-8", 1);
+  EXPECT_EQ(timeSpanOfWords("4.3.2011")->begin, startOfLocalDay(2011, 3, 4));
+  EXPECT_EQ(timeSpanOfWords("4/3/2011")->begin, startOfLocalDay(2011, 4, 3));
 }
 
 }  // namespace
