@@ -187,9 +187,7 @@ void SLAppDelegate::offerExport(QAction& item, BackupModel& backup) {
   const bool hasPhotos = !backup.imageItems().empty();
   const bool isPart =
       &backup == m_arrayController.content() && !m_arrayController.arrangement().showsAll();
-  item.setText(!hasPhotos ? tr("No Photos")
-               : isPart   ? textOfExportAll()
-                          : tr("Export All..."));
+  item.setText(!hasPhotos ? tr("No Photos") : isPart ? textOfExportAll() : tr("Export All..."));
   item.setEnabled(hasPhotos);
   disconnect(&item, nullptr, this, nullptr);
   if (hasPhotos) {
