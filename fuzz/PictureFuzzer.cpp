@@ -1,14 +1,16 @@
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <span>
 #include <vector>
 
 #include "Require.h"
 #include "picturedecoder/DecodePicture.h"
+#include "picturedecoder/protocol/PictureFacts.h"
 
 // The decode loop of the picture decoder, without its cage: whatever the bytes, an answer comes
-// back that fits what was asked for.
+// back that fits what was asked for, and facts that can be.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace snaplift;
   using fuzzing::require;
@@ -31,6 +33,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       require(answer.height >= 1 && answer.height <= side);
       require(answer.wholeWidth >= 1 && answer.wholeHeight >= 1);
     }
+  }
+  PictureFacts facts;
+  try {
+    if (decodePicture({Kind::Facts, 0}, {data, size}, std::span(space).first(sizeof facts))
+            .outcome == PictureAnswer::Outcome::Decoded) {
+      std::memcpy(&facts, space.data(), sizeof facts);
+      const PictureFacts believed = plausible(facts);
+      require(std::memcmp(&believed, &facts, sizeof facts) == 0);
+    }
+  } catch (const std::bad_alloc&) {
+    return 0;
   }
   return 0;
 }

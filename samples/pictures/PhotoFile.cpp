@@ -1,9 +1,12 @@
 #include "pictures/PhotoFile.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include <jpeglib.h>
 #include <png.h>
@@ -57,20 +60,91 @@ std::string jpegOf(const Image& image, int quality) {
   return jpegOfPixels(image.bytes.data(), image.width, image.height, 3, quality);
 }
 
-enum class TiffType { Text = 2, Short = 3, Long = 4 };
+enum class TiffType { Text = 2, Short = 3, Long = 4, Ratio = 5 };
 
-// One entry of a TIFF directory; a short stands left in the four bytes of the value.
-std::string tiffEntry(unsigned tag, TiffType type, std::size_t value, std::size_t count = 1) {
-  return bigEndian(tag, 2) + bigEndian(static_cast<std::size_t>(type), 2) + bigEndian(count, 4) +
-         bigEndian(type == TiffType::Short ? value << 16 : value, 4);
+struct TiffEntry {
+  unsigned tag;
+  TiffType type;
+  std::string value;  // big-endian
+  std::size_t count = 1;
+};
+using TiffDirectory = std::vector<TiffEntry>;  // by tag
+
+constexpr std::size_t inlineSize = 4;  // what stands in the entry itself
+
+// A directory is the number of its entries, 12 bytes for each, and where the next one stands; then
+// come the values that are too long for their entries.
+std::size_t sizeOf(const TiffDirectory& directory) {
+  std::size_t size = 2 + 12 * directory.size() + 4;
+  for (const TiffEntry& entry : directory) {
+    size += entry.value.size() > inlineSize ? entry.value.size() : 0;
+  }
+  return size;
 }
 
-// "2011:10:12 08:30:00" and its terminator.
+std::string bytesOf(const TiffDirectory& directory, std::size_t at, std::size_t next = 0) {
+  std::string bytes = bigEndian(directory.size(), 2);
+  std::string values;
+  const std::size_t valuesAt = at + 2 + 12 * directory.size() + 4;
+  for (const TiffEntry& entry : directory) {
+    bytes += bigEndian(entry.tag, 2) + bigEndian(static_cast<std::size_t>(entry.type), 2) +
+             bigEndian(entry.count, 4);
+    if (entry.value.size() > inlineSize) {
+      bytes += bigEndian(valuesAt + values.size(), 4);
+      values += entry.value;
+    } else {
+      bytes += entry.value + std::string(inlineSize - entry.value.size(), '\0');
+    }
+  }
+  return bytes + bigEndian(next, 4) + values;
+}
+
+TiffEntry text(unsigned tag, std::string value) {
+  value += '\0';
+  const std::size_t count = value.size();
+  return {tag, TiffType::Text, std::move(value), count};
+}
+
+TiffEntry number(unsigned tag, TiffType type, std::size_t value) {
+  return {tag, type, bigEndian(value, type == TiffType::Short ? 2 : 4)};
+}
+
+TiffEntry ratio(unsigned tag, std::size_t numerator, std::size_t denominator) {
+  return {tag, TiffType::Ratio, bigEndian(numerator, 4) + bigEndian(denominator, 4)};
+}
+
+// In degrees, minutes and hundredths of seconds.
+TiffEntry degrees(unsigned tag, double value) {
+  const auto hundredths = static_cast<std::size_t>(std::lround(std::abs(value) * 360'000));
+  return {tag, TiffType::Ratio,
+          bigEndian(hundredths / 360'000, 4) + bigEndian(1, 4) +
+              bigEndian(hundredths / 6'000 % 60, 4) + bigEndian(1, 4) +
+              bigEndian(hundredths % 6'000, 4) + bigEndian(100, 4),
+          3};
+}
+
+TiffDirectory exposureOf(const CameraData& camera) {
+  return !camera.exposure ? TiffDirectory()
+                          : TiffDirectory{ratio(0x829A, 1, camera.exposure->perSecond),
+                                          ratio(0x829D, camera.exposure->apertureTenths, 10),
+                                          number(0x8827, TiffType::Short, camera.exposure->iso)};
+}
+
+TiffDirectory positionOf(const CameraData& camera) {
+  if (!camera.position) {
+    return {};
+  }
+  const auto& [latitude, longitude] = *camera.position;
+  return {text(1, latitude < 0 ? "S" : "N"), degrees(2, latitude),
+          text(3, longitude < 0 ? "W" : "E"), degrees(4, longitude)};
+}
+
+// "2011:10:12 08:30:00".
 std::string exifTime(Instant instant) {
   std::string text = rfc3339Text(instant).substr(0, 19);
   std::replace(text.begin(), text.begin() + 10, '-', ':');
   text[10] = ' ';
-  return text + '\0';
+  return text;
 }
 
 }  // namespace
@@ -114,21 +188,37 @@ std::string jpegPhoto(const Image& upright, const CameraData& camera) {
 }
 
 std::string withExif(std::string_view jpeg, const CameraData& camera, std::string_view preview) {
-  const std::string time = exifTime(camera.taken);
-  // A directory is the number of its entries, 12 bytes for each, and where the next one stands.
-  constexpr std::size_t firstDirectory = 8;
-  constexpr std::size_t timeAt = firstDirectory + 2 + std::size_t{2} * 12 + 4;
-  const std::size_t secondDirectory = timeAt + time.size();
-  const std::size_t previewAt = secondDirectory + 2 + std::size_t{3} * 12 + 4;
-  std::string tiff = "MM" + bigEndian(42, 2) + bigEndian(firstDirectory, 4);
-  tiff += bigEndian(2, 2) +
-          tiffEntry(0x0112, TiffType::Short, static_cast<std::size_t>(camera.orientation)) +
-          tiffEntry(0x0132, TiffType::Text, timeAt, time.size()) +
-          bigEndian(preview.empty() ? 0 : secondDirectory, 4) + time;
+  constexpr std::size_t mainAt = 8;
+  const TiffDirectory exposure = exposureOf(camera), position = positionOf(camera);
+  TiffDirectory main;
+  if (!camera.maker.empty()) {
+    main.push_back(text(0x010F, camera.maker));
+  }
+  if (!camera.model.empty()) {
+    main.push_back(text(0x0110, camera.model));
+  }
+  main.push_back(number(0x0112, TiffType::Short, static_cast<std::size_t>(camera.orientation)));
+  main.push_back(text(0x0132, exifTime(camera.taken)));
+  // What an entry points to does not change its size.
+  const std::size_t pointers = (exposure.empty() ? 0 : 1) + (position.empty() ? 0 : 1);
+  const std::size_t exposureAt = mainAt + sizeOf(main) + 12 * pointers;
+  const std::size_t positionAt = exposureAt + (exposure.empty() ? 0 : sizeOf(exposure));
+  const std::size_t previewEntryAt = positionAt + (position.empty() ? 0 : sizeOf(position));
+  if (!exposure.empty()) {
+    main.push_back(number(0x8769, TiffType::Long, exposureAt));
+  }
+  if (!position.empty()) {
+    main.push_back(number(0x8825, TiffType::Long, positionAt));
+  }
+  std::string tiff = "MM" + bigEndian(42, 2) + bigEndian(mainAt, 4);
+  tiff += bytesOf(main, mainAt, preview.empty() ? 0 : previewEntryAt);
+  tiff += exposure.empty() ? "" : bytesOf(exposure, exposureAt);
+  tiff += position.empty() ? "" : bytesOf(position, positionAt);
   if (!preview.empty()) {
-    tiff += bigEndian(3, 2) + tiffEntry(0x0103, TiffType::Short, 6) +
-            tiffEntry(0x0201, TiffType::Long, previewAt) +
-            tiffEntry(0x0202, TiffType::Long, preview.size()) + bigEndian(0, 4);
+    TiffDirectory small{number(0x0103, TiffType::Short, 6), number(0x0201, TiffType::Long, 0),
+                        number(0x0202, TiffType::Long, preview.size())};
+    small[1] = number(0x0201, TiffType::Long, previewEntryAt + sizeOf(small));
+    tiff += bytesOf(small, previewEntryAt);
     tiff += preview;
   }
   constexpr std::string_view name("Exif\0\0", 6);

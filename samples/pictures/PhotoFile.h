@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,15 @@ namespace snaplift::samples {
 struct CameraData {
   int orientation = 1;  // 1 to 8, as EXIF numbers them
   Instant taken = {};
+  std::string maker = {}, model = {};
+  struct Exposure {
+    unsigned perSecond, apertureTenths, iso;  // 125, 28, 100: 1/125 s, f/2.8, ISO 100
+  };
+  std::optional<Exposure> exposure = {};
+  struct Position {
+    double latitude, longitude;  // in degrees, to the north and to the east
+  };
+  std::optional<Position> position = {};
 };
 
 // The JPEG file of a camera: the pixels turned as the orientation says, the date, and an embedded

@@ -32,6 +32,21 @@ std::string panned(const Shot& shot) {
   return jpegFilm(frames, shot.width, shot.height, framesOfSecond);
 }
 
+CameraData cameraOf(const Shot& shot) {
+  constexpr double latitude = 47.0502, longitude = 8.3093;  // by a lake
+  CameraData camera{.orientation = shot.orientation,
+                    .taken = shot.taken,
+                    .maker = "Sample",
+                    .model = "Sample Handset",
+                    .exposure = {{.perSecond = 60 + shot.seed % 8 * 55,
+                                  .apertureTenths = 28,
+                                  .iso = 80 + shot.seed % 4 * 80}}};
+  if (shot.seed % 2 == 0) {
+    camera.position = {{.latitude = latitude + shot.seed % 10 * 0.01, .longitude = longitude}};
+  }
+  return camera;
+}
+
 std::string painted(const Shot& shot) {
   if (shot.source == Source::Film) {
     return panned(shot);
@@ -45,7 +60,7 @@ std::string painted(const Shot& shot) {
     case Source::Thumbnail:
       return plainJpeg(picture);
     default:
-      return jpegPhoto(picture, {.orientation = shot.orientation, .taken = shot.taken});
+      return jpegPhoto(picture, cameraOf(shot));
   }
 }
 

@@ -1,6 +1,7 @@
 #include "picturedecoder/DecodePicture.h"
 
 #include <cmath>
+#include <cstring>
 #include <string_view>
 
 #include "picturedecoder/HeifPicture.h"
@@ -23,25 +24,50 @@ bool isPng(ByteView bytes) {
   return textOf(bytes).starts_with("\x89PNG\r\n\x1A\n"sv);
 }
 
+void setWholeSize(PictureAnswer& answer, PictureSize size) {
+  answer.wholeWidth = size.width;
+  answer.wholeHeight = size.height;
+}
+
 // The preview is turned as the photo is: what it says of its own orientation is often missing.
 PictureAnswer decodeJpegPreview(ByteView picture, std::uint32_t pixels,
                                 const PictureTarget& target) {
   const PictureAnswer none{.outcome = Outcome::NoPreview};
   const auto photo = jpegFacts(picture);
-  if (!photo || !isJpeg(photo->preview)) {
+  if (!photo || !isJpeg(photo->exif.preview())) {
     return none;
   }
-  const auto preview = jpegFacts(photo->preview);
+  const auto preview = jpegFacts(photo->exif.preview());
   if (!preview || !isFitPreview(preview->size, photo->size, pixels)) {
     return none;
   }
-  PictureAnswer answer = decodeJpeg(photo->preview, target, photo->orientation);
+  PictureAnswer answer = decodeJpeg(photo->exif.preview(), target, photo->exif.orientation());
   if (answer.outcome != Outcome::Decoded || answer.isDamaged) {
     return none;
   }
-  const bool isTurned = photo->orientation >= 5;
-  answer.wholeWidth = isTurned ? photo->size.height : photo->size.width;
-  answer.wholeHeight = isTurned ? photo->size.width : photo->size.height;
+  setWholeSize(answer, uprightSize(photo->size, photo->exif.orientation()));
+  return answer;
+}
+
+PictureAnswer readFacts(ByteView picture, std::span<std::uint8_t> space) {
+  PictureFacts facts;
+  PictureSize size;
+  if (isJpeg(picture)) {
+    if (const auto photo = jpegFacts(picture)) {
+      size = uprightSize(photo->size, photo->exif.orientation());
+      facts = photo->exif.facts();
+    }
+  } else if (isHeif(picture)) {
+    size = readHeifFacts(picture, facts);
+  } else if (isPng(picture)) {
+    size = pngSize(picture);
+  }
+  if (size.pixelCount() == 0 || space.size() < sizeof facts) {
+    return {};
+  }
+  std::memcpy(space.data(), &facts, sizeof facts);
+  PictureAnswer answer{.outcome = Outcome::Decoded};
+  setWholeSize(answer, size);
   return answer;
 }
 
@@ -57,6 +83,9 @@ bool isFitPreview(PictureSize preview, PictureSize photo, std::uint32_t pixels) 
 
 PictureAnswer decodePicture(const PictureRequest& request, ByteView picture,
                             std::span<std::uint8_t> pixels) {
+  if (request.kind == PictureRequest::Kind::Facts) {
+    return readFacts(picture, pixels);
+  }
   const bool isPreview = request.kind == PictureRequest::Kind::EmbeddedPreview;
   const PictureTarget target{isPreview ? maxPreviewSide : request.pixels, pixels};
   if (isJpeg(picture)) {

@@ -4,8 +4,9 @@
 
 namespace snaplift {
 
-// Decodes what `request` asks for from a file of any format that is known, into `pixels`. The
-// format is told by the bytes alone. Throws std::bad_alloc where memory is refused.
+// Decodes what `request` asks for from a file of any format that is known, into `pixels`: a
+// picture, or PictureFacts, for which no pixel is looked at. The format is told by the bytes alone.
+// Throws std::bad_alloc where memory is refused.
 PictureAnswer decodePicture(const PictureRequest& request, ByteView picture,
                             std::span<std::uint8_t> pixels);
 

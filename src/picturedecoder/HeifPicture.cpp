@@ -8,8 +8,12 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <string_view>
+#include <vector>
 
 #include <libheif/heif.h>
+
+#include "picturedecoder/Exif.h"
 
 namespace snaplift {
 namespace {
@@ -80,6 +84,34 @@ std::vector<std::uint8_t> profileOf(const heif_image_handle& handle) {
   return profile;
 }
 
+// The block of the file that holds what a camera wrote: where that begins, in four bytes, and
+// behind it what in a JPEG file stands behind "Exif".
+Exif exifOf(const heif_image_handle& handle, std::size_t fileSize) {
+  constexpr std::string_view name("Exif\0\0", 6);
+  constexpr std::size_t offsetSize = 4;
+  heif_item_id id = 0;
+  if (heif_image_handle_get_list_of_metadata_block_IDs(&handle, "Exif", &id, 1) != 1) {
+    return {};
+  }
+  const std::size_t size = heif_image_handle_get_metadata_size(&handle, id);
+  if (size < offsetSize || size > fileSize) {
+    return {};
+  }
+  std::vector<std::uint8_t> block(size);
+  if (!isGood(heif_image_handle_get_metadata(&handle, id, block.data()))) {
+    return {};
+  }
+  const std::size_t begin =
+      offsetSize + (std::size_t{block[0]} << 24 | std::size_t{block[1]} << 16 |
+                    std::size_t{block[2]} << 8 | block[3]);
+  if (begin >= size) {
+    return {};
+  }
+  std::vector<std::uint8_t> segment(name.begin(), name.end());
+  segment.insert(segment.end(), block.begin() + static_cast<std::ptrdiff_t>(begin), block.end());
+  return Exif::read(segment);
+}
+
 PictureAnswer decode(const heif_image_handle& handle, PictureSize whole,
                      const PictureTarget& target) {
   if (sizeOf(handle).pixelCount() == 0 || sizeOf(handle).pixelCount() > maxPixels) {
@@ -145,6 +177,15 @@ PictureAnswer decodeHeifPreview(ByteView bytes, std::uint32_t pixels, const Pict
   return answer.outcome == PictureAnswer::Outcome::Decoded ? answer : none;
 }
 
+PictureSize readHeifFacts(ByteView bytes, PictureFacts& facts) {
+  const OpenFile file = openHeif(bytes);
+  if (!file.picture) {
+    return {};
+  }
+  facts = exifOf(*file.picture, bytes.size()).facts();
+  return sizeOf(*file.picture);
+}
+
 }  // namespace snaplift
 
 #else
@@ -160,6 +201,10 @@ PictureAnswer decodeHeif(ByteView, const PictureTarget&) {
 }
 
 PictureAnswer decodeHeifPreview(ByteView, std::uint32_t, const PictureTarget&) {
+  return {};
+}
+
+PictureSize readHeifFacts(ByteView, PictureFacts&) {
   return {};
 }
 

@@ -10,7 +10,6 @@
 
 #include <jerror.h>
 #include <jpeglib.h>
-#include <libexif/exif-data.h>
 
 namespace snaplift {
 namespace {
@@ -111,29 +110,14 @@ std::vector<std::uint8_t> profileOf(Decoder& decoder) {
   return {data, data + length};
 }
 
-struct ExifEnd {
-  void operator()(ExifData* data) const { exif_data_unref(data); }
-};
-
-std::unique_ptr<ExifData, ExifEnd> exifOf(const Decoder& decoder) {
+Exif exifOf(const Decoder& decoder) {
   for (const auto* marker = decoder.jpeg.marker_list; marker != nullptr; marker = marker->next) {
-    const std::string_view text = textOf({marker->data, marker->data_length});
-    if (marker->marker == exifMarker && text.starts_with("Exif")) {
-      return std::unique_ptr<ExifData, ExifEnd>(
-          exif_data_new_from_data(marker->data, marker->data_length));
+    const ByteView segment(marker->data, marker->data_length);
+    if (marker->marker == exifMarker && textOf(segment).starts_with("Exif")) {
+      return Exif::read(segment);
     }
   }
-  return nullptr;
-}
-
-int orientationOf(ExifData* exif) {
-  const ExifEntry* entry =
-      exif == nullptr ? nullptr : exif_data_get_entry(exif, EXIF_TAG_ORIENTATION);
-  if (entry == nullptr || entry->format != EXIF_FORMAT_SHORT || entry->size < 2) {
-    return 1;
-  }
-  const int orientation = exif_get_short(entry->data, exif_data_get_byte_order(exif));
-  return orientation >= 1 && orientation <= 8 ? orientation : 1;
+  return {};
 }
 
 PictureSize sizeOf(const Decoder& decoder) {
@@ -187,7 +171,7 @@ Attempt attempt(ByteView bytes, const PictureTarget& target, int orientation) {
   }
   const PictureSize stored{decoder.jpeg.output_width, decoder.jpeg.output_height};
   PictureWriter writer(target, stored, whole,
-                       orientation != 0 ? orientation : orientationOf(exifOf(decoder).get()),
+                       orientation != 0 ? orientation : exifOf(decoder).orientation(),
                        std::move(colors));
   std::vector<std::uint8_t> row(std::size_t{4} * stored.width);
   while (writer.rowsAdded() < stored.height && readRow(decoder, row.data())) {
@@ -206,15 +190,7 @@ std::optional<JpegFacts> jpegFacts(ByteView bytes) {
   if (!readHeader(decoder)) {
     return std::nullopt;
   }
-  JpegFacts facts;
-  facts.size = sizeOf(decoder);
-  if (const auto exif = exifOf(decoder)) {
-    facts.orientation = orientationOf(exif.get());
-    if (exif->data != nullptr) {
-      facts.preview.assign(exif->data, exif->data + exif->size);
-    }
-  }
-  return facts;
+  return JpegFacts{sizeOf(decoder), exifOf(decoder)};
 }
 
 PictureAnswer decodeJpeg(ByteView bytes, const PictureTarget& target, int orientation) {

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <vector>
+#include <optional>
 
+#include "picturedecoder/Exif.h"
 #include "picturedecoder/PictureWriter.h"
 
 namespace snaplift {
@@ -11,9 +12,8 @@ namespace snaplift {
 
 // What the segments before the first scan say.
 struct JpegFacts {
-  PictureSize size;                   // as stored
-  int orientation = 1;                // Exif's, 1 to 8
-  std::vector<std::uint8_t> preview;  // the file that Exif embeds; empty where there is none
+  PictureSize size;  // as stored
+  Exif exif;
 };
 
 // Nothing where the bytes have no header of a frame. The pixels are not looked at.

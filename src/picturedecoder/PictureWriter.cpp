@@ -15,10 +15,6 @@ bool swapsSides(int orientation) {
   return orientation >= 5;
 }
 
-PictureSize turned(PictureSize size, int orientation) {
-  return swapsSides(orientation) ? PictureSize{size.height, size.width} : size;
-}
-
 // Where the pixel (x, y) of a stored picture of `size` is, upright, counted in pixels.
 std::size_t uprightIndex(std::size_t x, std::size_t y, PictureSize size, int orientation) {
   const std::size_t right = size.width - 1 - x;
@@ -33,6 +29,10 @@ std::size_t uprightIndex(std::size_t x, std::size_t y, PictureSize size, int ori
 }
 
 }  // namespace
+
+PictureSize uprightSize(PictureSize stored, int orientation) {
+  return swapsSides(orientation) ? PictureSize{stored.height, stored.width} : stored;
+}
 
 PictureSize PictureTarget::fitted(PictureSize size) const {
   const auto scaled = [&](double factor) {
@@ -145,8 +145,8 @@ PictureAnswer PictureWriter::finish(bool isDamaged) {
   while (m_lines < m_target.height) {
     writeLine(m_result.data());
   }
-  const PictureSize size = turned(m_target, m_orientation);
-  const PictureSize whole = turned(m_whole, m_orientation);
+  const PictureSize size = uprightSize(m_target, m_orientation);
+  const PictureSize whole = uprightSize(m_whole, m_orientation);
   return {.outcome = PictureAnswer::Outcome::Decoded,
           .width = size.width,
           .height = size.height,

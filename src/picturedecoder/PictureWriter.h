@@ -17,6 +17,9 @@ struct PictureSize {
   std::uint64_t pixelCount() const { return std::uint64_t{width} * height; }
 };
 
+// The size as it is to be seen; `orientation` is Exif's, 1 to 8.
+PictureSize uprightSize(PictureSize stored, int orientation);
+
 // The place for the pixels, and how long the longer side of a picture may be in it.
 struct PictureTarget {
   std::uint32_t pixels = 0;

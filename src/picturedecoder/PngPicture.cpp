@@ -156,4 +156,14 @@ PictureAnswer decodePng(ByteView bytes, const PictureTarget& target) {
   return decoder.writer->finish(!decoder.isEnded);
 }
 
+PictureSize pngSize(ByteView bytes) {
+  constexpr std::size_t headerName = 12, width = 16, height = 20, end = 24;
+  if (bytes.size() < end || textOf(bytes).substr(headerName, 4) != "IHDR") {
+    return {};
+  }
+  const PictureSize size{png_get_uint_32(bytes.data() + width),
+                         png_get_uint_32(bytes.data() + height)};
+  return size.longerSide() <= maxSide ? size : PictureSize();
+}
+
 }  // namespace snaplift

@@ -10,4 +10,8 @@ namespace snaplift {
 // reader shows.
 PictureAnswer decodePng(ByteView bytes, const PictureTarget& target);
 
+// The size that the file's header states; none where it is no header, or of a size that no picture
+// has.
+PictureSize pngSize(ByteView bytes);
+
 }  // namespace snaplift

@@ -1,7 +1,9 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <csignal>
+#include <cstring>
 #include <fstream>
 #include <future>
 #include <thread>
@@ -16,6 +18,8 @@
 
 #include "foundation/Log.h"
 #include "picturedecoder/Cage.h"
+#include "pictures/PhotoFile.h"
+#include "support/photos/HeicPicture.h"
 #include "support/photos/TestPictures.h"
 #include "widgets/thumbnails/PictureDecoder.h"
 
@@ -94,6 +98,92 @@ TEST(PictureDecoder, canOpenNoPathWhateverTheCall) {
         ::_exit(0);
       },
       testing::ExitedWithCode(EACCES), "");
+}
+
+const samples::CameraData camera{
+    .orientation = 6,
+    .taken = instantFromUnixTime(1'318'408'200),  // 2011-10-12 08:30:00
+    .maker = "Maker",
+    .model = "Handset 4" + std::string(200, '!'),
+    .exposure = {{.perSecond = 125, .apertureTenths = 28, .iso = 100}},
+    .position = {{.latitude = -33.8568, .longitude = 151.2153}}};
+
+TEST(PictureDecoder, readsWhatACameraWrote) {
+  PictureDecoder decoder({{}, memory});
+  const std::string jpeg = test::encoded(test::quadrants({64, 48})).toStdString();
+  const DecodedPicture read = decoder.decode({PictureRequest::Kind::Facts, 0},
+                                             bytesOf(samples::withExif(jpeg, camera, {})), goOn);
+  ASSERT_EQ(read.outcome, Outcome::Decoded);
+  EXPECT_EQ(read.wholeSize, QSize(48, 64)) << "upright";
+  EXPECT_STREQ(read.facts.maker.data(), "Maker");
+  EXPECT_EQ(std::string(read.facts.model.data()), camera.model.substr(0, 63));
+  EXPECT_EQ(std::tie(read.facts.taken.year, read.facts.taken.day, read.facts.taken.second),
+            std::tuple(2011, 12, 0));
+  EXPECT_DOUBLE_EQ(read.facts.exposure, 1.0 / 125);
+  EXPECT_DOUBLE_EQ(read.facts.aperture, 2.8);
+  EXPECT_EQ(read.facts.iso, 100U);
+  EXPECT_NEAR(read.facts.latitude, -33.8568, 1e-5);
+  EXPECT_NEAR(read.facts.longitude, 151.2153, 1e-5);
+}
+
+TEST(PictureDecoder, knowsTheSizeOfEveryFormatAndInventsNothing) {
+  PictureDecoder decoder({{}, memory});
+  const QImage picture = test::quadrants({64, 48});
+  std::vector<QByteArray> files{test::encoded(picture), test::encoded(picture, "png"),
+                                test::withExif(test::encoded(picture), 1)};
+  if (const QByteArray heic = test::heicOf(picture, 1, 8, 16); !heic.isEmpty()) {
+    files.push_back(heic);
+  }
+  for (const QByteArray& file : files) {
+    const DecodedPicture read =
+        decoder.decode({PictureRequest::Kind::Facts, 0}, test::viewOf(file), goOn);
+    EXPECT_EQ(read.wholeSize, QSize(64, 48));
+    EXPECT_EQ(read.facts.taken.year, &file == &files[2] ? 1970 : 0);
+    EXPECT_EQ(read.facts.exposure + read.facts.aperture + read.facts.iso, 0);
+    EXPECT_EQ(read.facts.maker[0], '\0');
+  }
+}
+
+TEST(PictureDecoder, isNotBelievedAboutAPhoto) {
+  PictureDecoder decoder(unruly());
+  const DecodedPicture read =
+      decoder.decode({PictureRequest::Kind::Facts, 0}, bytesOf("good"), goOn);
+  ASSERT_EQ(read.outcome, Outcome::Decoded);
+  EXPECT_EQ(std::string(read.facts.maker.data()), std::string(63, '\xFF'));
+  EXPECT_EQ(read.facts.taken.year, 0);
+  EXPECT_EQ(read.facts.exposure, 0);
+  EXPECT_EQ(read.facts.iso, 0U);
+  EXPECT_EQ(read.facts.hasPosition, 0U);
+}
+
+TEST(PictureFacts, keepWhatCanBe) {
+  PictureFacts good;
+  good.taken = {2012, 2, 29, 23, 59, 59};
+  good.exposure = 30;
+  good.hasPosition = 1;
+  good.latitude = 90;
+  good.longitude = -180;
+  const auto isKept = [](const PictureFacts& facts) {
+    const PictureFacts kept = plausible(facts);
+    return std::memcmp(&kept, &facts, sizeof kept) == 0;
+  };
+  EXPECT_TRUE(isKept(good));
+  for (const auto& spoil : std::initializer_list<void (*)(PictureFacts&)>{
+           [](PictureFacts& facts) { facts.taken.year = 2011; },
+           [](PictureFacts& facts) { facts.taken.month = 0; },
+           [](PictureFacts& facts) { facts.taken.hour = 24; },
+           [](PictureFacts& facts) { facts.taken.second = -1; },
+           [](PictureFacts& facts) { facts.exposure = -1; },
+           [](PictureFacts& facts) { facts.exposure = INFINITY; },
+           [](PictureFacts& facts) { facts.aperture = NAN; },
+           [](PictureFacts& facts) { facts.latitude = 90.1; },
+           [](PictureFacts& facts) { facts.longitude = NAN; },
+           [](PictureFacts& facts) { facts.hasPosition = 2; },
+           [](PictureFacts& facts) { facts.model[3] = 'x'; }}) {
+    PictureFacts spoilt = good;
+    spoil(spoilt);
+    EXPECT_FALSE(isKept(spoilt));
+  }
 }
 
 TEST(PictureDecoder, thatDoesWhatItMayNotIsEndedAndReplacedAndIsNotBelieved) {

@@ -18,7 +18,8 @@ namespace snaplift {
 struct PictureRequest {
   enum class Kind : std::uint32_t {
     EmbeddedPreview,  // the preview in the file, if it has `pixels` on its longer side at least
-    Picture           // the picture itself, scaled so that its longer side has `pixels` at most
+    Picture,          // the picture itself, scaled so that its longer side has `pixels` at most
+    Facts             // no pixels: PictureFacts in their place, and the size of the whole picture
   };
   Kind kind = Kind::Picture;
   std::uint32_t pixels = 0;
@@ -27,7 +28,7 @@ struct PictureRequest {
 struct PictureAnswer {
   enum class Outcome : std::uint32_t {
     Started,    // first of all and unasked: the decoder is in its cage
-    Decoded,    // the pixels are there
+    Decoded,    // the pixels are there, or the facts
     NoPreview,  // none that would do; the picture itself may be fine
     NoPicture,  // the bytes are no picture, or show nothing
     TooLarge    // not within the memory that this decoder may have

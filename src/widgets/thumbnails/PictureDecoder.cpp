@@ -4,9 +4,11 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 #include <fcntl.h>
@@ -54,9 +56,15 @@ std::string ownDecoder() {
 }
 
 std::size_t spaceFor(const PictureRequest& request) {
-  return request.kind == PictureRequest::Kind::EmbeddedPreview
-             ? previewSpace
-             : std::min(std::size_t{request.pixels} * request.pixels * bytesPerPixel, maxSpace);
+  switch (request.kind) {
+    case PictureRequest::Kind::EmbeddedPreview:
+      return previewSpace;
+    case PictureRequest::Kind::Facts:
+      return sizeof(PictureFacts);
+    case PictureRequest::Kind::Picture:
+      break;
+  }
+  return std::min(std::size_t{request.pixels} * request.pixels * bytesPerPixel, maxSpace);
 }
 
 void logMissingFilterOnce() {
@@ -88,8 +96,19 @@ QImage imageOf(const PictureAnswer& answer, std::size_t space, const FileDescrip
   return isRead ? image : QImage();
 }
 
-DecodedPicture pictureOf(const PictureAnswer& answer, std::size_t space,
-                         const FileDescriptor& pixels) {
+// What is left of them when they have been looked at; any bytes are facts.
+std::optional<PictureFacts> factsIn(const FileDescriptor& space) {
+  std::array<std::uint8_t, sizeof(PictureFacts)> bytes{};
+  if (!readFromStart(space, bytes)) {
+    return std::nullopt;
+  }
+  PictureFacts facts;
+  std::memcpy(&facts, bytes.data(), sizeof facts);
+  return plausible(facts);
+}
+
+DecodedPicture pictureOf(const PictureRequest& request, const PictureAnswer& answer,
+                         std::size_t space, const FileDescriptor& pixels) {
   using Outcome = DecodedPicture::Outcome;
   switch (answer.outcome) {
     case PictureAnswer::Outcome::NoPreview:
@@ -107,10 +126,16 @@ DecodedPicture pictureOf(const PictureAnswer& answer, std::size_t space,
     return {};
   }
   DecodedPicture picture{
-      .image = imageOf(answer, space, pixels),
       .wholeSize = QSize(static_cast<int>(answer.wholeWidth), static_cast<int>(answer.wholeHeight)),
       .isDamaged = answer.isDamaged};
-  picture.outcome = picture.image.isNull() ? Outcome::Failed : Outcome::Decoded;
+  if (request.kind == PictureRequest::Kind::Facts) {
+    const auto facts = factsIn(pixels);
+    picture.facts = facts.value_or(PictureFacts());
+    picture.outcome = facts ? Outcome::Decoded : Outcome::Failed;
+  } else {
+    picture.image = imageOf(answer, space, pixels);
+    picture.outcome = picture.image.isNull() ? Outcome::Failed : Outcome::Decoded;
+  }
   return picture;
 }
 
@@ -134,7 +159,7 @@ DecodedPicture PictureDecoder::decode(const PictureRequest& request, ByteView by
     limitProcessorTime();
     const bool isAsked = sendRequest(m_socket.get(), request, picture.get(), pixels.get());
     if (const auto answer = isAsked ? message(stop, m_limits.time) : std::nullopt) {
-      return pictureOf(*answer, space, pixels);
+      return pictureOf(request, *answer, space, pixels);
     }
     end();
   }

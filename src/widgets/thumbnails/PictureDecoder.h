@@ -8,6 +8,7 @@
 
 #include "foundation/Bytes.h"
 #include "foundation/files/FileDescriptor.h"
+#include "picturedecoder/protocol/PictureFacts.h"
 #include "picturedecoder/protocol/PictureProtocol.h"
 #include "widgets/thumbnails/StopSignal.h"
 
@@ -33,6 +34,7 @@ struct DecodedPicture {
   QImage image = {};     // upright, as a raster painter copies it
   QSize wholeSize = {};  // of the whole picture, upright
   bool isDamaged = false;
+  PictureFacts facts = {};  // where they were asked for; then there is no image
 };
 
 // A picture decoder: a process without files, network and much memory that decodes strangers'

@@ -5,7 +5,10 @@
 #include <QString>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
+
+#include "picturedecoder/protocol/PictureFacts.h"
 
 namespace snaplift {
 
@@ -28,6 +31,7 @@ struct Thumbnail {
   bool isDamaged = false;      // `picture` shows what is left of the photo
   bool isFilm = false;         // `picture`, if there is one, is a still of it
   std::optional<std::chrono::milliseconds> filmLength = {};
+  std::shared_ptr<const PictureFacts> facts = {};  // only where they were asked for
 
   // The size of the whole photo; where that is not known, one of the picture's shape that is larger
   // than any place for it.

@@ -22,7 +22,7 @@ Thumbnail shrunk(const ThumbnailRequest& request) {
 
 // The bytes that a decoder has to see.
 std::optional<Bytes> neededBytes(const ImageBrowserItem& item, Kind kind) {
-  if (kind == Kind::Preview) {
+  if (kind == Kind::Preview || kind == Kind::Facts) {
     std::optional<Bytes> bytes = item.imageBeginning(exifReach);
     if (!bytes || bytes->size() < exifReach || textOf(*bytes).starts_with("\xFF\xD8")) {
       return bytes;
@@ -38,12 +38,22 @@ Thumbnail brokenThumbnail(ImageBrowserItem::Content content) {
   return broken;
 }
 
+PictureRequest::Kind kindFor(Kind kind) {
+  return kind == Kind::Preview ? PictureRequest::Kind::EmbeddedPreview
+         : kind == Kind::Facts ? PictureRequest::Kind::Facts
+                               : PictureRequest::Kind::Picture;
+}
+
 Thumbnail thumbnailOf(DecodedPicture&& decoded, const ThumbnailRequest& request) {
   Thumbnail result;
   const bool isPreview = request.kind == Kind::Preview;
   switch (decoded.outcome) {
     case DecodedPicture::Outcome::Decoded:
       result.state = isPreview ? Thumbnail::State::Preview : Thumbnail::State::Ready;
+      if (request.kind == Kind::Facts) {
+        result.state = Thumbnail::State::Unknown;
+        result.facts = std::make_shared<const PictureFacts>(decoded.facts);
+      }
       break;
     case DecodedPicture::Outcome::NoPreview:
       result.state = Thumbnail::State::Unknown;
@@ -67,9 +77,7 @@ ThumbnailMaker::ThumbnailMaker(LoaderLimits limits, std::size_t memory)
 // A decoder that may take more is there for one picture only.
 DecodedPicture ThumbnailMaker::decode(const ThumbnailJob& job, ByteView bytes,
                                       const StopSignal& stop) {
-  const PictureRequest request{job.request.kind == Kind::Preview
-                                   ? PictureRequest::Kind::EmbeddedPreview
-                                   : PictureRequest::Kind::Picture,
+  const PictureRequest request{kindFor(job.request.kind),
                                static_cast<std::uint32_t>(job.request.pixels)};
   return job.isLarge ? PictureDecoder({m_limits.decoder, m_limits.largeMemory, m_limits.time})
                            .decode(request, bytes, stop)
@@ -125,11 +133,18 @@ std::optional<Thumbnail> ThumbnailMaker::make(ThumbnailJob& job, const StopSigna
       return result;
     }
   }
-  const std::optional<Bytes> bytes = neededBytes(item, job.request.kind);
+  const bool asksForFacts = job.request.kind == Kind::Facts;
+  std::optional<Bytes> bytes = neededBytes(item, job.request.kind);
   if (!bytes) {
     return brokenThumbnail(item.imageContent());
   }
   DecodedPicture decoded = decode(job, *bytes, stop);
+  if (asksForFacts && decoded.outcome == DecodedPicture::Outcome::NoPicture &&
+      bytes->size() == exifReach) {
+    // The size may stand behind more than what a preview needs.
+    bytes = item.imageRepresentation();
+    decoded = bytes ? decode(job, *bytes, stop) : DecodedPicture();
+  }
   if (isPreview && decoded.outcome == DecodedPicture::Outcome::NoPreview) {
     if (auto result = devicePreview(job, stop)) {
       return result;
@@ -141,7 +156,7 @@ std::optional<Thumbnail> ThumbnailMaker::make(ThumbnailJob& job, const StopSigna
     return std::nullopt;
   }
   Thumbnail result = thumbnailOf(std::move(decoded), job.request);
-  if (!isPreview) {
+  if (!isPreview && !asksForFacts) {
     result.byteCount = static_cast<std::int64_t>(bytes->size());
   }
   result.isDamaged = result.isDamaged || item.imageContent() == Content::Short;

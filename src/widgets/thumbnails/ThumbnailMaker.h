@@ -18,7 +18,8 @@ struct ThumbnailRequest {
   enum class Kind {
     Preview,  // the embedded preview, if it would do for `pixels`
     Decode,   // the photo itself, with `pixels` on its longer side
-    Shrink    // `source`, a thumbnail that is larger, with `pixels` on its longer side
+    Shrink,   // `source`, a thumbnail that is larger, with `pixels` on its longer side
+    Facts     // no picture: what the photo's file says, and whether it is there as a whole
   };
 
   ImageBrowserItemPointer item;
@@ -35,7 +36,7 @@ struct ThumbnailJob {
 
 // What the decoders of one loader may cost together.
 struct LoaderLimits {
-  std::size_t memory = 200'000'000;       // shared evenly among the workers
+  std::size_t memory = 160'000'000;       // shared evenly among the workers
   std::size_t largeMemory = 200'000'000;  // beside it, for one picture that needs more; 0: none
   std::chrono::milliseconds time{10'000};
   std::string decoder;  // see DecoderLimits::program
