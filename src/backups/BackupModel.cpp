@@ -167,6 +167,7 @@ const std::vector<std::unique_ptr<ImageItem>>& BackupModel::imageItems() {
     };
     build(imagePaths(), m_imageItems);
     build(m_delegate->otherMediaPaths(), m_unwantedItems);
+    m_livePhotos = LivePhotos(m_imageItems);
   });
   return m_imageItems;
 }
@@ -193,6 +194,7 @@ void BackupModel::setWantsOtherMedia(bool wants) {
     std::move(firstOther, m_imageItems.end(), std::back_inserter(m_unwantedItems));
     m_imageItems.erase(firstOther, m_imageItems.end());
   }
+  m_livePhotos = LivePhotos(m_imageItems);
 }
 
 const std::vector<std::string>& BackupModel::imagePaths() {

@@ -13,6 +13,7 @@
 
 #include "backups/ImageDataSource.h"
 #include "backups/ImageItem.h"
+#include "backups/LivePhotos.h"
 #include "decoders/BackupDecoderDelegate.h"
 #include "foundation/Time.h"
 #include "foundation/files/File.h"
@@ -78,6 +79,11 @@ public:
   // One item for each photo, in the decoder's order; then, where they are wanted, one for each film
   // and picture besides. The items are built once, by the first caller, and kept.
   const std::vector<std::unique_ptr<ImageItem>>& imageItems();
+  // Which of the items that are listed now are live photos.
+  const LivePhotos& livePhotos() {
+    imageItems();
+    return m_livePhotos;
+  }
   // What there is besides, wanted or not. Loads first, as imageItems() does.
   OtherMedia otherMedia();
   // Changes the list of imageItems(), while nobody else looks at it. Items that leave the list live
@@ -140,6 +146,7 @@ private:
   std::once_flag m_itemsBuilt;
   std::vector<std::unique_ptr<ImageItem>> m_imageItems;
   std::vector<std::unique_ptr<ImageItem>> m_unwantedItems;  // those of the other media, or none
+  LivePhotos m_livePhotos;                                  // of m_imageItems
 
   std::atomic<bool> m_loadUnderWay = false;  // from prepareContent() until processing is cleared
   std::atomic<bool> m_processing = false;
