@@ -5,12 +5,18 @@
 #include <system_error>
 #include <utility>
 
+#include "backups/ImageItem.h"
+
 namespace snaplift {
 namespace {
 
 // How many photos may be written and wait for their names while one before them is still at work: a
 // film, say. Where files have no name until then, nobody sees them; else they are hidden parts.
 constexpr std::size_t mostPhotosAhead = 32;
+
+bool isFilm(const ImageItem& photo) {
+  return mediaOfPath(photo.path()) == PhotoMedia::Film;
+}
 
 }  // namespace
 
@@ -97,7 +103,9 @@ void ExportJob::end(const WrittenPhoto& photo) {
   const ExportedPhoto& outcome = photo.outcome;
   m_summary.failed += outcome.error ? 1 : 0;
   m_summary.skipped += outcome.isSkipped ? 1 : 0;
-  m_summary.exported += outcome.error || outcome.isSkipped ? 0 : 1;
+  const bool isExported = !outcome.error && !outcome.isSkipped;
+  m_summary.exported += isExported ? 1 : 0;
+  m_summary.films += isExported && isFilm(*outcome.photo) ? 1 : 0;
   m_summary.renamed += outcome.isRenamed ? 1 : 0;
   m_summary.shortened += outcome.isShort && !outcome.error ? 1 : 0;
   m_summary.bytes += outcome.bytes;

@@ -39,7 +39,8 @@ struct ExportedPhoto {
 struct ExportSummary {
   std::uint64_t photos = 0;     // of the whole job
   std::uint64_t exported = 0;   // of a dry run, those that can be
-  std::uint64_t renamed = 0;    // of the exported
+  std::uint64_t films = 0;      // of the exported
+  std::uint64_t renamed = 0;    // likewise
   std::uint64_t shortened = 0;  // of the exported, those that are short
   std::uint64_t skipped = 0;
   std::uint64_t failed = 0;

@@ -53,13 +53,11 @@ void EverythingToExport::collect(const std::stop_token& stop) {
       if (stop.stop_requested()) {
         return;
       }
-      const auto size = item->info().size;
-      m_bytes = size && m_bytes ? std::optional(*m_bytes + *size) : std::nullopt;
       m_photos.missing.push_back({item.get(), folders.folderFor(*item, backup.handset)});
     }
   }
   QMetaObject::invokeMethod(
-      this, [this] { emit collected(m_photos, m_bytes); }, Qt::QueuedConnection);
+      this, [this] { emit collected(m_photos); }, Qt::QueuedConnection);
 }
 
 }  // namespace snaplift

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,7 +17,7 @@ namespace snaplift {
 
 // Collects the photos of many backups for one export. Backups that are not loaded yet are loaded
 // one after the other, each as a click on it loads it; then a thread asks the backups for the
-// photos, with their folders and sizes. Of encrypted backups only the names are taken.
+// photos, with their folders. Of encrypted backups only the names are taken.
 //
 // The user interface's thread. The backups outlive the object, whose end stops the work; a load
 // that is under way goes on, as one that was clicked.
@@ -38,8 +37,8 @@ public:
 signals:
   void progressed();
 
-  // Once. The bytes that all photos need are absent where one's size is not known.
-  void collected(const ExportReport& photos, std::optional<std::uint64_t> bytes);
+  // Once.
+  void collected(const ExportReport& photos);
 
 private:
   struct Backup {
@@ -57,7 +56,6 @@ private:
   std::optional<std::size_t> m_asked;  // the backup that was told to load
   NotificationCenter::Token m_finishedLoading;
   ExportReport m_photos;  // of the thread, until it says that it is done
-  std::optional<std::uint64_t> m_bytes = 0;
   std::jthread m_collecting;
 };
 

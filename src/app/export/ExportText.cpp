@@ -29,6 +29,19 @@ QString photosText(std::uint64_t count) {
                     : Words::tr("%n photos", nullptr, static_cast<int>(count));
 }
 
+QString filmsText(std::uint64_t count) {
+  return count == 1 ? Words::tr("1 film") : Words::tr("%n films", nullptr, static_cast<int>(count));
+}
+
+// "5 photos", "1 photo and 2 films".
+QString exportedCountText(const ExportSummary& summary) {
+  const std::uint64_t photos = summary.exported - summary.films;
+  return summary.films == 0 ? photosText(photos)
+         : photos == 0      ? filmsText(summary.films)
+                            : Words::tr("%1 and %2", "photos and films")
+                                  .arg(photosText(photos), filmsText(summary.films));
+}
+
 QString folderName(const std::string& folder) {
   const std::string_view name = lastPathComponent(folder);
   return plain(name.empty() ? folder : std::string(name));
@@ -62,7 +75,7 @@ QString backupsText(const QString& what, const std::vector<std::string>& backups
 QString exportedText(const ExportReport& report) {
   const ExportSummary& summary = report.summary;
   QString text = Words::tr("%1 exported to %2")
-                     .arg(photosText(summary.exported), folderName(report.destination));
+                     .arg(exportedCountText(summary), folderName(report.destination));
   const auto add = [&text](std::uint64_t count, const char* what) {
     if (count > 0) {
       text += ", " + Words::tr(what, nullptr, static_cast<int>(count));

@@ -16,19 +16,6 @@
 namespace snaplift {
 namespace {
 
-// Absent where the backup does not know the size of each.
-std::optional<std::uint64_t> bytesOf(const std::vector<PhotoToExport>& photos) {
-  std::uint64_t bytes = 0;
-  for (const PhotoToExport& photo : photos) {
-    const auto size = photo.photo->info().size;
-    if (!size) {
-      return std::nullopt;
-    }
-    bytes += *size;
-  }
-  return bytes;
-}
-
 void log(const ExportReport& report) {
   for (const ExportedPhoto& photo : report.failures) {
     systemLog("failed (0) to extract the file: " + photo.error->description());
@@ -52,13 +39,20 @@ PhotoExporter::PhotoExporter(QWidget& window, ExportProgressBar& progress, Expor
   connect(&m_exports, &WindowExports::progressed, this, &PhotoExporter::showProgress);
   connect(&m_exports, &WindowExports::ended, this, &PhotoExporter::tellEnd);
   connect(&m_progress, &ExportProgressBar::stopWanted, this, &PhotoExporter::stop);
-  connect(&m_notice, &ExportNotice::retryWanted, &m_exports, &WindowExports::begin);
+  connect(
+      &m_notice, &ExportNotice::retryWanted, this,
+      [this](const ExportReport& report, std::size_t photos) { m_exports.begin(report, photos); });
 }
 
 PhotoExporter::~PhotoExporter() = default;
 
-void PhotoExporter::exportPhotos(const ExportReport& report) {
-  beginWhereThereIsRoom(report, bytesOf(report.missing));
+void PhotoExporter::exportPhotos(ExportReport report) {
+  m_notice.hide();
+  m_exports.begin(
+      std::move(report), WindowExports::allPhotos,
+      [this](const ExportReport& next, std::uint64_t bytes, const std::function<void()>& goOn) {
+        beginWhereThereIsRoom(next, bytes, goOn);
+      });
 }
 
 void PhotoExporter::exportEverything(std::unique_ptr<EverythingToExport> everything,
@@ -67,22 +61,20 @@ void PhotoExporter::exportEverything(std::unique_ptr<EverythingToExport> everyth
   m_notice.hide();
   connect(m_everything.get(), &EverythingToExport::progressed, this, &PhotoExporter::showProgress);
   connect(m_everything.get(), &EverythingToExport::collected, this,
-          [this, destination, options](ExportReport photos, std::optional<std::uint64_t> bytes) {
+          [this, destination, options](ExportReport photos) {
             m_everything.release()->deleteLater();  // it is speaking
             showProgress();
             photos.destination = destination;
             photos.options = options;
-            beginWhereThereIsRoom(photos, bytes);
+            exportPhotos(std::move(photos));
           });
   m_everything->start();
 }
 
-void PhotoExporter::beginWhereThereIsRoom(const ExportReport& report,
-                                          std::optional<std::uint64_t> bytes) {
-  m_notice.hide();
-  const auto begin = [this, report] { m_exports.begin(report); };
+void PhotoExporter::beginWhereThereIsRoom(const ExportReport& report, std::uint64_t bytes,
+                                          const std::function<void()>& begin) {
   // Of photos that may be there already nobody knows beforehand what they need.
-  const std::uint64_t needed = report.options.skipsExisting ? 0 : bytes.value_or(0);
+  const std::uint64_t needed = report.options.skipsExisting ? 0 : bytes;
   const auto free = freeBytes(report.destination);
   if (free && needed > *free) {
     askQuestion(&m_window, littleRoomText(report.destination, needed, *free), tr("Export Anyway"),

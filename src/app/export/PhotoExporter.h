@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "app/export/EverythingToExport.h"
@@ -35,7 +34,7 @@ public:
   ~PhotoExporter() override;
 
   // What is missing of `report`, into its destination, which has been looked at.
-  void exportPhotos(const ExportReport& report);
+  void exportPhotos(ExportReport report);
   // The same of what has still to be collected. One at a time.
   void exportEverything(std::unique_ptr<EverythingToExport> everything,
                         const std::string& destination, const ExportOptions& options);
@@ -55,7 +54,8 @@ signals:
   void progressed();
 
 private:
-  void beginWhereThereIsRoom(const ExportReport& report, std::optional<std::uint64_t> bytes);
+  void beginWhereThereIsRoom(const ExportReport& report, std::uint64_t bytes,
+                             const std::function<void()>& begin);
   void showProgress();
   void stop();
   void tellEnd(const ExportReport& report);

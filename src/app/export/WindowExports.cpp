@@ -32,8 +32,17 @@ public:
         m_photos(takeMissing(photos)),
         m_job(m_photos, m_report.destination, m_report.options, *this) {
     m_report.failures.clear();
-    m_measuring = std::jthread([this](const std::stop_token& stop) { measure(stop); });
-    m_job.start();
+  }
+
+  // Asks the backup for the photos' sizes on a thread that calls `done` at its end, unless the
+  // export goes before that.
+  void measure(std::function<void()> done) {
+    m_measuring = std::jthread([this, done = std::move(done)](const std::stop_token& stop) {
+      measureAll(stop);
+      if (!stop.stop_requested()) {
+        done();
+      }
+    });
   }
 
   void photoDidEnd(const ExportedPhoto& photo) override {
@@ -58,16 +67,23 @@ public:
         &m_owner, [this, owner = &m_owner] { owner->exportHasEnded(this); }, Qt::QueuedConnection);
   }
 
+  // 0: not known, or not yet.
+  std::uint64_t bytes() const { return m_isMeasured ? m_bytesBefore.back() : 0; }
+
   ExportJob& job() { return m_job; }
+  void stop() {
+    m_isStopped = true;
+    m_job.stop();
+  }
+  bool isStopped() const { return m_isStopped; }
   const ExportReport& report() const { return m_report; }
 
   ExportProgress progress() const {
     const std::size_t ended = m_ended;
-    const bool isMeasured = m_isMeasured;
     return {.photos = m_photos.size(),
             .photosEnded = ended,
-            .bytes = isMeasured ? m_bytesBefore.back() : 0,
-            .bytesEnded = isMeasured ? m_bytesBefore[ended] : 0};
+            .bytes = bytes(),
+            .bytesEnded = m_isMeasured ? m_bytesBefore[ended] : 0};
   }
 
 private:
@@ -83,6 +99,7 @@ private:
   void addToReport(const ExportSummary& summary) {
     ExportSummary sum = summary;
     sum.exported += m_report.summary.exported;
+    sum.films += m_report.summary.films;
     sum.renamed += m_report.summary.renamed;
     sum.shortened += m_report.summary.shortened;
     sum.skipped += m_report.summary.skipped;
@@ -92,9 +109,8 @@ private:
     m_report.summary = sum;
   }
 
-  // Asks the backup for the photos' sizes, beside the export. The size of one that is not known
-  // makes the sum worthless.
-  void measure(const std::stop_token& stop) {
+  // The size of one that is not known makes the sum worthless.
+  void measureAll(const std::stop_token& stop) {
     std::uint64_t bytes = 0;
     m_bytesBefore.reserve(m_photos.size() + 1);
     m_bytesBefore.push_back(bytes);
@@ -117,6 +133,7 @@ private:
   std::vector<std::uint64_t> m_bytesBefore;  // each photo, and all; read when it is measured
   std::atomic<bool> m_isMeasured = false;
   ExportJob m_job;
+  bool m_isStopped = false;
   std::jthread m_measuring;
 };
 
@@ -129,15 +146,45 @@ WindowExports::~WindowExports() {
   stopAndWait();
 }
 
-void WindowExports::begin(ExportReport report, std::size_t photos) {
+void WindowExports::begin(ExportReport report, std::size_t photos, Decide decide) {
   // As late as this: what the toolkit has made before then is still there when the exports stop.
   [[maybe_unused]] static const int isRegistered = std::atexit(stopAtExit);
-  m_exports.push_back(std::make_unique<Export>(*this, std::move(report), photos));
+  const auto next = std::make_shared<Export>(*this, std::move(report), photos);
+  m_measured.push_back(next);
+  next->measure([this, measured = next.get(), decide = std::move(decide)] {
+    QMetaObject::invokeMethod(
+        this, [this, measured, decide] { exportIsMeasured(measured, decide); },
+        Qt::QueuedConnection);
+  });
+  emit progressed();
+}
+
+void WindowExports::exportIsMeasured(const Export* measured, const Decide& decide) {
+  const auto place = std::ranges::find(m_measured, measured, &ExportPointer::get);
+  if (place == m_measured.end()) {
+    return;  // stopped
+  }
+  const ExportPointer next = std::move(*place);
+  m_measured.erase(place);
+  if (decide && !next->isStopped()) {
+    decide(next->report(), next->bytes(), [this, next] { start(next); });
+  } else {
+    start(next);
+  }
+  emit progressed();
+}
+
+void WindowExports::start(const ExportPointer& next) {
+  m_exports.push_back(next);
+  next->job().start();
   emit progressed();
 }
 
 std::size_t WindowExports::remaining() const {
   std::size_t count = 0;
+  for (const auto& measured : m_measured) {
+    count += measured->job().remaining();
+  }
   for (const auto& running : m_exports) {
     count += std::max<std::size_t>(1, running->job().remaining());
   }
@@ -146,8 +193,10 @@ std::size_t WindowExports::remaining() const {
 
 ExportProgress WindowExports::progress() const {
   std::vector<ExportProgress> all = m_over;
-  for (const auto& running : m_exports) {
-    all.push_back(running->progress());
+  for (const auto* exports : {&m_measured, &m_exports}) {
+    for (const auto& one : *exports) {
+      all.push_back(one->progress());
+    }
   }
   const bool areMeasured =
       std::ranges::none_of(all, [](const auto& one) { return one.bytes == 0; });
@@ -162,13 +211,16 @@ ExportProgress WindowExports::progress() const {
 }
 
 void WindowExports::stop() {
-  for (const auto& running : m_exports) {
-    running->job().stop();
+  for (const auto* exports : {&m_measured, &m_exports}) {
+    for (const auto& one : *exports) {
+      one->stop();
+    }
   }
 }
 
 void WindowExports::stopAndWait() {
   stop();
+  m_measured.clear();
   m_exports.clear();
   m_over.clear();
 }
@@ -189,13 +241,12 @@ void WindowExports::tellProgress() {
   }
 }
 
-void WindowExports::exportHasEnded(Export* over) {
-  const auto place =
-      std::ranges::find(m_exports, over, [](const auto& running) { return running.get(); });
+void WindowExports::exportHasEnded(const Export* over) {
+  const auto place = std::ranges::find(m_exports, over, &ExportPointer::get);
   if (place == m_exports.end()) {
     return;  // stopped, and forgotten
   }
-  const std::unique_ptr<Export> last = std::move(*place);
+  const ExportPointer last = std::move(*place);
   m_exports.erase(place);
   m_over.push_back(last->progress());
   if (m_exports.empty()) {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <memory>
 #include <string>
@@ -48,14 +49,19 @@ public:
   explicit WindowExports(QObject* parent = nullptr);
   ~WindowExports() override;  // stops after the photos in hand
 
-  // Tries the first `photos` that are missing, or all.
-  void begin(ExportReport report, std::size_t photos = allPhotos);
+  // Says whether an export may begin, by calling `goOn`, now or later; never called, it does not.
+  // `bytes` is what its photos need, 0 where the size of one is not known.
+  using Decide = std::function<void(const ExportReport& report, std::uint64_t bytes,
+                                    const std::function<void()>& goOn)>;
+  // Tries the first `photos` that are missing, or all, once their backups have been asked for their
+  // sizes and `decide`, if there is one, says so.
+  void begin(ExportReport report, std::size_t photos = allPhotos, Decide decide = {});
 
   // How many photos are still to end, of all exports. An export whose photos are all there counts
   // as one until they are on the disk.
   std::size_t remaining() const;
   ExportProgress progress() const;
-  bool isExporting() const { return !m_exports.empty(); }
+  bool isExporting() const { return !m_exports.empty() || !m_measured.empty(); }
 
   // No photo is begun any more. ended() comes as usual.
   void stop();
@@ -70,11 +76,15 @@ signals:
 
 private:
   class Export;
-  void exportHasEnded(Export* over);
+  using ExportPointer = std::shared_ptr<Export>;
+  void exportIsMeasured(const Export* measured, const Decide& decide);
+  void start(const ExportPointer& next);
+  void exportHasEnded(const Export* over);
   void tellProgress();
 
-  std::list<std::unique_ptr<Export>> m_exports;
-  std::vector<ExportProgress> m_over;  // of those that ended while others went on
+  std::list<ExportPointer> m_measured;  // those that are being measured
+  std::list<ExportPointer> m_exports;   // those that run
+  std::vector<ExportProgress> m_over;   // of those that ended while others went on
   std::atomic<bool> m_isProgressTold = false;
 };
 
