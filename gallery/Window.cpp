@@ -12,6 +12,7 @@
 
 #include "Gallery.h"
 #include "app/SLAppDelegate.h"
+#include "app/details/PhotoDetails.h"
 #include "backups/BackupModel.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/files/TemporaryFolder.h"
@@ -100,6 +101,23 @@ public:
          {"actionSortBackup", "actionGroupByMonth", "actionDates", "actionOriginalsOnly"}) {
       m_delegate.window()->findChild<QAction*>(choice)->trigger();
     }
+  }
+
+  // Get Info of several photos, of one and of the backup.
+  void shootDetails() {
+    auto& panel = *m_delegate.window()->findChild<PhotoDetails*>();
+    auto& facts = *panel.findChild<FactTable*>();
+    m_delegate.window()->findChild<QAction*>("actionGetInfo")->trigger();
+    waitFor("the sums are there", [&] { return facts.valueOf("Kinds") != nullptr; });
+    shoot("info-selection");
+    QTest::keyClick(&browser(), Qt::Key_Home);
+    waitFor("the photo is read", [&] { return facts.valueOf("Camera") != nullptr; });
+    waitFor("its picture is there", [&] { return !panel.isLoading(); });
+    shoot("info");
+    browser().deselectAll();
+    waitFor("the backup is told of", [&] { return facts.valueOf("System version") != nullptr; });
+    shoot("info-backup");
+    m_delegate.window()->findChild<QAction*>("actionGetInfo")->trigger();
   }
 
   void shootExport() {
@@ -207,6 +225,7 @@ void paintStates(const QString& folder, const QString& palette) {
     shots.shootLoading(defaultBackupRoot());
     shots.shootPhotos();
     shots.shootFinding();
+    shots.shootDetails();
     shots.shootExport();
     for (const char* menu : {"menuFile", "menuEdit", "menuView", "menuSortBy"}) {
       shots.shootMenu(menu);

@@ -91,6 +91,16 @@ void RememberedState::setLook(const Look& look) const {
   }
 }
 
+bool RememberedState::showsInfo() const {
+  return m_keeps && QSettings(windowFileName(), QSettings::IniFormat).value("info").toBool();
+}
+
+void RememberedState::setShowsInfo(bool shows) const {
+  if (m_keeps) {
+    QSettings(windowFileName(), QSettings::IniFormat).setValue("info", shows);
+  }
+}
+
 std::vector<std::string> RememberedState::recentFolders() const {
   return m_keeps ? folders("recent") : m_recent;
 }

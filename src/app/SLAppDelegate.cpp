@@ -82,6 +82,7 @@ SLAppDelegate::~SLAppDelegate() {
   m_diskProbe = {};
   m_tidying = {};
   m_exporter.reset();
+  m_details.reset();
   m_zoomAnimation.reset();
   m_finder.reset();
   m_window.reset();  // its workers suspect disks
@@ -97,6 +98,7 @@ void SLAppDelegate::applicationWillTerminate() {
 
 void SLAppDelegate::awakeFromNib() {
   connectZoom();
+  connectDetails();
   m_ui->sourceList->setAllowsEmptySelection(false);  // the newest backup is there at once
   m_ui->browser->setDataSource(&m_arrayController);
   m_ui->browser->setDelegate(this);
@@ -147,6 +149,7 @@ void SLAppDelegate::applicationDidFinishLaunching(const std::string& backupRoot,
   m_ui->actionOtherMedia->setChecked(m_state.showsOtherMedia());
   m_finder->setWishes(m_state.look().wishes);
   m_finder->setShowsDates(m_state.look().showsDates);
+  m_ui->actionGetInfo->setChecked(m_state.showsInfo());
   m_bc = std::make_unique<BackupController>(backupRoot);
   // Before the sidebar can select a backup and start its load: no finish may be missed.
   registerForLoading();

@@ -14,6 +14,7 @@
 #include "app/FolderSearch.h"
 #include "app/RememberedState.h"
 #include "app/TemporaryPhotos.h"
+#include "app/details/SelectionDetails.h"
 #include "app/disks/DiskWatch.h"
 #include "app/export/PhotoExporter.h"
 #include "app/photos/PhotoFinder.h"
@@ -85,6 +86,8 @@ public:
   void exportSelectedPhotosFromSelectedBackup();
   void exportAllPhotosFromSelectedBackup();
   void exportEverything();
+  // All photos of one device.
+  void exportDevice(DeviceModel& device);
   void revealSelectedInFinder();
   void copySelectedPhotos();
   void chooseFolderToOpen();
@@ -114,6 +117,7 @@ public:
   // The photo browser's questions.
   void imageBrowserCellWasDoubleClickedAtIndex(ImageBrowserView& browser, int index) override;
   void imageBrowserOpenItemAtIndex(ImageBrowserView& browser, int index) override;
+  void imageBrowserContextMenuAtPoint(ImageBrowserView& browser, QPoint globalPoint) override;
   std::optional<std::vector<std::string>> imageBrowserExportItemsToDestination(
       ORBImageBrowserView& browser, const std::vector<ImageBrowserItemPointer>& items,
       const std::string& destination) override;
@@ -177,6 +181,9 @@ private:
   void tellOfOtherMedia(BackupModel& backup);
   void showOtherMedia(bool shows);
   void showMessage(const QString& message);
+  void connectDetails();
+  SelectionDetails::Shown shownPhotos();
+  QMenu* menuOfDevice(DeviceModel& device);
   void updateCentreText();
   void updateMenuItem();
   // Makes `item` the command that exports the backup, or says that there is nothing to export.
@@ -197,7 +204,8 @@ private:
   void chooseExportFolder(const std::function<void(const std::string& folder)>& chosen);
   std::vector<std::string> exportPhotos(const PhotosToExport& photos,
                                         const std::string& destination);
-  void exportEverythingInto(const std::string& destination);
+  // Of that device alone, or of all where it is null.
+  void exportEverythingInto(const std::string& destination, const DeviceModel* only = nullptr);
   // Says why not; one that is accepted is remembered.
   bool acceptsExportInto(const std::string& destination);
   std::vector<std::string> backupFolders() const;
@@ -222,12 +230,14 @@ private:
 
   float m_zoomLevel = startZoom;
   std::unique_ptr<ORBAdjustingValueAnimation> m_zoomAnimation;
-  std::unique_ptr<QMenu> m_contextMenu;
+  std::unique_ptr<QMenu> m_contextMenu;  // of the sidebar
+  std::unique_ptr<QMenu> m_photoMenu;
   // Paths of backups: whose disk has gone; that cannot be read whole, whether somebody was told of
   // it or waits to be.
   std::set<std::string> m_lostBackups, m_toldOfDamage, m_damagedBackups;
   QPointer<QAction> m_pendingMenuItem;  // "Loading...", waiting for its backup; of m_contextMenu
 
+  std::unique_ptr<SelectionDetails> m_details;
   std::unique_ptr<PhotoExporter> m_exporter;
   std::string m_exportFolder;  // of the last export, also of an earlier run
   std::shared_ptr<TemporaryPhotos> m_openedFilm;

@@ -152,7 +152,11 @@ void SLAppDelegate::showOtherMedia(bool shows) {
 }
 
 void SLAppDelegate::imageBrowserOpenItemAtIndex(ImageBrowserView&, int index) {
-  const PhotosToExport films = m_arrayController.photosAtIndexes({index});
+  PhotosToExport films = m_arrayController.photosAtIndexes({index});
+  if (films.empty()) {
+    return;
+  }
+  films.erase(films.begin(), films.end() - 1);  // of a live photo, its film
   m_openedFilm = std::make_shared<TemporaryPhotos>(films, tellingFailedCopy(films.size()));
   const auto copy = m_openedFilm;  // who waits here may be asked again
   copy->write();
@@ -173,6 +177,7 @@ void SLAppDelegate::updateCentreText() {
   // Of what is shown: while the selected backup loads, the photos are those of the one before.
   m_ui->centreText->setText(photoCountText(m_arrayController.arrangement().count(),
                                            m_ui->browser->selectionIndexes().count()));
+  m_details->update();
 }
 
 void SLAppDelegate::updateMenuItem() {

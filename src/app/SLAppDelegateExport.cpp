@@ -26,11 +26,16 @@
 namespace snaplift {
 namespace {
 
+// With the films of live photos.
 std::vector<ImageItem*> photosOfItems(const std::vector<ImageBrowserItemPointer>& items) {
   std::vector<ImageItem*> photos;
   photos.reserve(items.size());
   for (const ImageBrowserItemPointer& item : items) {
-    photos.push_back(&static_cast<const BackupPhoto&>(*item).item());
+    const auto& photo = static_cast<const BackupPhoto&>(*item);
+    photos.push_back(&photo.item());
+    if (photo.film() != nullptr) {
+      photos.push_back(photo.film());
+    }
   }
   return photos;
 }
@@ -85,13 +90,25 @@ void SLAppDelegate::exportEverything() {
   chooseExportFolder([this](const std::string& folder) { exportEverythingInto(folder); });
 }
 
-void SLAppDelegate::exportEverythingInto(const std::string& destination) {
+// The device may have gone before a folder is chosen.
+void SLAppDelegate::exportDevice(DeviceModel& device) {
+  chooseExportFolder([this, chosen = &device](const std::string& folder) {
+    const auto& devices = m_bc->devices();
+    if (std::ranges::find(devices, chosen, &std::unique_ptr<DeviceModel>::get) != devices.end()) {
+      exportEverythingInto(folder, chosen);
+    }
+  });
+}
+
+void SLAppDelegate::exportEverythingInto(const std::string& destination, const DeviceModel* only) {
   if (m_exporter->isCollecting() || !acceptsExportInto(destination)) {
     return;
   }
   auto everything = std::make_unique<EverythingToExport>(exportSettings().layout);
   for (const auto& device : m_bc->devices()) {
-    everything->add(*device);
+    if (only == nullptr || only == device.get()) {
+      everything->add(*device);
+    }
   }
   m_exporter->exportEverything(std::move(everything), destination, exportOptions());
 }
@@ -126,7 +143,7 @@ std::vector<std::string> SLAppDelegate::exportPhotos(const PhotosToExport& photo
     names.emplace_back(lastPathComponent(photo->imageUID()));
     report.missing.push_back({photo});
   }
-  m_exporter->exportPhotos(report);
+  m_exporter->exportPhotos(std::move(report));
   return names;
 }
 
@@ -138,7 +155,8 @@ std::optional<std::vector<std::string>> SLAppDelegate::imageBrowserExportItemsTo
 
 std::shared_ptr<PromisedFileList> SLAppDelegate::imageBrowserFilesOfItems(
     ORBImageBrowserView&, const std::vector<ImageBrowserItemPointer>& items) {
-  return std::make_shared<TemporaryPhotos>(photosOfItems(items), tellingFailedCopy(items.size()));
+  const PhotosToExport photos = photosOfItems(items);
+  return std::make_shared<TemporaryPhotos>(photos, tellingFailedCopy(photos.size()));
 }
 
 RememberedState::Export SLAppDelegate::exportSettings() const {

@@ -1,11 +1,14 @@
 #include <iostream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "pictures/PhotoFile.h"
 #include "samples/BackupWriter.h"
 #include "support/photos/TestPictures.h"
 
-// usage: writebackups ROOT [dated]
+// usage: writebackups ROOT [dated | live]
 // Writes backups in every state that the window knows, newest first:
 //   Anna      generation 5 with five photos, two of them of one name; 4 with three; 3 with two
 //   Big       generation 5 with a thousand photos
@@ -13,6 +16,7 @@
 //   Music     generation 4 without photos
 //   Ben       generation 2, a photo in either form
 // Or one backup, of Dora, with pictures of every kind from five months.
+// Or one backup with a live photo, of which a camera says much, and another photo.
 namespace snaplift::samples {
 namespace {
 
@@ -90,14 +94,40 @@ void writeDatedBackup(const std::string& path) {
   writeBackup(path + "/Dora", backup);
 }
 
+void writeLivePhoto(const std::string& path) {
+  constexpr std::int64_t date = 1'318'408'200;  // October 12, 2011, 8:30
+  const CameraData camera{.taken = instantFromUnixTime(date),
+                          .maker = "Maker",
+                          .model = "Handset 4",
+                          .exposure = {{.perSecond = 125, .apertureTenths = 28, .iso = 100}}};
+  SampleBackup backup{.generation = Generation::Ten,
+                      .deviceName = "Cleo",
+                      .productVersion = "14.3",
+                      .date = instantFromUnixTime(date)};
+  for (const auto& [name, content] :
+       {std::pair{"IMG_0001.JPG", withExif(photoContent(1), camera, {})},
+        std::pair{"IMG_0001.MOV", std::string("a film")},
+        std::pair{"IMG_0002.JPG", photoContent(2)}}) {
+    backup.files.push_back({.domain = "CameraRollDomain",
+                            .path = std::string("Media/DCIM/100APPLE/") + name,
+                            .content = content,
+                            .modificationDate = std::uint32_t{date}});
+  }
+  writeBackup(path + "/Cleo", backup);
+}
+
 }  // namespace
 }  // namespace snaplift::samples
 
 int main(int argc, char** argv) {
   if (argc != 2 && argc != 3) {
-    std::cerr << "usage: writebackups ROOT [dated]\n";
+    std::cerr << "usage: writebackups ROOT [dated | live]\n";
     return 2;
   }
-  (argc == 3 ? snaplift::samples::writeDatedBackup : snaplift::samples::writeBackups)(argv[1]);
+  const std::string_view one = argc == 3 ? argv[2] : "";
+  const auto write = one.empty()     ? snaplift::samples::writeBackups
+                     : one == "live" ? snaplift::samples::writeLivePhoto
+                                     : snaplift::samples::writeDatedBackup;
+  write(argv[1]);
   return 0;
 }

@@ -250,7 +250,13 @@ def menu(test):
     shows("No Photos", pointed("December 13, 2011"))
     window.select("April 11, 2012", "3 Photos")
     shows("Export All...", lambda: xdotool("key", "shift+F10"))
-    pointed("ANNA")()  # no menu: the next click selects
+    menu.item = None
+    again("the menu of a device", pointed("ANNA"), is_open)
+    def found():
+        xdotool("key", "Down")
+        return menu.items() == ["Export All of This Device...", "", "Reveal"]
+    wait_for("its items", found)
+    window.keys("Escape", "the menu to close", lambda: not is_open())
     window.select("May 11, 2012", "5 Photos")
 
 
@@ -528,6 +534,51 @@ def keyboard(test):
     window.text("3 of 3 Photos Selected")
     window.keys("ctrl+q", "the end", window.has_ended)
     assert window.exit_status() == 0
+
+
+def details(test):
+    """Get Info by the keyboard, the menu of photos, and a live photo that takes its film along."""
+    folder = test.stack.enter_context(tempfile.TemporaryDirectory(prefix="snaplift-live-"))
+    subprocess.run([test.writer, folder, "live"], check=True)
+    window = test.window("--no-state", folder)
+    window.select("October 12, 2011", "2 Photos")
+    window.activate()
+    window.select_photos(0)
+    def open_info():
+        if not window.says("Kind: Original"):
+            xdotool("key", "alt+Return")
+    again("Get Info", open_info, lambda: window.says("Camera: Maker Handset 4"))
+    for said in ("Exposure: 1/125 s, f/2.8, ISO 100", "Pixels: 160 × 121",
+                 "On the device: Media/DCIM/100APPLE/IMG_0001.JPG"):
+        assert window.says(said), (said, names(window.application, "label"))
+
+    menu = FocusedMenu()
+    def is_open():
+        return "\n" in xdotool("search", "--onlyvisible", "--pid", window.process.pid)
+    def shows_menu(ask):
+        again("a menu", lambda: is_open() or ask(), is_open)
+        def found():
+            if menu.items() != ["Preview", "Export...", "Copy", "Get Info", "", "Select All"]:
+                xdotool("key", "Down")
+                return False
+            return True
+        wait_for("the menu of photos", found)
+        window.keys("Escape", "the menu to close", lambda: not is_open())
+        menu.item = None
+    def press_on_second():
+        xdotool("mousemove", *window.photo(1))
+        xdotool("click", 3)
+    shows_menu(press_on_second)
+    assert [has_state(window.photos().getChildAtIndex(index), "selected")
+            for index in range(2)] == [False, True], "pressed, and not selected"
+    shows_menu(lambda: xdotool("key", "Menu"))
+
+    window.select_photos(0)
+    live = os.path.join(test.folder, "live")
+    os.mkdir(live)
+    window.export("ctrl+e", live)
+    window.text("1 photo and 1 film exported to live")
+    assert sorted(os.listdir(live)) == ["IMG_0001.JPG", "IMG_0001.MOV"], os.listdir(live)
 
 
 def quit(test):

@@ -73,7 +73,9 @@ void BackupPhotos::setContent(BackupModel* backup) {
   if (backup) {
     photos.reserve(backup->imageItems().size());
     for (const auto& item : backup->imageItems()) {
-      photos.push_back(item.get());
+      if (!backup->livePhotos().isPart(*item)) {
+        photos.push_back(item.get());
+      }
     }
   }
   m_arrangement.setPhotos(std::move(photos));
@@ -86,7 +88,7 @@ std::vector<ImageItem*> BackupPhotos::photosAtIndexes(const std::vector<int>& in
       photos.push_back(&m_arrangement.photoAt(index));
     }
   }
-  return photos;
+  return m_content ? m_content->livePhotos().withFilms(photos) : photos;
 }
 
 std::vector<ImageItem*> BackupPhotos::shownPhotos() const {
@@ -101,7 +103,9 @@ int BackupPhotos::numberOfItemsInImageBrowser(const ImageBrowserView&) const {
 
 ImageBrowserItemPointer BackupPhotos::imageBrowserItemAtIndex(const ImageBrowserView&,
                                                               int index) const {
-  return std::make_shared<BackupPhoto>(m_arrangement.photoAt(index), m_content->path(), m_disks);
+  ImageItem& photo = m_arrangement.photoAt(index);
+  return std::make_shared<BackupPhoto>(photo, m_content->path(), m_disks,
+                                       m_content->livePhotos().filmOf(photo));
 }
 
 std::vector<ImageBrowserGroup> BackupPhotos::groupsOfItemsInImageBrowser(

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "app/disks/DiskWatch.h"
 #include "backups/BackupModel.h"
 #include "photos/PhotoArrangement.h"
@@ -11,10 +13,13 @@ namespace snaplift {
 // came, is told to `disks`, if there is one. Nothing of this is owned.
 class BackupPhoto : public ImageBrowserItem {
 public:
-  BackupPhoto(ImageItem& item, const std::string& backupFolder, DiskWatch* disks)
-      : m_item(item), m_backupFolder(backupFolder), m_disks(disks) {}
+  // `film` is that of a live photo, or null.
+  BackupPhoto(ImageItem& item, const std::string& backupFolder, DiskWatch* disks,
+              ImageItem* film = nullptr)
+      : m_item(item), m_film(film), m_backupFolder(backupFolder), m_disks(disks) {}
 
   ImageItem& item() const { return m_item; }
+  ImageItem* film() const { return m_film; }
 
   std::string imageUID() const override { return m_item.imageUID(); }
   std::string imageTitle() const override { return m_item.imageTitle(); }
@@ -27,6 +32,7 @@ public:
   bool isThumbnailFirst() const override;
   bool isFilm() const override { return m_item.info().media == PhotoMedia::Film; }
   std::optional<std::chrono::milliseconds> filmLength() const override;
+  bool isLivePhoto() const override { return m_film != nullptr; }
   Content imageContent() const override;
   // The folder on the device.
   std::string imageOrigin() const override;
@@ -37,15 +43,17 @@ private:
   std::optional<Bytes> tellingUnreadable(std::optional<Bytes> bytes) const;
 
   ImageItem& m_item;
+  ImageItem* m_film;
   const std::string& m_backupFolder;
   DiskWatch* const m_disks;
 };
 
 // The photos of one backup as the photo browser shows them: as they are wished for, in groups for
-// months where those are wished for, and else exactly the backup's `imageItems` in their order.
-// Indexes are those of the browser everywhere; nobody else knows which photo is meant by one. The
-// backup is not owned; it outlives the browser and its workers, which is why the items that are
-// handed out need keep nothing alive. The user interface's thread only, the items apart.
+// months where those are wished for, and else the backup's `imageItems` in their order, without the
+// films of live photos, which go wherever their photos do. Indexes are those of the browser
+// everywhere; nobody else knows which photo is meant by one. The backup is not owned; it outlives
+// the browser and its workers, which is why the items that are handed out need keep nothing alive.
+// The user interface's thread only, the items apart.
 class BackupPhotos : public ImageBrowserViewDataSource {
 public:
   // The backup whose photos are shown; null for none. Whoever sets it, or changes its list, reloads
@@ -60,7 +68,7 @@ public:
   // Whoever sets them rearranges the browser: the answer is where each of its indexes is now.
   std::vector<int> setWishes(const PhotoWishes& wishes) { return m_arrangement.setWishes(wishes); }
 
-  // Those of `indexes` that there are; and all that are shown.
+  // Those of `indexes` that there are; and all that are shown; with the films of live photos.
   std::vector<ImageItem*> photosAtIndexes(const std::vector<int>& indexes) const;
   std::vector<ImageItem*> shownPhotos() const;
 

@@ -200,6 +200,14 @@ void ORBSourceList::hideEvent(QHideEvent* event) {
   stopAnimating();
 }
 
+QMenu* ORBSourceList::menuForEvent(QMouseEvent* event) {
+  QMenu* menu = PXSourceList::menuForEvent(event);
+  const OutlineItem item = itemAtRow(rowAtPoint(event->position()));
+  const bool asksForGroup =
+      menu == nullptr && m_groupMenu && isGroupItem(item) && event->button() == Qt::RightButton;
+  return asksForGroup ? m_groupMenu(item) : menu;
+}
+
 void ORBSourceList::mouseDown(QMouseEvent* event) {
   const int row = rowAtPoint(event->position());
   if (event->button() == Qt::LeftButton && row >= 0 && row == m_hoveredRow) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QTimer>
+#include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "views/sourcelist/ORBSourceListDataSource.h"
@@ -31,6 +33,10 @@ public:
   void setDelegate(PXSourceListDelegate* delegate) override;
   void reloadData() override;
 
+  // The menu of a group for which the delegate has none; it is not owned. Asked at each time.
+  using GroupMenu = std::function<QMenu*(OutlineItem group)>;
+  void setGroupMenu(GroupMenu menu) { m_groupMenu = std::move(menu); }
+
   void startAnimating();
   void stopAnimating();
   bool isAnimating() const { return m_timer.isActive(); }
@@ -49,6 +55,7 @@ protected:
   void drawSpinnerForRow(QPainter& painter, int row);
   void animateWithTimer();
   void mouseDown(QMouseEvent* event) override;
+  QMenu* menuForEvent(QMouseEvent* event) override;
   // The mouse has come over, or left, the icon of a row.
   virtual void mouseEntered(const QPointF& position);
   virtual void mouseExited();
@@ -60,6 +67,7 @@ protected:
 
 private:
   ORBSourceListDataSource* m_ORBDataSource = nullptr;
+  GroupMenu m_groupMenu;
   int m_hoveredRow = -1;
   // By row number, where that row's icon was last drawn; relative to the first row's corner, so
   // that scrolling leaves them right.
