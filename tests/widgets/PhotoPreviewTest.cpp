@@ -1,3 +1,4 @@
+#include <QPushButton>
 #include <QTest>
 #include <QToolButton>
 #include <algorithm>
@@ -63,6 +64,14 @@ TEST_F(PhotoPreviewTest, buttonsGoToTheNeighboursUntilThereIsNone) {
   EXPECT_EQ(place(), "9 of 10");
   QTest::keyClick(m_preview, Qt::Key_Home);
   EXPECT_FALSE(button("Previous Photo")->isEnabled());
+}
+
+TEST_F(PhotoPreviewTest, offersTheFilmOfALivePhoto) {
+  const auto* player = m_preview->findChild<QPushButton*>();
+  for (const bool isLive : {false, false, true, false}) {  // of every third photo
+    EXPECT_EQ(player->isVisible(), isLive);
+    QTest::keyClick(m_preview, Qt::Key_Right);
+  }
 }
 
 TEST_F(PhotoPreviewTest, zoomsIntoTheFullPicture) {

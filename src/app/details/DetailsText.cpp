@@ -138,7 +138,7 @@ QString plainPosition(const PictureFacts& facts) {
 }
 
 QString devicePath(const PhotoInfo& info) {
-  return plainText::shortened(info.devicePath);
+  return plainText::shortened(info.devicePath).replace('\n', ' ');
 }
 
 }  // namespace snaplift::detailsText

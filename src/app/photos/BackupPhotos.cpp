@@ -1,8 +1,10 @@
 #include "app/photos/BackupPhotos.h"
 
 #include <QCoreApplication>
+#include <QStringList>
 #include <numeric>
 
+#include "app/details/DetailsText.h"
 #include "foundation/files/Path.h"
 
 namespace snaplift {
@@ -63,8 +65,18 @@ bool BackupPhoto::isThumbnailFirst() const {
   return equalsIgnoringCase(type, "heic") || equalsIgnoringCase(type, "heif");
 }
 
-std::string BackupPhoto::imageOrigin() const {
-  return std::string(parentPath(m_item.path().substr(m_backupFolder.size() + 1)));
+std::string BackupPhoto::imageDescription(std::int64_t readBytes) const {
+  const PhotoInfo info = m_item.info();
+  const std::uint64_t size = info.size.value_or(static_cast<std::uint64_t>(readBytes));
+  QStringList kind{detailsText::kind(info.kind)};
+  if (size > 0) {
+    kind.prepend(detailsText::bytes(size));
+  }
+  QStringList lines{kind.join(", "), detailsText::devicePath(info)};
+  if (const std::optional<Instant> date = info.date()) {
+    lines.prepend(detailsText::date(detailsText::localDate(*date)));
+  }
+  return lines.join('\n').toStdString();
 }
 
 void BackupPhotos::setContent(BackupModel* backup) {

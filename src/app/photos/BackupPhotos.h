@@ -34,8 +34,8 @@ public:
   std::optional<std::chrono::milliseconds> filmLength() const override;
   bool isLivePhoto() const override { return m_film != nullptr; }
   Content imageContent() const override;
-  // The folder on the device.
-  std::string imageOrigin() const override;
+  // Date, size, kind and place on the device.
+  std::string imageDescription(std::int64_t readBytes) const override;
 
 private:
   template <class Read>

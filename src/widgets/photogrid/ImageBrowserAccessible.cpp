@@ -73,13 +73,7 @@ public:
 private:
   QRect frame() const override { return view()->itemFrameAtIndex(index()); }
   QString description() const {
-    QStringList parts;
-    if (const Thumbnail* known = view()->thumbnailAtIndex(index())) {
-      parts << (known->isFilm ? ImageBrowserView::tr("Film") : troubleOf(*known).sentence);
-    }
-    if (view()->itemAtIndex(index())->isLivePhoto()) {
-      parts << ImageBrowserView::tr("Live Photo");
-    }
+    QStringList parts = view()->descriptionAtIndex(index());
     if (view()->groupCount() > 0) {
       parts << view()->titleOfGroup(view()->groupOfItemAtIndex(index()));
     }

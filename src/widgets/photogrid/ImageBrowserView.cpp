@@ -231,31 +231,33 @@ bool ImageBrowserView::viewportEvent(QEvent* event) {
 }
 
 QString ImageBrowserView::toolTipOf(int index) const {
-  const ImageBrowserItemPointer item = itemAtIndex(index);
-  QStringList lines{plainText::shortened(item->imageTitle())};
-  if (const Thumbnail* thumbnail = m_thumbnails->find(item->imageUID())) {
-    QStringList measures;
-    if (thumbnail->isFilm) {
-      measures << tr("Film");
-    }
-    if (thumbnail->filmLength) {
-      measures << filmLengthText(*thumbnail->filmLength);
-    }
-    if (thumbnail->photoSize.isValid()) {
-      measures << tr("%1 × %2 pixels")
-                      .arg(thumbnail->photoSize.width())
-                      .arg(thumbnail->photoSize.height());
-    }
-    if (thumbnail->byteCount > 0) {
-      measures << locale().formattedDataSize(thumbnail->byteCount, 1,
-                                             QLocale::DataSizeTraditionalFormat);
-    }
-    lines << measures.join(", ");
-    lines << troubleOf(*thumbnail).sentence;
-  }
-  lines << plainText::shortened(item->imageOrigin());
-  lines.removeAll(QString());
+  const QString title = plainText::shortened(itemAtIndex(index)->imageTitle());
+  const QStringList lines = QStringList(title) + descriptionAtIndex(index);
   return plainText::toolTip(lines.join('\n'));
+}
+
+QStringList ImageBrowserView::descriptionAtIndex(int index) const {
+  const ImageBrowserItemPointer item = itemAtIndex(index);
+  const Thumbnail* known = m_thumbnails->find(item->imageUID());
+  const Thumbnail thumbnail = known != nullptr ? *known : Thumbnail();
+  QStringList measures;
+  if (thumbnail.isFilm) {
+    measures << tr("Film");
+  }
+  if (item->isLivePhoto()) {
+    measures << tr("Live Photo");
+  }
+  if (thumbnail.filmLength) {
+    measures << filmLengthText(*thumbnail.filmLength);
+  }
+  if (thumbnail.photoSize.isValid()) {
+    measures
+        << tr("%1 × %2 pixels").arg(thumbnail.photoSize.width()).arg(thumbnail.photoSize.height());
+  }
+  QStringList lines{measures.join(", "), troubleOf(thumbnail).sentence};
+  lines += plainText::shortened(item->imageDescription(thumbnail.byteCount)).split('\n');
+  lines.removeAll(QString());
+  return lines;
 }
 
 // Preview

@@ -57,6 +57,9 @@ public:
   int itemCount() const { return m_layout.itemCount(); }
   ImageBrowserItemPointer itemAtIndex(int index) const;
   QString titleAtIndex(int index) const;
+  // What else is known of it, found out when it is asked for: pixels, what is wrong, and what the
+  // item has to say.
+  QStringList descriptionAtIndex(int index) const;
   // The best thumbnail that is known; null for none. Valid until the event loop runs.
   const Thumbnail* thumbnailAtIndex(int index) const;
 

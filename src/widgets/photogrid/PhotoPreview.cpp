@@ -120,7 +120,7 @@ void PhotoPreview::showPhoto(int index) {
   setWindowTitle(title());
   m_previous->setEnabled(index > 0);
   m_next->setEnabled(index + 1 < m_view->itemCount());
-  m_player->setVisible(m_item->isFilm());
+  m_player->setVisible(hasFilm());
   request();
   update();
 }
@@ -182,11 +182,14 @@ void PhotoPreview::keep(ThumbnailResult&& result) {
   }
 }
 
+bool PhotoPreview::hasFilm() const {
+  return m_item != nullptr && (m_item->isFilm() || m_item->isLivePhoto());
+}
+
 // Beside the buttons, which no photo hides.
 QRect PhotoPreview::photoArea() const {
-  const bool isFilm = m_item != nullptr && m_item->isFilm();
-  const int caption =
-      fontMetrics().height() + margin + (isFilm ? m_player->sizeHint().height() + margin / 2 : 0);
+  const int caption = fontMetrics().height() + margin +
+                      (hasFilm() ? m_player->sizeHint().height() + margin / 2 : 0);
   const int side = buttonSide + margin / 2;
   return rect().adjusted(side, margin, -side, -caption - margin / 2);
 }

@@ -20,8 +20,8 @@ class ImageBrowserView;
 // shows the next one without waiting. Arrow keys step through the view's photos; plus, minus, 0 and
 // the wheel zoom, for which the full picture is decoded, and a drag moves it; F11 fills the screen;
 // Space, Escape and a double click close it. Buttons do for the pointer what these keys do. Of a
-// film it shows the still, and a button has the delegate open it in a player. It exists only while
-// it is open.
+// film it shows the still; of this and of a live photo, a button has the delegate open the film in
+// a player. It exists only while it is open.
 //
 // To screen readers it is a picture with the photo's name, and its place in the list for a
 // description.
@@ -65,6 +65,7 @@ private:
   void appendDecode(std::vector<ThumbnailRequest>& work, int index);
   void takeResults();
   void keep(ThumbnailResult&& result);
+  bool hasFilm() const;
   QRect photoArea() const;
   QSizeF fittedSize() const;
   void moveTo(QPointF centre);

@@ -30,7 +30,7 @@ public:
     return "June " + std::to_string(m_index % 30 + 1);
   }
   bool isLivePhoto() const override { return m_index % 3 == 2; }
-  std::string imageOrigin() const override { return m_folder; }
+  std::string imageDescription(std::int64_t) const override { return m_folder; }
 
 private:
   int m_index;
