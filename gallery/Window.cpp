@@ -108,10 +108,11 @@ public:
     auto& panel = *m_delegate.window()->findChild<PhotoDetails*>();
     auto& facts = *panel.findChild<FactTable*>();
     m_delegate.window()->findChild<QAction*>("actionGetInfo")->trigger();
+    browser().selectAll();
     waitFor("the sums are there", [&] { return facts.valueOf("Kinds") != nullptr; });
     shoot("info-selection");
     QTest::keyClick(&browser(), Qt::Key_Home);
-    waitFor("the photo is read", [&] { return facts.valueOf("Camera") != nullptr; });
+    waitFor("the photo is read", [&] { return facts.valueOf("In the backup") != nullptr; });
     waitFor("its picture is there", [&] { return !panel.isLoading(); });
     shoot("info");
     browser().deselectAll();

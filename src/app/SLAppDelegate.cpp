@@ -14,6 +14,7 @@
 #include <cmath>
 
 #include "app/StatusText.h"
+#include "app/details/PhotoDetails.h"
 #include "app/words/CoreText.h"
 #include "ui_MainWindow.h"
 #include "widgets/desktop/MainThread.h"
@@ -112,7 +113,7 @@ void SLAppDelegate::awakeFromNib() {
   m_ui->text->setFont(message);
   m_ui->smallPictureMark->setPixmap(imageNamed("Small-Picture-Mark.png"));
   m_ui->largePictureMark->setPixmap(imageNamed("Large-Picture-Mark.png"));
-  m_ui->splitView->setSizes({240, 800});
+  m_ui->splitView->setSizes({240, 800, PhotoDetails::usualWidth});
   m_ui->splitView->setStretchFactor(1, 1);
 }
 

@@ -18,7 +18,10 @@ namespace snaplift {
 void SLAppDelegate::connectDetails() {
   m_details = std::make_unique<SelectionDetails>(*m_ui->browser, *m_ui->details, *m_ui->bytesText,
                                                  [this] { return shownPhotos(); });
-  connect(m_ui->actionGetInfo, &QAction::toggled, this, [this](bool opens) {
+  // Beside the panel the photos have as much room as without it.
+  const int narrowest = m_window->minimumWidth();
+  connect(m_ui->actionGetInfo, &QAction::toggled, this, [this, narrowest](bool opens) {
+    m_window->setMinimumWidth(narrowest + (opens ? m_ui->details->minimumWidth() : 0));
     m_details->setOpen(opens);
     m_state.setShowsInfo(opens);
   });

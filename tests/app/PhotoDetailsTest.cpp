@@ -112,7 +112,7 @@ TEST_F(PhotoDetailsTest, sayWhatRecordAndFileSay) {
   show(add({"Media/DCIM/100APPLE/IMG_0001.JPG", photoTaken(taken + 59)}));
   ASSERT_TRUE(isLoaded());
   for (const auto& [caption, text] :
-       std::map<const char*, std::string>{{"Date", "Wednesday, October 12, 2011, 8:30 AM"},
+       std::map<const char*, std::string>{{"Date", "October 12, 2011, 8:30 AM"},
                                           {"Date (photo)", ""},
                                           {"Size", "2.3 MB (2,345,678 bytes)"},
                                           {"Pixels", "48 × 64"},
@@ -133,8 +133,8 @@ TEST_F(PhotoDetailsTest, tellTwoDatesApart) {
   show(add({"1/a.JPG", photoTaken(taken - 3'600)}));
   ASSERT_TRUE(isLoaded());
   EXPECT_EQ(value("Date"), "");
-  EXPECT_EQ(value("Date (record)"), "Wednesday, October 12, 2011, 8:30 AM");
-  EXPECT_EQ(value("Date (photo)"), "Wednesday, October 12, 2011, 7:30 AM");
+  EXPECT_EQ(value("Date (record)"), "October 12, 2011, 8:30 AM");
+  EXPECT_EQ(value("Date (photo)"), "October 12, 2011, 7:30 AM");
 }
 
 TEST_F(PhotoDetailsTest, sayNothingOfAnotherPhoto) {
@@ -184,7 +184,7 @@ TEST_F(PhotoDetailsTest, addUpWhatIsSelected) {
   m_panel.showSums("3 Selected", {}, told.front());
   EXPECT_EQ(value("Photos"), "2 photos and 1 film");
   EXPECT_EQ(value("Size"), "10.0 MB (10,000,000 bytes)");
-  EXPECT_EQ(value("Dates"), "Wednesday, October 12, 2011 – Thursday, October 13, 2011");
+  EXPECT_EQ(value("Dates"), "October 12, 2011 – October 13, 2011");
   EXPECT_EQ(value("Kinds"), "2 × Original\n1 × Cloud library");
 }
 

@@ -29,9 +29,9 @@ QString degrees(double value, const QString& positive, const QString& negative) 
 }  // namespace
 
 QString date(const QDateTime& date) {
-  const QLocale locale;
-  return Words::tr("%1, %2").arg(locale.toString(date.date(), QLocale::LongFormat),
-                                 locale.toString(date.time(), QLocale::ShortFormat));
+  return Words::tr("%1, %2").arg(
+      QString::fromStdString(longDateText(instantFromUnixTime(date.toSecsSinceEpoch()))),
+      QLocale().toString(date.time(), QLocale::ShortFormat));
 }
 
 QDateTime localDate(Instant instant) {
@@ -48,11 +48,8 @@ QDateTime photoDate(const PictureFacts& facts) {
 }
 
 QString dates(Instant first, Instant last) {
-  const auto day = [](Instant instant) {
-    return QLocale().toString(localDate(instant).date(), QLocale::LongFormat);
-  };
-  const QString begin = day(first);
-  const QString end = day(last);
+  const QString begin = QString::fromStdString(longDateText(first));
+  const QString end = QString::fromStdString(longDateText(last));
   return begin == end ? begin : Words::tr("%1 – %2").arg(begin, end);
 }
 

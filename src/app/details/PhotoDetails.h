@@ -23,6 +23,8 @@ class PhotoDetails : public QWidget {
   Q_OBJECT
 
 public:
+  static constexpr int usualWidth = 280;
+
   explicit PhotoDetails(QWidget* parent = nullptr);
   ~PhotoDetails() override;
 
@@ -32,6 +34,8 @@ public:
   // Photos or a backup, under that title; `others` come before the sums.
   void showSums(const QString& title, const std::vector<Fact>& others, const PhotoSums& sums);
   void showNothing();
+
+  QSize sizeHint() const override { return {usualWidth, usualWidth}; }
 
   // Whether there may be more to come of the photo.
   bool isLoading() const { return m_loader && !m_loader->isIdle(); }
