@@ -3,6 +3,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
+#include "widgets/desktop/PlainText.h"
+
 namespace snaplift {
 
 FactTable::FactTable(QWidget* parent) : QWidget(parent), m_layout(new QGridLayout(this)) {
@@ -42,6 +44,7 @@ void FactTable::setFacts(const std::vector<Fact>& facts) {
       row.value->setText(fact.value);
     }
     row.caption->setText(fact.caption);
+    row.value->setToolTip(plainText::toolTip(fact.value));  // also of a word that is cut
     row.value->setAccessibleName(tr("%1: %2").arg(fact.caption, fact.value));
   }
   for (std::size_t i = 0; i < m_rows.size(); ++i) {
