@@ -21,6 +21,9 @@ FactTable::Row FactTable::addRow() {
   row.value->setTextFormat(Qt::PlainText);
   row.value->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   row.value->setWordWrap(true);
+  // By the language of the window, whatever that of the text is.
+  row.value->setAlignment(Qt::AlignTop | Qt::AlignAbsolute |
+                          (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft));
   // A long word is cut rather than the panel widened.
   row.value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   row.caption->setBuddy(row.value);
