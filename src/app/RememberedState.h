@@ -11,9 +11,8 @@ namespace snaplift {
 
 // What the window keeps for its next start: its size and place, the divider, whether films are
 // shown, how photos are arranged and whether Get Info is open, the folders that were open and those
-// that were opened lately, the folder of the last export, and how photos are exported. Kept in three
-// files and nowhere else:
-// "folders.ini" and "export.ini" in "$XDG_CONFIG_HOME/snaplift", and
+// that were opened lately, the folder of the last export, and how photos are exported. Kept in
+// three files and nowhere else: "folders.ini" and "export.ini" in "$XDG_CONFIG_HOME/snaplift", and
 // "$XDG_STATE_HOME/snaplift/window.ini". One that keeps nothing reads and writes nothing. Files
 // that cannot be read or written are passed over: nobody wants to hear of them.
 class RememberedState {
