@@ -10,7 +10,7 @@ namespace snaplift {
 
 QString installTranslations(const QStringList& languages) {
   for (const QString& name : languages) {
-    const QString language = QString(name).replace('-', '_').section('_', 0, 0);
+    QString language = QString(name).replace('-', '_').section('_', 0, 0);
     if (language == "en") {
       break;  // whoever names it before another means it
     }
