@@ -13,6 +13,13 @@
     </message>
 </context>
 <context>
+    <name>BackupPhotos</name>
+    <message>
+        <source>Undated</source>
+        <translation>Ohne Datum</translation>
+    </message>
+</context>
+<context>
     <name>Core</name>
     <message>
         <source>no such folder: %1</source>
@@ -77,6 +84,97 @@
     <message>
         <source>the file cannot be read</source>
         <translation>die Datei kann nicht gelesen werden</translation>
+    </message>
+</context>
+<context>
+    <name>Details</name>
+    <message>
+        <source>%1° %2</source>
+        <translation>%1° %2</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1 – %2</source>
+        <translation>%1 – %2</translation>
+    </message>
+    <message>
+        <source>%1 (%2 bytes)</source>
+        <translation>%1 (%2 Byte)</translation>
+    </message>
+    <message>
+        <source>Original</source>
+        <translation>Original</translation>
+    </message>
+    <message>
+        <source>Edited</source>
+        <translation>Bearbeitet</translation>
+    </message>
+    <message>
+        <source>Cloud library</source>
+        <translation>Cloud-Mediathek</translation>
+    </message>
+    <message>
+        <source>Other</source>
+        <translation>Sonstiges</translation>
+    </message>
+    <message>
+        <source>%1 × %2</source>
+        <translation>%1 × %2</translation>
+    </message>
+    <message>
+        <source>1 photo</source>
+        <translation>1 Foto</translation>
+    </message>
+    <message>
+        <source>%1 photos</source>
+        <translation>%1 Fotos</translation>
+    </message>
+    <message>
+        <source>1 film</source>
+        <translation>1 Film</translation>
+    </message>
+    <message>
+        <source>%1 films</source>
+        <translation>%1 Filme</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 und %2</translation>
+    </message>
+    <message>
+        <source>1/%1 s</source>
+        <translation>1/%1 s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>f/%1</source>
+        <translation>f/%1</translation>
+    </message>
+    <message>
+        <source>ISO %1</source>
+        <translation>ISO %1</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+    <message>
+        <source>S</source>
+        <translation>S</translation>
+    </message>
+    <message>
+        <source>E</source>
+        <translation>O</translation>
+    </message>
+    <message>
+        <source>W</source>
+        <translation>W</translation>
     </message>
 </context>
 <context>
@@ -193,6 +291,22 @@
             <numerusform>%1 von %n Foto konnte nicht kopiert werden</numerusform>
             <numerusform>%1 von %n Fotos konnten nicht kopiert werden</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>1 film</source>
+        <translation>1 Film</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n films</source>
+        <translation>
+            <numerusform>%n Film</numerusform>
+            <numerusform>%n Filme</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <comment>photos and films</comment>
+        <translation>%1 und %2</translation>
     </message>
 </context>
 <context>
@@ -429,6 +543,94 @@
         <source>Larger Pictures</source>
         <translation>Größere Bilder</translation>
     </message>
+    <message>
+        <source>Show All Photos</source>
+        <translation>Alle Fotos zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Sort By</source>
+        <translation>&amp;Sortieren nach</translation>
+    </message>
+    <message>
+        <source>Order of &amp;Backup</source>
+        <translation>&amp;Reihenfolge der Sicherung</translation>
+    </message>
+    <message>
+        <source>The order in which the backup lists them</source>
+        <translation>Die Reihenfolge, in der die Sicherung sie aufführt</translation>
+    </message>
+    <message>
+        <source>&amp;Date</source>
+        <translation>&amp;Datum</translation>
+    </message>
+    <message>
+        <source>By the date of each photo; those without one come last</source>
+        <translation>Nach dem Datum jedes Fotos; Fotos ohne Datum stehen am Ende</translation>
+    </message>
+    <message>
+        <source>&amp;Name</source>
+        <translation>&amp;Name</translation>
+    </message>
+    <message>
+        <source>By name, and by the number in it</source>
+        <translation>Nach dem Namen und der Zahl darin</translation>
+    </message>
+    <message>
+        <source>&amp;Size</source>
+        <translation>&amp;Größe</translation>
+    </message>
+    <message>
+        <source>By the size of each file; those of unknown size come last</source>
+        <translation>Nach der Größe jeder Datei; solche unbekannter Größe stehen am Ende</translation>
+    </message>
+    <message>
+        <source>&amp;Ascending</source>
+        <translation>&amp;Aufsteigend</translation>
+    </message>
+    <message>
+        <source>D&amp;escending</source>
+        <translation>A&amp;bsteigend</translation>
+    </message>
+    <message>
+        <source>&amp;Group By Month</source>
+        <translation>Nach &amp;Monat gruppieren</translation>
+    </message>
+    <message>
+        <source>Show the photos of each month below its name</source>
+        <translation>Die Fotos jedes Monats unter seinem Namen zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Dates</source>
+        <translation>&amp;Datum</translation>
+    </message>
+    <message>
+        <source>Show the date of each photo below its name</source>
+        <translation>Das Datum jedes Fotos unter seinem Namen zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Camera Originals Only</source>
+        <translation>Nur &amp;Originale der Kamera</translation>
+    </message>
+    <message>
+        <source>Hide what was edited, made from photos, or in a cloud library</source>
+        <translation>Ausblenden, was bearbeitet oder aus Fotos gemacht wurde oder aus einer Cloud-Mediathek kommt</translation>
+    </message>
+    <message>
+        <source>&amp;Find...</source>
+        <translation>&amp;Suchen...</translation>
+    </message>
+    <message>
+        <source>Show the photos whose name, folder or date is typed</source>
+        <translation>Die Fotos zeigen, deren Name, Ordner oder Datum eingegeben wird</translation>
+    </message>
+    <message>
+        <source>Get &amp;Info</source>
+        <translation>&amp;Informationen</translation>
+    </message>
+    <message>
+        <source>Show what is known of the selected photos beside them</source>
+        <translation>Neben den Fotos anzeigen, was über die ausgewählten bekannt ist</translation>
+    </message>
 </context>
 <context>
     <name>StatusText</name>
@@ -505,6 +707,10 @@
     <message>
         <source>Not finished by the device&apos;s backup</source>
         <translation>Vom Gerät nicht zu Ende gesichert</translation>
+    </message>
+    <message>
+        <source>Showing %L1 of %L2</source>
+        <translation>%L1 von %L2 werden gezeigt</translation>
     </message>
 </context>
 <context>
@@ -658,6 +864,32 @@
     </message>
 </context>
 <context>
+    <name>snaplift::FactTable</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>snaplift::FindBar</name>
+    <message>
+        <source>Find Photos</source>
+        <translation>Fotos suchen</translation>
+    </message>
+    <message>
+        <source>Name, folder or date (June 2011)</source>
+        <translation>Name, Ordner oder Datum (Juni 2011)</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Leeren</translation>
+    </message>
+    <message>
+        <source>Show all photos again (Esc)</source>
+        <translation>Wieder alle Fotos zeigen (Esc)</translation>
+    </message>
+</context>
+<context>
     <name>snaplift::ImageBrowserView</name>
     <message>
         <source>Film</source>
@@ -702,6 +934,121 @@
     </message>
 </context>
 <context>
+    <name>snaplift::PhotoDetails</name>
+    <message>
+        <source>Copy Position</source>
+        <translation>Position kopieren</translation>
+    </message>
+    <message>
+        <source>Info</source>
+        <translation>Informationen</translation>
+    </message>
+    <message>
+        <source>Close Info</source>
+        <translation>Informationen schließen</translation>
+    </message>
+    <message>
+        <source>Photos</source>
+        <translation>Fotos</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Not known</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Dates</source>
+        <translation>Datumsangaben</translation>
+    </message>
+    <message>
+        <source>%1 × %2</source>
+        <translation>%1 × %2</translation>
+    </message>
+    <message>
+        <source>Kinds</source>
+        <translation>Arten</translation>
+    </message>
+    <message>
+        <source>Date (record)</source>
+        <translation>Datum (Verzeichnis)</translation>
+    </message>
+    <message>
+        <source>Date (photo)</source>
+        <translation>Datum (Foto)</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Länge</translation>
+    </message>
+    <message>
+        <source>Camera</source>
+        <translation>Kamera</translation>
+    </message>
+    <message>
+        <source>Exposure</source>
+        <translation>Belichtung</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Position</translation>
+    </message>
+    <message>
+        <source>Missing</source>
+        <translation>Fehlt</translation>
+    </message>
+    <message>
+        <source>Cannot be read</source>
+        <translation>Nicht lesbar</translation>
+    </message>
+    <message>
+        <source>Of another length than the backup states</source>
+        <translation>Andere Länge, als die Sicherung angibt</translation>
+    </message>
+    <message>
+        <source>Whole</source>
+        <translation>Vollständig</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Film, %1</source>
+        <translation>Film, %1</translation>
+    </message>
+    <message>
+        <source>In the backup</source>
+        <translation>In der Sicherung</translation>
+    </message>
+    <message>
+        <source>On the device</source>
+        <translation>Auf dem Gerät</translation>
+    </message>
+    <message>
+        <source>Live photo</source>
+        <translation>Live-Foto</translation>
+    </message>
+    <message>
+        <source>with a film of %1</source>
+        <translation>mit einem Film von %1</translation>
+    </message>
+    <message>
+        <source>with a film</source>
+        <translation>mit einem Film</translation>
+    </message>
+</context>
+<context>
     <name>snaplift::PhotoExporter</name>
     <message>
         <source>Export Anyway</source>
@@ -726,6 +1073,28 @@
     <message>
         <source>Stop and Quit</source>
         <translation>Stoppen und beenden</translation>
+    </message>
+</context>
+<context>
+    <name>snaplift::PhotoFinder</name>
+    <message>
+        <source>1 edited or other picture is hidden</source>
+        <translation>1 bearbeitetes oder sonstiges Bild ist ausgeblendet</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln edited and other pictures are hidden</source>
+        <translation>
+            <numerusform>%Ln bearbeitetes oder sonstiges Bild ist ausgeblendet</numerusform>
+            <numerusform>%Ln bearbeitete und sonstige Bilder sind ausgeblendet</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>No Photos Are Camera Originals</source>
+        <translation>Keine Originale der Kamera</translation>
+    </message>
+    <message>
+        <source>No Photos Match “%1”</source>
+        <translation>Keine Fotos passen zu „%1“</translation>
     </message>
 </context>
 <context>
@@ -921,6 +1290,61 @@
     <message>
         <source>Still waiting for an answer from %1</source>
         <translation>Immer noch keine Antwort von %1</translation>
+    </message>
+    <message>
+        <source>Export All of This Device...</source>
+        <translation>Alles von diesem Gerät exportieren...</translation>
+    </message>
+    <message>
+        <source>Reveal</source>
+        <translation>Im Dateimanager anzeigen</translation>
+    </message>
+    <message>
+        <source>Export...</source>
+        <translation>Exportieren...</translation>
+    </message>
+    <message>
+        <source>Backup of</source>
+        <translation>Sicherung vom</translation>
+    </message>
+    <message>
+        <source>System version</source>
+        <translation>Systemversion</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Export &amp;All...</source>
+        <translation>&amp;Alle exportieren...</translation>
+    </message>
+    <message>
+        <source>Export &amp;All Shown (%L1 of %L2)...</source>
+        <translation>&amp;Alle gezeigten exportieren (%L1 von %L2)...</translation>
+    </message>
+    <message>
+        <source>Copy every photo of this backup into a folder</source>
+        <translation>Alle Fotos dieser Sicherung in einen Ordner kopieren</translation>
+    </message>
+    <message>
+        <source>Copy the photos that are shown, %L1 of %L2, into a folder</source>
+        <translation>Die gezeigten Fotos, %L1 von %L2, in einen Ordner kopieren</translation>
+    </message>
+    <message>
+        <source>Export Shown...</source>
+        <translation>Gezeigte exportieren...</translation>
+    </message>
+</context>
+<context>
+    <name>snaplift::SelectionDetails</name>
+    <message>
+        <source>%1 Selected</source>
+        <translation>%1 ausgewählt</translation>
+    </message>
+    <message>
+        <source>Size of these photos</source>
+        <translation>Größe dieser Fotos</translation>
     </message>
 </context>
 </TS>

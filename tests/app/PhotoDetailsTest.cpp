@@ -49,8 +49,7 @@ protected:
   }
   void show(const ImageItem& photo) {
     m_panel.showPhoto(
-        photo,
-        std::make_shared<BackupPhoto>(const_cast<ImageItem&>(photo), m_folder, m_nobodyHears),
+        photo, std::make_shared<BackupPhoto>(const_cast<ImageItem&>(photo), m_folder, nullptr),
         nullptr);
   }
   bool isLoaded() {
@@ -101,7 +100,6 @@ protected:
   std::deque<Photo> m_photos;  // whose paths are referred to
   std::vector<std::unique_ptr<ImageItem>> m_items;
   const std::string m_folder = "/b";
-  const BackupPhoto::Unreadable m_nobodyHears = [](const std::string&) {};
   mutable std::mutex m_mutex;
   mutable std::condition_variable m_released;
   std::string m_held;
