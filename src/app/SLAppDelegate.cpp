@@ -1,18 +1,15 @@
-// Start-up, and the tree of devices and backups in the sidebar.
+// Start-up, the commands, and the window as a whole.
 
 #include "app/SLAppDelegate.h"
 
 #include <QApplication>
 #include <QEvent>
-#include <QIcon>
 #include <QMainWindow>
 #include <QMessageBox>
-#include <QMouseEvent>
-#include <QPixmapCache>
 #include <QPushButton>
 #include <algorithm>
-#include <cmath>
 
+#include "app/ApplicationImages.h"
 #include "app/StatusText.h"
 #include "app/details/PhotoDetails.h"
 #include "app/words/CoreText.h"
@@ -20,50 +17,16 @@
 #include "widgets/desktop/MainThread.h"
 #include "widgets/desktop/PlainText.h"
 
-// The pictures lie in a static library, from which a linker takes only what somebody calls. The
-// call has to be made outside of every namespace.
-static void loadResources() {
-  Q_INIT_RESOURCE(snaplift);
-}
-
 namespace snaplift {
 namespace {
 
 // The message pane fills the window with few words.
 constexpr double messageScale = 1.5;
 
-// The application's resource image of that name, a PNG file, in the resolution of the finest
-// screen: from the files "@2x" and "@3x" beside its own. Every row of the sidebar asks at every
-// painting; and a reader that is not told the format loads the decoders of all others at the start.
-QPixmap imageNamed(std::string_view name) {
-  const int scale = std::clamp(static_cast<int>(std::ceil(qApp->devicePixelRatio())), 1, 3);
-  QString file = ":/icons/" + QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-  if (scale > 1) {
-    file.insert(file.lastIndexOf('.'), QString("@%1x").arg(scale));
-  }
-  QPixmap image;
-  if (!QPixmapCache::find(file, &image)) {
-    image = QPixmap(file, "png");
-    image.setDevicePixelRatio(scale);
-    QPixmapCache::insert(file, image);
-  }
-  return image;
-}
-
-QIcon applicationIcon() {
-  QIcon icon;
-  for (const int size : {16, 24, 32, 48, 128}) {
-    // Not addFile(), which loads every decoder that there is to learn the file's format.
-    icon.addPixmap(QPixmap(QString(":/icons/app.snaplift.Snaplift-%1.png").arg(size), "png"));
-  }
-  return icon;
-}
-
 }  // namespace
 
 SLAppDelegate::SLAppDelegate()
     : m_ui(std::make_unique<Ui::MainWindow>()), m_window(std::make_unique<QMainWindow>()) {
-  loadResources();
   m_ui->setupUi(m_window.get());
   m_window->setWindowIcon(applicationIcon());
   m_window->installEventFilter(this);
@@ -240,112 +203,6 @@ bool SLAppDelegate::eventFilter(QObject* object, QEvent* event) {
     }
   }
   return QObject::eventFilter(object, event);
-}
-
-std::size_t SLAppDelegate::sourceListNumberOfChildrenOfItem(PXSourceList&, OutlineItem item) {
-  if (!item) {
-    return m_bc->devices().size();
-  }
-  auto* device = item.as<DeviceModel>();
-  return device ? device->backups().size() : 0;
-}
-
-OutlineItem SLAppDelegate::sourceListChildOfItem(PXSourceList&, std::size_t index,
-                                                 OutlineItem item) {
-  if (auto* device = item.as<DeviceModel>()) {
-    return device->backups()[index].get();
-  }
-  return m_bc->devices()[index].get();
-}
-
-QVariant SLAppDelegate::sourceListObjectValueForItem(PXSourceList&, OutlineItem item) {
-  if (auto* device = item.as<DeviceModel>()) {
-    return plainText::shortened(deviceTitle(*device)).toUpper();
-  }
-  auto* backup = item.as<BackupModel>();
-  if (!backup) {
-    return QString();
-  }
-  DeviceModel* device = m_bc->deviceOf(*backup);
-  return plainText::shortened(device ? device->titleOfBackup(*backup) : backup->name());
-}
-
-bool SLAppDelegate::sourceListIsItemExpandable(PXSourceList&, OutlineItem item) {
-  return item.as<DeviceModel>() != nullptr;
-}
-
-std::optional<bool> SLAppDelegate::sourceListItemHasIcon(PXSourceList&, OutlineItem item) {
-  return item.as<BackupModel>() != nullptr;
-}
-
-std::optional<QPixmap> SLAppDelegate::sourceListIconForItem(PXSourceList&, OutlineItem item) {
-  auto* backup = item.as<BackupModel>();
-  return backup ? imageNamed(backup->icon()) : QPixmap();
-}
-
-std::optional<bool> SLAppDelegate::sourceListItemHasRightSideIcon(PXSourceList& list,
-                                                                  OutlineItem item) {
-  return sourceListItemIsProcessing(list, item);
-}
-
-std::optional<QString> SLAppDelegate::sourceListDetailsForItem(PXSourceList&, OutlineItem item) {
-  auto* backup = item.as<BackupModel>();
-  return backup ? std::optional(backupDescription(*backup)) : std::nullopt;
-}
-
-std::optional<bool> SLAppDelegate::sourceListItemIsProcessing(PXSourceList&, OutlineItem item) {
-  auto* backup = item.as<BackupModel>();
-  return backup && backup->processing();
-}
-
-std::optional<bool> SLAppDelegate::sourceListShouldEditItem(PXSourceList&, OutlineItem) {
-  return false;
-}
-
-std::optional<bool> SLAppDelegate::sourceListIsGroupAlwaysExpanded(PXSourceList&, OutlineItem) {
-  return true;
-}
-
-std::optional<QMenu*> SLAppDelegate::sourceListMenuForEventItem(PXSourceList& list,
-                                                                QMouseEvent& event,
-                                                                OutlineItem item) {
-  const bool asksForMenu =
-      event.button() == Qt::RightButton ||
-      (event.button() == Qt::LeftButton && event.modifiers().testFlag(Qt::ControlModifier));
-  auto* backup = item.as<BackupModel>();
-  if (!backup || !asksForMenu) {
-    return nullptr;
-  }
-  list.selectRowIndexesByExtendingSelection({list.rowForItem(item)}, false);
-  m_contextMenu = std::make_unique<QMenu>();
-  QAction* first = m_contextMenu->addAction(tr("Loading..."));
-  if (!backup->contentReady()) {
-    first->setEnabled(false);
-    m_pendingMenuItem = first;
-  } else {
-    offerExport(*first, *backup);
-  }
-  m_contextMenu->addSeparator();
-  connect(m_contextMenu->addAction(tr("Reveal In Finder")), &QAction::triggered, this,
-          [this] { revealSelectedInFinder(); });
-  return m_contextMenu.get();
-}
-
-void SLAppDelegate::sourceListSelectionDidChange(const Notification&) {
-  if (!m_isReloading) {
-    selectedBackupDidChange();
-  }
-}
-
-void SLAppDelegate::selectedBackupDidChange() {
-  BackupModel* backup = selectedBackup();
-  m_pendingMenuItem = nullptr;
-  updateCommands();
-  if (backup) {
-    backup->prepareContent();
-    m_ui->browser->prepareThumbnails();
-    m_ui->sourceList->reloadItem(backup);
-  }
 }
 
 }  // namespace snaplift

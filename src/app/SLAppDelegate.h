@@ -35,9 +35,9 @@ namespace snaplift {
 
 // The application's one controller. It owns the window, the backup library and the exports; it
 // feeds the sidebar with devices and backups, loads the backup that the user selects, keeps the
-// main area in step with it, and exports photos. Its six parts stand in six files: start-up and the
-// tree of backups, the folders that are open, their disks, the state of the browser, the finding of
-// photos in it, the export.
+// main area in step with it, and exports photos. Its parts stand in files of their own: start-up,
+// the tree of backups, the folders that are open, their disks, the state of the browser, the
+// finding of photos in it, what is known of them, the export.
 //
 // Everything runs on the user interface's thread, except the two handlers of loading notifications,
 // which come on a backup's loading thread and hand their work over. The destructor gives up every

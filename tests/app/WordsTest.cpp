@@ -1,6 +1,7 @@
 #include <QFile>
 #include <QLibraryInfo>
 #include <QMenu>
+#include <QRegularExpression>
 #include <QTranslator>
 
 #include <gmock/gmock.h>
@@ -101,7 +102,8 @@ TEST_F(Words, areAllAskedFor) {
   texts << textsOf(*alert());
   EXPECT_GT(texts.size(), 100);
   for (const QString& text : texts) {
-    EXPECT_TRUE(text.isEmpty() || text.contains("»")) << text.toStdString();
+    EXPECT_TRUE(text.contains("»") || !text.contains(QRegularExpression("\\pL")))
+        << text.toStdString();
   }
 }
 

@@ -234,8 +234,8 @@ TEST_F(GroupedBrowserTest, unreadPhotosAreNotReadAgainForANewOrder) {
 TEST_F(GroupedBrowserTest, screenReadersHearTheGroups) {
   QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&m_view);
   EXPECT_EQ(list->childCount(), 47 + 3);
-  EXPECT_EQ(list->child(1)->text(QAccessible::Description), "May 2011");
-  EXPECT_EQ(list->child(2)->text(QAccessible::Description), "Live Photo, May 2011");
+  EXPECT_EQ(list->child(1)->text(QAccessible::Description), "/100APPLE, May 2011");
+  EXPECT_EQ(list->child(2)->text(QAccessible::Description), "Live Photo, /100APPLE, May 2011");
   EXPECT_EQ(list->child(47)->text(QAccessible::Name), "May 2011, 6 Photos");
   QAccessibleInterface* june = list->child(48);
   EXPECT_EQ(june->text(QAccessible::Name), "June 2011, 1 Photo");

@@ -39,7 +39,7 @@ QString exportedCountText(const ExportSummary& summary) {
   return summary.films == 0 ? photosText(photos)
          : photos == 0      ? filmsText(summary.films)
                             : Words::tr("%1 and %2", "photos and films")
-                                  .arg(photosText(photos), filmsText(summary.films));
+                             .arg(photosText(photos), filmsText(summary.films));
 }
 
 QString folderName(const std::string& folder) {

@@ -41,9 +41,9 @@ public:
   // What can be told of the bytes without reading them. Looks at the disk at every call.
   enum class Content { Whole, Short, Unreadable, Missing };
   virtual Content imageContent() const { return Content::Whole; }
-  // What else there is to know, one thing a line, in the user's words: for a tooltip and for whoever
-  // hears rather than sees. `readBytes` is how many bytes the photo has, or 0 where nobody has read
-  // them. Empty: nothing to say.
+  // What else there is to know, one thing a line, in the user's words: for a tooltip and for
+  // whoever hears rather than sees. `readBytes` is how many bytes the photo has, or 0 where nobody
+  // has read them. Empty: nothing to say.
   virtual std::string imageDescription(std::int64_t /*readBytes*/) const { return {}; }
 };
 
