@@ -227,10 +227,12 @@ std::vector<Fact> PhotoDetails::fileFacts() const {
 
 std::vector<Fact> PhotoDetails::recordFacts() const {
   const PhotoInfo info = m_photo->info();
-  const auto size = info.size ? info.size
-                    : m_picture.byteCount > 0
-                        ? std::optional(static_cast<std::uint64_t>(m_picture.byteCount))
-                        : std::nullopt;
+  QString size;
+  if (info.size) {
+    size = detailsText::exactBytes(*info.size);
+  } else if (m_picture.byteCount > 0) {
+    size = detailsText::exactBytes(static_cast<std::uint64_t>(m_picture.byteCount));
+  }
   QString state;
   if (m_file.state == Thumbnail::State::Missing) {
     state = tr("Missing");
@@ -242,7 +244,7 @@ std::vector<Fact> PhotoDetails::recordFacts() const {
     state = tr("Whole");
   }
   std::vector<Fact> rows{
-      {tr("Size"), size ? detailsText::exactBytes(*size) : ""},
+      {tr("Size"), size},
       {tr("Kind"), info.media == PhotoMedia::Film ? tr("Film, %1").arg(detailsText::kind(info.kind))
                                                   : detailsText::kind(info.kind)},
       {tr("In the backup"), state},
