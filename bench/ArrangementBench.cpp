@@ -81,7 +81,7 @@ public:
   }
   ImageBrowserItemPointer imageBrowserItemAtIndex(const ImageBrowserView&,
                                                   int index) const override {
-    return std::make_shared<BackupPhoto>(arrangement.photoAt(index), m_folder, m_unreadable);
+    return std::make_shared<BackupPhoto>(arrangement.photoAt(index), m_folder, nullptr);
   }
 
   PhotoArrangement arrangement;
@@ -89,7 +89,6 @@ public:
 private:
   test::KnownPhotos m_known;
   const std::string m_folder;
-  const BackupPhoto::Unreadable m_unreadable;
 };
 
 // In milliseconds, from the key to the painted photos, the first key included: it has to find out
