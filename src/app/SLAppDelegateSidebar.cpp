@@ -113,7 +113,6 @@ void SLAppDelegate::selectedBackupDidChange() {
   updateCommands();
   if (backup) {
     backup->prepareContent();
-    m_ui->browser->prepareThumbnails();
     m_ui->sourceList->reloadItem(backup);
   }
 }

@@ -1,12 +1,10 @@
 #include <chrono>
 #include <condition_variable>
-#include <future>
 #include <map>
 #include <mutex>
 
 #include <gtest/gtest.h>
 
-#include "foundation/Log.h"
 #include "support/photos/TestPhotos.h"
 #include "support/photos/TestPictures.h"
 #include "widgets/thumbnails/ThumbnailLoader.h"
@@ -162,18 +160,6 @@ TEST_F(ThumbnailLoaderTest, endsAtOnceWhileADecoderHangs) {
   const auto begin = std::chrono::steady_clock::now();
   m_loader.reset();
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
-}
-
-TEST_F(ThumbnailLoaderTest, startsItsDecoderBeforeThereIsAPhoto) {
-  std::promise<void> tried;
-  const LogCapture capture([&](const std::string&) { tried.set_value(); });
-  LoaderLimits limits;
-  limits.decoder = "/nonexistent";
-  start(
-      1, [](int) { return QByteArray(); }, limits);
-  m_loader->prepare();
-  EXPECT_EQ(tried.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
-  m_loader.reset();
 }
 
 // A photo or film beside which its source has a small picture.

@@ -107,8 +107,6 @@ public:
   void setPreviewOpen(bool open);
   // Moves the focus, selects that photo alone and scrolls to it; an index outside does nothing.
   void stepTo(int index);
-  // Photos will be shown within moments: what decodes them is started.
-  void prepareThumbnails();
   // While suspended no photo is read or decoded.
   void setThumbnailsSuspended(bool suspended);
   bool isLoadingThumbnails() const;

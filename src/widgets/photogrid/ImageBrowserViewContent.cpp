@@ -106,10 +106,6 @@ const Thumbnail* ImageBrowserView::thumbnailAtIndex(int index) const {
   return m_thumbnails->find(itemAtIndex(index)->imageUID());
 }
 
-void ImageBrowserView::prepareThumbnails() {
-  m_thumbnails->prepare();
-}
-
 void ImageBrowserView::setThumbnailsSuspended(bool suspended) {
   m_thumbnails->setSuspended(suspended);
 }

@@ -155,7 +155,7 @@ DecodedPicture PictureDecoder::decode(const PictureRequest& request, ByteView by
   if (!picture || !pixels) {
     return {.outcome = Outcome::TooLarge};
   }
-  if (prepare(stop)) {
+  if (isReady(stop)) {
     limitProcessorTime();
     const bool isAsked = sendRequest(m_socket.get(), request, picture.get(), pixels.get());
     if (const auto answer = isAsked ? message(stop, m_limits.time) : std::nullopt) {
@@ -166,7 +166,7 @@ DecodedPicture PictureDecoder::decode(const PictureRequest& request, ByteView by
   return {.outcome = stop.level() == StopSignal::Level::None ? Outcome::Failed : Outcome::Stopped};
 }
 
-bool PictureDecoder::prepare(const StopSignal& stop) {
+bool PictureDecoder::isReady(const StopSignal& stop) {
   while (m_process == 0 && m_deathsAtStart < maxDeathsAtStart) {
     const bool isCaged = start() && awaitCage(stop);
     if (!isCaged) {

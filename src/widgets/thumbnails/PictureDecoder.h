@@ -39,7 +39,7 @@ struct DecodedPicture {
 
 // A picture decoder: a process without files, network and much memory that decodes strangers'
 // pictures, so that this process never does (see picturedecoder/). It is started when the first
-// picture is asked for, or before, and used again for the next. Who makes it uses it, on one
+// picture is asked for, and used again for the next. Who makes it uses it, on one
 // thread: the process ends with that thread, however it ends.
 //
 // Whatever the picture or the decoder does, decode() comes back in the time that it was given, and
@@ -53,9 +53,6 @@ public:
   PictureDecoder& operator=(const PictureDecoder&) = delete;
   ~PictureDecoder() { end(); }
 
-  // Starts the process, unless it runs, and waits until it is caged or `stop` is raised; false
-  // where it cannot be had. decode() does so by itself.
-  bool prepare(const StopSignal& stop);
   // Waits for the answer, or until `stop` is raised.
   DecodedPicture decode(const PictureRequest& request, ByteView bytes, const StopSignal& stop);
 
@@ -64,6 +61,7 @@ public:
 private:
   using Outcome = DecodedPicture::Outcome;
 
+  bool isReady(const StopSignal& stop);
   bool start();
   bool awaitCage(const StopSignal& stop);
   void limitProcessorTime() const;

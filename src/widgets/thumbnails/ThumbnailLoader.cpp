@@ -44,7 +44,6 @@ struct ThumbnailLoader::State {
   std::deque<Job> queue;
   std::list<Running> running;
   std::vector<ThumbnailResult> results;
-  bool wantsDecoders = false;  // before there is a photo for them
   bool ends = false;
 
   LoaderLimits limits;
@@ -80,18 +79,9 @@ bool ThumbnailLoader::State::keepResult(const Running& job, std::optional<Thumbn
 
 void ThumbnailLoader::State::work(StopSignal& stop) {
   ThumbnailMaker maker(limits, limits.memory / stops.size());
-  bool isPrepared = false;
   std::unique_lock lock(mutex);
   while (!ends) {
     const auto next = nextJob();
-    if (next == queue.end() && wantsDecoders && !isPrepared) {
-      isPrepared = true;
-      stop.lower();
-      lock.unlock();
-      maker.prepare(stop);
-      lock.lock();
-      continue;
-    }
     if (next == queue.end()) {
       changed.wait(lock);
       continue;
@@ -143,12 +133,6 @@ ThumbnailLoader::~ThumbnailLoader() {
   for (std::thread& worker : m_state->workers) {
     worker.join();
   }
-}
-
-void ThumbnailLoader::prepare() {
-  const std::lock_guard lock(m_state->mutex);
-  m_state->wantsDecoders = true;
-  m_state->changed.notify_all();
 }
 
 void ThumbnailLoader::setWork(std::vector<ThumbnailRequest> requests) {

@@ -34,8 +34,6 @@ public:
   ThumbnailLoader& operator=(const ThumbnailLoader&) = delete;
   ~ThumbnailLoader();
 
-  // Has the decoders started that the workers will need, so that the first photos do not wait.
-  void prepare();
   // Replaces the work that has not begun, first come first; what runs and is no longer asked for
   // may end within moments, and at once where nothing is asked for. What runs or whose result waits
   // is not begun a second time.

@@ -49,8 +49,6 @@ public:
   // `memory` is this decoder's share, in bytes.
   ThumbnailMaker(LoaderLimits limits, std::size_t memory);
 
-  // Starts the decoder, unless it runs, so that the first photo does not wait for it.
-  void prepare(const StopSignal& stop) { m_decoder.prepare(stop); }
   // Nothing: the photo turned out to be large and is to come again when it is its turn.
   std::optional<Thumbnail> make(ThumbnailJob& job, const StopSignal& stop);
 

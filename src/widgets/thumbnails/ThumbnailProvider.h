@@ -40,8 +40,6 @@ public:
   // is not read again.
   void rearrangeItems(int itemCount);
   void setSight(const Sight& sight);
-  // Photos will be looked at within moments.
-  void prepare() { m_loader->prepare(); }
   // While suspended nothing is read or decoded.
   void setSuspended(bool suspended);
 
