@@ -7,8 +7,8 @@
 #include <sys/fsuid.h>
 
 #include "SLAppDelegateFixture.h"
-#include "app/disks/DiskWatch.h"
 #include "app/FolderSearch.h"
+#include "app/disks/DiskWatch.h"
 #include "faults/SystemCalls.h"
 #include "widgets/desktop/NoticeBar.h"
 
