@@ -17,9 +17,14 @@ std::string_view withoutBlanksAround(std::string_view text) {
 
 }  // namespace
 
-PhotoQuery::PhotoQuery(std::string_view text)
-    : m_part(searchableText(withoutBlanksAround(text))),
-      m_span(timeSpanOfWords(withoutBlanksAround(text))) {}
+// Without a word, none of what the words of two languages need is loaded.
+PhotoQuery::PhotoQuery(std::string_view text) {
+  const std::string_view words = withoutBlanksAround(text);
+  if (!words.empty()) {
+    m_part = searchableText(words);
+    m_span = timeSpanOfWords(words);
+  }
+}
 
 bool PhotoQuery::finds(std::string_view path, std::optional<Instant> date) const {
   return (m_span && date && m_span->contains(*date)) || path.find(m_part) != std::string_view::npos;
