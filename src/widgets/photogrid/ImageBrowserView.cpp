@@ -76,7 +76,9 @@ IndexRange ImageBrowserView::visibleRange() const {
 }
 
 GridMeasures ImageBrowserView::measures() const {
-  return {viewport()->width(), m_metrics.cellSize(), gridHeaderHeight(font()), isRightToLeft()};
+  // The font of headers is loaded where there are some.
+  return {viewport()->width(), m_metrics.cellSize(),
+          m_groups.empty() ? 0 : gridHeaderHeight(font()), isRightToLeft()};
 }
 
 void ImageBrowserView::relayout() {
