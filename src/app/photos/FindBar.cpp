@@ -27,11 +27,6 @@ FindBar::FindBar(QWidget* parent)
   m_field->setMaxLength(longestText);
   m_field->setMinimumWidth(narrowestField);
   m_field->setMaximumWidth(widestField);
-  m_field->setClearButtonEnabled(true);
-  for (QToolButton* clear : m_field->findChildren<QToolButton*>()) {
-    clear->setAccessibleName(tr("Clear"));
-    clear->setToolTip(tr("Show all photos again (Esc)"));
-  }
   m_field->installEventFilter(this);
   row->addWidget(m_field, 1);
   m_text->setTextFormat(Qt::PlainText);
@@ -45,7 +40,20 @@ QString FindBar::text() const {
   return m_field->text();
 }
 
+// When the field is first seen: its icon loads the readers of every kind of picture, which nobody
+// is to wait for at the start.
+void FindBar::addClearButton() {
+  m_field->setClearButtonEnabled(true);
+  for (QToolButton* clear : m_field->findChildren<QToolButton*>()) {
+    clear->setAccessibleName(tr("Clear"));
+    clear->setToolTip(tr("Show all photos again (Esc)"));
+  }
+}
+
 void FindBar::open(const QString& typed) {
+  if (!m_field->isClearButtonEnabled()) {
+    addClearButton();
+  }
   m_isOpen = true;
   updateVisibility();
   m_field->setFocus(Qt::ShortcutFocusReason);

@@ -36,6 +36,7 @@ protected:
   bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
+  void addClearButton();
   void updateVisibility();
 
   QLineEdit* m_field;
