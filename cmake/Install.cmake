@@ -23,7 +23,11 @@ install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDI
 
 if(SNAPLIFT_GUI)
   install(TARGETS snaplift)
-  install(TARGETS snaplift-picture-decoder DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/snaplift")
+  set(decoders snaplift-picture-decoder)
+  if(SNAPLIFT_HEIF)
+    list(APPEND decoders snaplift-heif-decoder)
+  endif()
+  install(TARGETS ${decoders} DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/snaplift")
   install_man_page(snaplift)
   install(FILES "${resources}/${application_id}.desktop"
     "${resources}/zz.snaplift.Snaplift.Folders.desktop"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Require.h"
-#include "picturedecoder/DecodePicture.h"
+#include "picturedecoder/heif/HeifPicture.h"
 #include "picturedecoder/protocol/PictureFacts.h"
 
 // The decode loop of the picture decoder, without its cage: whatever the bytes, an answer comes
@@ -23,8 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::uint32_t side = isPreview ? previewPixels : pixels;
     PictureAnswer answer;
     try {
-      answer = decodePicture({kind, pixels}, {data, size},
-                             std::span(space).first(std::size_t{4} * side * side));
+      answer = decodePictureOrHeif({kind, pixels}, {data, size},
+                                   std::span(space).first(std::size_t{4} * side * side));
     } catch (const std::bad_alloc&) {
       answer.outcome = PictureAnswer::Outcome::TooLarge;
     }
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   PictureFacts facts;
   try {
-    if (decodePicture({Kind::Facts, 0}, {data, size}, std::span(space).first(sizeof facts))
+    if (decodePictureOrHeif({Kind::Facts, 0}, {data, size}, std::span(space).first(sizeof facts))
             .outcome == PictureAnswer::Outcome::Decoded) {
       std::memcpy(&facts, space.data(), sizeof facts);
       const PictureFacts believed = plausible(facts);

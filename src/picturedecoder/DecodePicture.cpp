@@ -4,7 +4,6 @@
 #include <cstring>
 #include <string_view>
 
-#include "picturedecoder/HeifPicture.h"
 #include "picturedecoder/JpegPicture.h"
 #include "picturedecoder/PngPicture.h"
 
@@ -18,6 +17,12 @@ constexpr std::uint32_t maxPreviewSide = 1'024;
 
 bool isJpeg(ByteView bytes) {
   return textOf(bytes).starts_with("\xFF\xD8"sv);
+}
+
+// The brand behind it may be a film's; libheif knows.
+bool mayBeHeif(ByteView bytes) {
+  constexpr std::size_t sizeLength = 4;
+  return bytes.size() > sizeLength && textOf(bytes).substr(sizeLength).starts_with("ftyp"sv);
 }
 
 bool isPng(ByteView bytes) {
@@ -50,25 +55,13 @@ PictureAnswer decodeJpegPreview(ByteView picture, std::uint32_t pixels,
 }
 
 PictureAnswer readFacts(ByteView picture, std::span<std::uint8_t> space) {
-  PictureFacts facts;
-  PictureSize size;
-  if (isJpeg(picture)) {
-    if (const auto photo = jpegFacts(picture)) {
-      size = uprightSize(photo->size, photo->exif.orientation());
-      facts = photo->exif.facts();
-    }
-  } else if (isHeif(picture)) {
-    size = readHeifFacts(picture, facts);
-  } else if (isPng(picture)) {
-    size = pngSize(picture);
+  if (isPng(picture)) {
+    return answerOfFacts({}, pngSize(picture), space);
   }
-  if (size.pixelCount() == 0 || space.size() < sizeof facts) {
-    return {};
-  }
-  std::memcpy(space.data(), &facts, sizeof facts);
-  PictureAnswer answer{.outcome = Outcome::Decoded};
-  setWholeSize(answer, size);
-  return answer;
+  const auto photo = isJpeg(picture) ? jpegFacts(picture) : std::nullopt;
+  return photo ? answerOfFacts(photo->exif.facts(),
+                               uprightSize(photo->size, photo->exif.orientation()), space)
+               : PictureAnswer{};
 }
 
 }  // namespace
@@ -81,20 +74,35 @@ bool isFitPreview(PictureSize preview, PictureSize photo, std::uint32_t pixels) 
          std::abs(ratio - 1) <= tolerance;
 }
 
+PictureTarget targetOf(const PictureRequest& request, std::span<std::uint8_t> pixels) {
+  return {request.kind == PictureRequest::Kind::EmbeddedPreview ? maxPreviewSide : request.pixels,
+          pixels};
+}
+
+PictureAnswer answerOfFacts(const PictureFacts& facts, PictureSize size,
+                            std::span<std::uint8_t> space) {
+  if (size.pixelCount() == 0 || space.size() < sizeof facts) {
+    return {};
+  }
+  std::memcpy(space.data(), &facts, sizeof facts);
+  PictureAnswer answer{.outcome = Outcome::Decoded};
+  setWholeSize(answer, size);
+  return answer;
+}
+
 PictureAnswer decodePicture(const PictureRequest& request, ByteView picture,
                             std::span<std::uint8_t> pixels) {
+  if (mayBeHeif(picture)) {
+    return {.outcome = Outcome::OtherDecoder};
+  }
   if (request.kind == PictureRequest::Kind::Facts) {
     return readFacts(picture, pixels);
   }
   const bool isPreview = request.kind == PictureRequest::Kind::EmbeddedPreview;
-  const PictureTarget target{isPreview ? maxPreviewSide : request.pixels, pixels};
+  const PictureTarget target = targetOf(request, pixels);
   if (isJpeg(picture)) {
     return isPreview ? decodeJpegPreview(picture, request.pixels, target)
                      : decodeJpeg(picture, target);
-  }
-  if (isHeif(picture)) {
-    return isPreview ? decodeHeifPreview(picture, request.pixels, target)
-                     : decodeHeif(picture, target);
   }
   if (isPng(picture)) {
     return isPreview ? PictureAnswer{.outcome = Outcome::NoPreview} : decodePng(picture, target);

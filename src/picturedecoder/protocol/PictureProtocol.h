@@ -31,7 +31,8 @@ struct PictureAnswer {
     Decoded,    // the pixels are there, or the facts
     NoPreview,  // none that would do; the picture itself may be fine
     NoPicture,  // the bytes are no picture, or show nothing
-    TooLarge    // not within the memory that this decoder may have
+    TooLarge,     // not within the memory that this decoder may have
+    OtherDecoder  // the bytes may be an HEIF file, which this program does not read
   };
   Outcome outcome = Outcome::NoPicture;
   std::uint32_t width = 0;  // of the pixels

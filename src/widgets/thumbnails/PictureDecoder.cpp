@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <mutex>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include <fcntl.h>
@@ -38,15 +39,15 @@ constexpr std::size_t previewSpace = bytesPerPixel * 1'024 * 1'024;
 constexpr std::uint32_t maxWholeSide = 1 << 24;
 constexpr int decoderSocket = 3;  // what a decoder expects
 
-// The decoder lies in one folder beside a folder that this program runs in, near the root of a
-// build as of an installation.
-std::string ownDecoder() {
+// Decoders lie in one folder beside a folder that this program runs in, near the root of a build as
+// of an installation. Empty where there is none of that name.
+std::string ownDecoder(std::string_view name) {
   constexpr int levels = 4;
   std::error_code error;
   fs::path folder = fs::read_symlink("/proc/self/exe", error);
   for (int level = 0; level < levels && !error && folder.has_relative_path(); ++level) {
     folder = folder.parent_path();
-    const fs::path program = folder / SNAPLIFT_DECODER_FOLDER / "snaplift-picture-decoder";
+    const fs::path program = folder / SNAPLIFT_DECODER_FOLDER / name;
     std::error_code absent;
     if (fs::is_regular_file(program, absent)) {
       return program;
@@ -114,6 +115,7 @@ DecodedPicture pictureOf(const PictureRequest& request, const PictureAnswer& ans
     case PictureAnswer::Outcome::NoPreview:
       return {.outcome = Outcome::NoPreview};
     case PictureAnswer::Outcome::NoPicture:
+    case PictureAnswer::Outcome::OtherDecoder:
       return {.outcome = Outcome::NoPicture};
     case PictureAnswer::Outcome::TooLarge:
       return {.outcome = Outcome::TooLarge};
@@ -143,7 +145,8 @@ DecodedPicture pictureOf(const PictureRequest& request, const PictureAnswer& ans
 
 PictureDecoder::PictureDecoder(DecoderLimits limits) : m_limits(std::move(limits)) {
   if (m_limits.program.empty()) {
-    m_limits.program = ownDecoder();
+    m_limits.program = ownDecoder("snaplift-picture-decoder");
+    m_heifProgram = ownDecoder("snaplift-heif-decoder");
   }
 }
 
@@ -155,15 +158,33 @@ DecodedPicture PictureDecoder::decode(const PictureRequest& request, ByteView by
   if (!picture || !pixels) {
     return {.outcome = Outcome::TooLarge};
   }
-  if (isReady(stop)) {
-    limitProcessorTime();
-    const bool isAsked = sendRequest(m_socket.get(), request, picture.get(), pixels.get());
-    if (const auto answer = isAsked ? message(stop, m_limits.time) : std::nullopt) {
-      return pictureOf(request, *answer, space, pixels);
-    }
+  auto answer = ask(request, picture, pixels, stop);
+  if (answer && answer->outcome == PictureAnswer::Outcome::OtherDecoder && !m_heifProgram.empty()) {
     end();
+    m_limits.program = std::exchange(m_heifProgram, {});
+    answer = ask(request, picture, pixels, stop);
+  }
+  if (answer) {
+    return pictureOf(request, *answer, space, pixels);
   }
   return {.outcome = stop.level() == StopSignal::Level::None ? Outcome::Failed : Outcome::Stopped};
+}
+
+// Nothing where the decoder did not answer; then it is gone.
+std::optional<PictureAnswer> PictureDecoder::ask(const PictureRequest& request,
+                                                 const FileDescriptor& picture,
+                                                 const FileDescriptor& pixels,
+                                                 const StopSignal& stop) {
+  if (!isReady(stop)) {
+    return std::nullopt;
+  }
+  limitProcessorTime();
+  const bool isAsked = sendRequest(m_socket.get(), request, picture.get(), pixels.get());
+  const auto answer = isAsked ? message(stop, m_limits.time) : std::nullopt;
+  if (!answer) {
+    end();
+  }
+  return answer;
 }
 
 bool PictureDecoder::isReady(const StopSignal& stop) {

@@ -4,6 +4,7 @@
 #include <QSize>
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "foundation/Bytes.h"
@@ -16,7 +17,7 @@ namespace snaplift {
 
 // What a picture may cost its decoder.
 struct DecoderLimits {
-  std::string program;  // the decoder; empty for the one that belongs to this program
+  std::string program;  // the decoder; empty for those that belong to this program
   std::size_t memory = 0;
   std::chrono::milliseconds time{10'000};
 };
@@ -39,8 +40,9 @@ struct DecodedPicture {
 
 // A picture decoder: a process without files, network and much memory that decodes strangers'
 // pictures, so that this process never does (see picturedecoder/). It is started when the first
-// picture is asked for, and used again for the next. Who makes it uses it, on one
-// thread: the process ends with that thread, however it ends.
+// picture is asked for, and used again for the next; at the first HEIF file the program that also
+// reads those takes its place, for good. Who makes it uses it, on one thread: the process ends with
+// that thread, however it ends.
 //
 // Whatever the picture or the decoder does, decode() comes back in the time that it was given, and
 // nothing that the decoder says is believed before it is compared with what it was handed. A
@@ -61,6 +63,8 @@ public:
 private:
   using Outcome = DecodedPicture::Outcome;
 
+  std::optional<PictureAnswer> ask(const PictureRequest& request, const FileDescriptor& picture,
+                                   const FileDescriptor& pixels, const StopSignal& stop);
   bool isReady(const StopSignal& stop);
   bool start();
   bool awaitCage(const StopSignal& stop);
@@ -71,6 +75,7 @@ private:
   void end();
 
   DecoderLimits m_limits;
+  std::string m_heifProgram;  // empty where there is none, and once it is the one that runs
   FileDescriptor m_socket;
   int m_process = 0;
   int m_deathsAtStart = 0;

@@ -1,8 +1,4 @@
-#include "picturedecoder/HeifPicture.h"
-
-#include "picturedecoder/DecodePicture.h"
-
-#ifdef SNAPLIFT_HEIF
+#include "picturedecoder/heif/HeifPicture.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -13,6 +9,7 @@
 
 #include <libheif/heif.h>
 
+#include "picturedecoder/DecodePicture.h"
 #include "picturedecoder/Exif.h"
 
 namespace snaplift {
@@ -145,20 +142,18 @@ PictureAnswer decode(const heif_image_handle& handle, PictureSize whole,
   return answer;
 }
 
-}  // namespace
-
 bool isHeif(ByteView bytes) {
   constexpr int brandEnd = 12;
   return bytes.size() >= brandEnd &&
          heif_check_filetype(bytes.data(), brandEnd) == heif_filetype_yes_supported;
 }
 
-PictureAnswer decodeHeif(ByteView bytes, const PictureTarget& target) {
+PictureAnswer decodeWhole(ByteView bytes, const PictureTarget& target) {
   const OpenFile file = openHeif(bytes);
   return file.picture ? decode(*file.picture, sizeOf(*file.picture), target) : PictureAnswer{};
 }
 
-PictureAnswer decodeHeifPreview(ByteView bytes, std::uint32_t pixels, const PictureTarget& target) {
+PictureAnswer decodePreview(ByteView bytes, std::uint32_t pixels, const PictureTarget& target) {
   const PictureAnswer none{.outcome = PictureAnswer::Outcome::NoPreview};
   const OpenFile file = openHeif(bytes);
   heif_item_id id = 0;
@@ -177,37 +172,29 @@ PictureAnswer decodeHeifPreview(ByteView bytes, std::uint32_t pixels, const Pict
   return answer.outcome == PictureAnswer::Outcome::Decoded ? answer : none;
 }
 
-PictureSize readHeifFacts(ByteView bytes, PictureFacts& facts) {
+PictureAnswer readFacts(ByteView bytes, std::span<std::uint8_t> space) {
   const OpenFile file = openHeif(bytes);
-  if (!file.picture) {
-    return {};
+  return file.picture ? answerOfFacts(exifOf(*file.picture, bytes.size()).facts(),
+                                      sizeOf(*file.picture), space)
+                      : PictureAnswer{};
+}
+
+}  // namespace
+
+PictureAnswer decodePictureOrHeif(const PictureRequest& request, ByteView picture,
+                                  std::span<std::uint8_t> pixels) {
+  if (!isHeif(picture)) {
+    return decodePicture(request, picture, pixels);
   }
-  facts = exifOf(*file.picture, bytes.size()).facts();
-  return sizeOf(*file.picture);
+  switch (request.kind) {
+    case PictureRequest::Kind::EmbeddedPreview:
+      return decodePreview(picture, request.pixels, targetOf(request, pixels));
+    case PictureRequest::Kind::Facts:
+      return readFacts(picture, pixels);
+    case PictureRequest::Kind::Picture:
+      break;
+  }
+  return decodeWhole(picture, targetOf(request, pixels));
 }
 
 }  // namespace snaplift
-
-#else
-
-namespace snaplift {
-
-bool isHeif(ByteView) {
-  return false;
-}
-
-PictureAnswer decodeHeif(ByteView, const PictureTarget&) {
-  return {};
-}
-
-PictureAnswer decodeHeifPreview(ByteView, std::uint32_t, const PictureTarget&) {
-  return {};
-}
-
-PictureSize readHeifFacts(ByteView, PictureFacts&) {
-  return {};
-}
-
-}  // namespace snaplift
-
-#endif
