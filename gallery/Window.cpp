@@ -45,7 +45,8 @@ QMessageBox* visibleAlert() {
 // The window over a backup root, in one palette, and the pictures of its states.
 class WindowShots {
 public:
-  WindowShots(QString folder, QString palette) : m_folder(std::move(folder)), m_palette(palette) {
+  WindowShots(QString folder, QString palette)
+      : m_folder(std::move(folder)), m_palette(std::move(palette)) {
     mainThread::resume();
   }
 
@@ -189,7 +190,9 @@ public:
 private:
   void exportAll() {
     std::vector<ImageBrowserItemPointer> items;
-    for (int i = 0; i < browser().itemCount(); ++i) {
+    const int count = browser().itemCount();
+    items.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
       items.push_back(browser().itemAtIndex(i));
     }
     m_delegate.imageBrowserExportItemsToDestination(browser(), items, temporaryFolder());

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <unordered_map>
 
+#include "samples/BigEndian.h"
 #include "samples/PropertyListWriter.h"
 
 namespace snaplift::samples {
@@ -13,12 +14,6 @@ namespace {
 
 // Dates count from here.
 constexpr Instant epoch = std::chrono::sys_days{std::chrono::year{2001} / 1 / 1};
-
-void appendInteger(std::string& out, std::uint64_t value, unsigned width) {
-  for (unsigned shift = 8 * width; shift > 0; shift -= 8) {
-    out.push_back(static_cast<char>(value >> (shift - 8)));
-  }
-}
 
 // 1, 2, 4 or 8: integers of the format have no other width.
 unsigned widthFor(std::uint64_t value) {

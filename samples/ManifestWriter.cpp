@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "foundation/Digest.h"
+#include "samples/BigEndian.h"
 
 namespace snaplift::samples {
 namespace {
@@ -11,12 +12,6 @@ constexpr std::string_view databaseHeader("mbdb\5\0", 6);
 constexpr std::string_view indexHeader("mbdx\2\0", 6);
 constexpr std::uint16_t absentLength = 0xFFFF;
 constexpr std::uint32_t mobileUser = 501;
-
-void appendInteger(std::string& out, std::uint64_t value, unsigned width) {
-  for (unsigned shift = 8 * width; shift > 0; shift -= 8) {
-    out.push_back(static_cast<char>(value >> (shift - 8)));
-  }
-}
 
 void appendText(std::string& out, std::string_view text) {
   if (text.size() >= absentLength) {

@@ -23,7 +23,7 @@ constexpr unsigned wholeSegment = 0xFFFF;
 
 // The decoder of libjpeg with what its callbacks need. Errors leave it by longjmp: between a
 // setjmp() and its end stands no object that has a destructor.
-struct Decoder {
+struct JpegDecoder {
   jpeg_decompress_struct jpeg{};
   jpeg_error_mgr errors{};
   jpeg_progress_mgr progress{};
@@ -31,18 +31,18 @@ struct Decoder {
   bool isDamaged = false;
   bool hasNoMemory = false;
 
-  explicit Decoder(ByteView bytes);
-  Decoder(const Decoder&) = delete;
-  Decoder& operator=(const Decoder&) = delete;
-  ~Decoder() { jpeg_destroy_decompress(&jpeg); }
+  explicit JpegDecoder(ByteView bytes);
+  JpegDecoder(const JpegDecoder&) = delete;
+  JpegDecoder& operator=(const JpegDecoder&) = delete;
+  ~JpegDecoder() { jpeg_destroy_decompress(&jpeg); }
 };
 
-Decoder& ownerOf(j_common_ptr jpeg) {
-  return *static_cast<Decoder*>(jpeg->client_data);
+JpegDecoder& ownerOf(j_common_ptr jpeg) {
+  return *static_cast<JpegDecoder*>(jpeg->client_data);
 }
 
 void leave(j_common_ptr jpeg) {
-  Decoder& decoder = ownerOf(jpeg);
+  JpegDecoder& decoder = ownerOf(jpeg);
   const int reason = jpeg->err->msg_code;
   decoder.hasNoMemory = reason == JERR_OUT_OF_MEMORY || reason == JERR_NO_BACKING_STORE;
   std::longjmp(decoder.escape, 1);
@@ -61,7 +61,7 @@ void countScans(j_common_ptr jpeg) {
   }
 }
 
-Decoder::Decoder(ByteView bytes) {
+JpegDecoder::JpegDecoder(ByteView bytes) {
   jpeg.err = jpeg_std_error(&errors);
   jpeg.client_data = this;
   errors.error_exit = leave;
@@ -79,28 +79,28 @@ Decoder::Decoder(ByteView bytes) {
 }
 
 // False where libjpeg gives up.
-bool readHeader(Decoder& decoder) {
+bool readHeader(JpegDecoder& decoder) {
   if (setjmp(decoder.escape) != 0) {
     return false;
   }
   return jpeg_read_header(&decoder.jpeg, TRUE) == JPEG_HEADER_OK;
 }
 
-bool start(Decoder& decoder) {
+bool start(JpegDecoder& decoder) {
   if (setjmp(decoder.escape) != 0) {
     return false;
   }
   return jpeg_start_decompress(&decoder.jpeg) != 0;
 }
 
-bool readRow(Decoder& decoder, std::uint8_t* row) {
+bool readRow(JpegDecoder& decoder, std::uint8_t* row) {
   if (setjmp(decoder.escape) != 0) {
     return false;
   }
   return jpeg_read_scanlines(&decoder.jpeg, &row, 1) == 1;
 }
 
-std::vector<std::uint8_t> profileOf(Decoder& decoder) {
+std::vector<std::uint8_t> profileOf(JpegDecoder& decoder) {
   JOCTET* data = nullptr;
   unsigned length = 0;
   if (setjmp(decoder.escape) != 0 || !jpeg_read_icc_profile(&decoder.jpeg, &data, &length)) {
@@ -110,7 +110,7 @@ std::vector<std::uint8_t> profileOf(Decoder& decoder) {
   return {data, data + length};
 }
 
-Exif exifOf(const Decoder& decoder) {
+Exif exifOf(const JpegDecoder& decoder) {
   for (const auto* marker = decoder.jpeg.marker_list; marker != nullptr; marker = marker->next) {
     const ByteView segment(marker->data, marker->data_length);
     if (marker->marker == exifMarker && textOf(segment).starts_with("Exif")) {
@@ -120,7 +120,7 @@ Exif exifOf(const Decoder& decoder) {
   return {};
 }
 
-PictureSize sizeOf(const Decoder& decoder) {
+PictureSize sizeOf(const JpegDecoder& decoder) {
   return {decoder.jpeg.image_width, decoder.jpeg.image_height};
 }
 
@@ -136,7 +136,7 @@ unsigned scaleFor(PictureSize size, PictureSize wanted) {
   return scale;
 }
 
-ColorConverter prepareColors(Decoder& decoder, ByteView profile) {
+ColorConverter prepareColors(JpegDecoder& decoder, ByteView profile) {
   jpeg_decompress_struct& jpeg = decoder.jpeg;
   if (jpeg.num_components == 4) {
     jpeg.out_color_space = JCS_CMYK;
@@ -153,7 +153,7 @@ struct Attempt {
 };
 
 Attempt attempt(ByteView bytes, const PictureTarget& target, int orientation) {
-  Decoder decoder(bytes);
+  JpegDecoder decoder(bytes);
   const auto failed = [&] {
     if (decoder.hasNoMemory) {
       throw std::bad_alloc();
@@ -186,7 +186,7 @@ Attempt attempt(ByteView bytes, const PictureTarget& target, int orientation) {
 }  // namespace
 
 std::optional<JpegFacts> jpegFacts(ByteView bytes) {
-  Decoder decoder(bytes);
+  JpegDecoder decoder(bytes);
   if (!readHeader(decoder)) {
     return std::nullopt;
   }

@@ -17,11 +17,11 @@ constexpr png_alloc_size_t maxChunkMemory = 8'000'000;  // an inflated colour pr
 
 // The state of one decode. libpng leaves by longjmp from png_process_data() alone; what the
 // callbacks throw is kept until that call is over.
-struct Decoder {
-  explicit Decoder(const PictureTarget& pictureTarget);
-  Decoder(const Decoder&) = delete;
-  Decoder& operator=(const Decoder&) = delete;
-  ~Decoder() { png_destroy_read_struct(&png, &info, nullptr); }
+struct PngDecoder {
+  explicit PngDecoder(const PictureTarget& pictureTarget);
+  PngDecoder(const PngDecoder&) = delete;
+  PngDecoder& operator=(const PngDecoder&) = delete;
+  ~PngDecoder() { png_destroy_read_struct(&png, &info, nullptr); }
 
   void begin();
   void addRow(const std::uint8_t* row, png_uint_32 y);
@@ -42,7 +42,7 @@ struct Decoder {
 // A callback that runs out of memory must not throw through libpng.
 template <typename Step>
 void guarded(png_structp png, Step step) {
-  auto* decoder = static_cast<Decoder*>(png_get_progressive_ptr(png));
+  auto* decoder = static_cast<PngDecoder*>(png_get_progressive_ptr(png));
   try {
     step(*decoder);
     return;
@@ -53,17 +53,17 @@ void guarded(png_structp png, Step step) {
 }
 
 void onInfo(png_structp png, png_infop) {
-  guarded(png, [](Decoder& decoder) { decoder.begin(); });
+  guarded(png, [](PngDecoder& decoder) { decoder.begin(); });
 }
 
 void onRow(png_structp png, png_bytep row, png_uint_32 y, int) {
   if (row != nullptr) {
-    guarded(png, [&](Decoder& decoder) { decoder.addRow(row, y); });
+    guarded(png, [&](PngDecoder& decoder) { decoder.addRow(row, y); });
   }
 }
 
 void onEnd(png_structp png, png_infop) {
-  guarded(png, [](Decoder& decoder) { decoder.isEnded = true; });
+  guarded(png, [](PngDecoder& decoder) { decoder.isEnded = true; });
 }
 
 void onError(png_structp png, png_const_charp) {
@@ -72,7 +72,7 @@ void onError(png_structp png, png_const_charp) {
 
 void onWarning(png_structp, png_const_charp) {}
 
-Decoder::Decoder(const PictureTarget& pictureTarget) : target(pictureTarget) {
+PngDecoder::PngDecoder(const PictureTarget& pictureTarget) : target(pictureTarget) {
   png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, onError, onWarning);
   info = png == nullptr ? nullptr : png_create_info_struct(png);
   if (info == nullptr) {
@@ -99,7 +99,7 @@ ByteView profileOf(png_structp png, png_infop info) {
 }
 
 // All pixels become blue, green, red and alpha of eight bits.
-void Decoder::begin() {
+void PngDecoder::begin() {
   const int type = png_get_color_type(png, info);
   const bool isGray = (type & PNG_COLOR_MASK_COLOR) == 0;
   const bool isOpaque =
@@ -120,7 +120,7 @@ void Decoder::begin() {
   }
 }
 
-void Decoder::addRow(const std::uint8_t* row, png_uint_32 y) {
+void PngDecoder::addRow(const std::uint8_t* row, png_uint_32 y) {
   if (interlaced.empty()) {
     writer->addRow(row);
   } else if (y < size.height) {
@@ -129,13 +129,13 @@ void Decoder::addRow(const std::uint8_t* row, png_uint_32 y) {
   }
 }
 
-void Decoder::finishPasses() {
+void PngDecoder::finishPasses() {
   for (png_uint_32 y = 0; y < rowsOfPasses; ++y) {
     writer->addRow(interlaced.data() + rowBytes * y);
   }
 }
 
-void processAll(Decoder& decoder, ByteView bytes) {
+void processAll(PngDecoder& decoder, ByteView bytes) {
   if (setjmp(png_jmpbuf(decoder.png)) == 0) {
     png_process_data(decoder.png, decoder.info, const_cast<png_bytep>(bytes.data()), bytes.size());
   }
@@ -144,7 +144,7 @@ void processAll(Decoder& decoder, ByteView bytes) {
 }  // namespace
 
 PictureAnswer decodePng(ByteView bytes, const PictureTarget& target) {
-  Decoder decoder(target);
+  PngDecoder decoder(target);
   processAll(decoder, bytes);
   if (decoder.hasNoMemory) {
     throw std::bad_alloc();

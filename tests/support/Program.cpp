@@ -141,6 +141,7 @@ void Program::readWhileItRuns(ProgramResult& result) {
   const auto isClosed = [](const Source& source) { return !*source.descriptor; };
   while (std::erase_if(sources, isClosed), !sources.empty()) {
     std::vector<pollfd> waiting;
+    waiting.reserve(sources.size());
     for (const Source& source : sources) {
       waiting.push_back({source.descriptor->get(), POLLIN, 0});
     }

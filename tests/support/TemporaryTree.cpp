@@ -46,7 +46,7 @@ std::string TemporaryTree::path(std::string_view name) const {
 }
 
 std::string TemporaryTree::write(std::string_view name, std::string_view content) const {
-  const std::string file = path(name);
+  std::string file = path(name);
   fs::create_directories(parentPath(file));
   std::ofstream stream(file, std::ios::binary | std::ios::trunc);
   stream << content;
@@ -58,7 +58,7 @@ std::string TemporaryTree::write(std::string_view name, std::string_view content
 }
 
 std::string TemporaryTree::makeFolder(std::string_view name) const {
-  const std::string folder = path(name);
+  std::string folder = path(name);
   fs::create_directories(folder);
   return folder;
 }

@@ -15,7 +15,7 @@
 namespace snaplift {
 namespace {
 
-constexpr int openFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK;
+constexpr int listingFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK;
 
 std::error_code lastError() {
   return {errno, std::generic_category()};
@@ -24,11 +24,11 @@ std::error_code lastError() {
 // The way of systems without a call that refuses links and mounts in every component of a path:
 // one component after the other.
 int openStepByStep(int top, dev_t device, std::string_view path) {
-  FileDescriptor folder(::openat(top, ".", openFolder));
+  FileDescriptor folder(::openat(top, ".", listingFlags));
   while (folder && !path.empty()) {
     const std::string name(path.substr(0, path.find('/')));
     path.remove_prefix(std::min(path.size(), name.size() + 1));
-    FileDescriptor next(::openat(folder.get(), name.c_str(), openFolder | O_NOFOLLOW));
+    FileDescriptor next(::openat(folder.get(), name.c_str(), listingFlags | O_NOFOLLOW));
     struct stat status;
     if (next && (::fstat(next.get(), &status) != 0 || status.st_dev != device)) {
       errno = EXDEV;
@@ -50,7 +50,7 @@ bool isFolder(int folder, const dirent& entry) {
 
 }  // namespace
 
-FolderTree::FolderTree(const std::string& top) : m_top(::open(top.c_str(), openFolder)) {
+FolderTree::FolderTree(const std::string& top) : m_top(::open(top.c_str(), listingFlags)) {
   struct stat status;
   if (m_top && ::fstat(m_top.get(), &status) == 0) {
     m_identity = {status.st_dev, status.st_ino};
@@ -61,11 +61,11 @@ FolderTree::FolderTree(const std::string& top) : m_top(::open(top.c_str(), openF
 
 FileDescriptor FolderTree::open(const std::string& path) const {
   if (path.empty()) {
-    return FileDescriptor(::openat(m_top.get(), ".", openFolder));
+    return FileDescriptor(::openat(m_top.get(), ".", listingFlags));
   }
 #ifdef SYS_openat2
   open_how how{};
-  how.flags = openFolder | O_NOFOLLOW;
+  how.flags = listingFlags | O_NOFOLLOW;
   how.resolve = RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV | RESOLVE_BENEATH;
   const long folder = ::syscall(SYS_openat2, m_top.get(), path.c_str(), &how, sizeof how);
   // Some sandboxes forbid the call; a folder without permission says so in the other way again.

@@ -27,10 +27,10 @@ struct PictureRequest {
 
 struct PictureAnswer {
   enum class Outcome : std::uint32_t {
-    Started,    // first of all and unasked: the decoder is in its cage
-    Decoded,    // the pixels are there, or the facts
-    NoPreview,  // none that would do; the picture itself may be fine
-    NoPicture,  // the bytes are no picture, or show nothing
+    Started,      // first of all and unasked: the decoder is in its cage
+    Decoded,      // the pixels are there, or the facts
+    NoPreview,    // none that would do; the picture itself may be fine
+    NoPicture,    // the bytes are no picture, or show nothing
     TooLarge,     // not within the memory that this decoder may have
     OtherDecoder  // the bytes may be an HEIF file, which this program does not read
   };

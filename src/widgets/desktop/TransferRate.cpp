@@ -6,7 +6,7 @@
 namespace snaplift {
 namespace {
 
-struct Words {
+struct RateWords {
   Q_DECLARE_TR_FUNCTIONS(TransferRate)
 };
 
@@ -39,18 +39,18 @@ void TransferRate::update(Time now, std::uint64_t done) {
 
 QString timeLeftText(double seconds) {
   if (seconds < minute) {
-    return Words::tr("less than a minute left");
+    return RateWords::tr("less than a minute left");
   }
   if (seconds >= 99 * hour) {
-    return Words::tr("more than 99 hours left");
+    return RateWords::tr("more than 99 hours left");
   }
   const bool areHours = seconds >= 1.5 * hour;
   const int count = static_cast<int>(std::lround(seconds / (areHours ? hour : minute)));
   if (areHours) {
-    return Words::tr("about %n hours left", nullptr, count);
+    return RateWords::tr("about %n hours left", nullptr, count);
   }
-  return count == 1 ? Words::tr("about 1 minute left")
-                    : Words::tr("about %n minutes left", nullptr, count);
+  return count == 1 ? RateWords::tr("about 1 minute left")
+                    : RateWords::tr("about %n minutes left", nullptr, count);
 }
 
 }  // namespace snaplift

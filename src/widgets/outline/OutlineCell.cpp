@@ -50,7 +50,8 @@ void OutlineCell::drawWithFrame(QPainter& painter, const QRectF& frame,
   // The text runs in its own direction, so that an ellipsis stands where the text goes on.
   painter.setLayoutDirection(Qt::LayoutDirectionAuto);
   const Qt::Alignment side = direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft;
-  painter.drawText(frame, side | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+  const auto place = static_cast<int>((side | Qt::AlignAbsolute | Qt::AlignVCenter).toInt());
+  painter.drawText(frame, place | Qt::TextSingleLine, shown);
 }
 
 }  // namespace snaplift

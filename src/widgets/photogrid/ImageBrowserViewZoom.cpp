@@ -8,11 +8,6 @@
 #include "widgets/photogrid/PhotoPreview.h"
 
 namespace snaplift {
-namespace {
-
-constexpr double zoomStep = 1.25;  // of a key, or of one notch of the wheel
-
-}  // namespace
 
 // Photos change columns as the grid is laid out anew. So a series of steps about one point holds
 // the photo that it began with, not the one that each step puts there.
@@ -79,10 +74,12 @@ QPoint ImageBrowserView::zoomPoint() const {
 }
 
 void ImageBrowserView::zoomIn() {
-  m_preview ? m_preview->zoomBy(zoomStep) : zoomBy(zoomStep, zoomPoint());
+  m_preview ? m_preview->zoomBy(PhotoPreview::zoomStep)
+            : zoomBy(PhotoPreview::zoomStep, zoomPoint());
 }
 void ImageBrowserView::zoomOut() {
-  m_preview ? m_preview->zoomBy(1 / zoomStep) : zoomBy(1 / zoomStep, zoomPoint());
+  m_preview ? m_preview->zoomBy(1 / PhotoPreview::zoomStep)
+            : zoomBy(1 / PhotoPreview::zoomStep, zoomPoint());
 }
 void ImageBrowserView::zoomToInitialSize() {
   m_preview ? m_preview->setZoom(1, {}) : setZoomValueAboutPoint(initialZoom, zoomPoint());
@@ -93,10 +90,9 @@ void ImageBrowserView::wheelEvent(QWheelEvent* event) {
     QAbstractScrollArea::wheelEvent(event);
     return;
   }
-  constexpr double notch = 120;
   const int angle = event->angleDelta().y();
   if (angle != 0) {
-    zoomBy(std::pow(zoomStep, angle / notch), event->position().toPoint());
+    zoomBy(PhotoPreview::zoomOfWheel(angle), event->position().toPoint());
   }
   event->accept();
 }

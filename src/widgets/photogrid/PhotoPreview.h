@@ -29,6 +29,11 @@ class PhotoPreview : public QWidget {
   Q_OBJECT
 
 public:
+  // The factor of a key, and of one notch of the wheel, in the grid as well.
+  static constexpr double zoomStep = 1.25;
+  // The factor for an angle of the wheel, in eighths of a degree, as Qt has it.
+  static double zoomOfWheel(int angle);
+
   explicit PhotoPreview(ImageBrowserView* view);
   ~PhotoPreview() override;
 

@@ -12,10 +12,14 @@
 namespace snaplift {
 namespace {
 
-constexpr double zoomStep = 1.25;
 constexpr double largestZoom = 2;  // device pixels for each pixel of the photo
 
 }  // namespace
+
+double PhotoPreview::zoomOfWheel(int angle) {
+  constexpr double notch = 120;
+  return std::pow(zoomStep, angle / notch);
+}
 
 void PhotoPreview::setZoom(double zoom, QPointF about) {
   if (m_photo.picture.isNull()) {
@@ -105,8 +109,7 @@ void PhotoPreview::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void PhotoPreview::wheelEvent(QWheelEvent* event) {
-  constexpr double notch = 120;
-  setZoom(m_zoom * std::pow(zoomStep, event->angleDelta().y() / notch), event->position());
+  setZoom(m_zoom * zoomOfWheel(event->angleDelta().y()), event->position());
   event->accept();
 }
 
