@@ -28,6 +28,7 @@ void ImageBrowserView::askForContent() {
   std::vector<int> counts(m_groups.size());
   std::ranges::transform(m_groups, counts.begin(), &ImageBrowserGroup::count);
   if (std::accumulate(counts.begin(), counts.end(), std::int64_t{0}) != count) {
+    m_groups.clear();
     counts.clear();
   }
   m_layout = counts.empty() ? GridLayout(count, measures()) : GridLayout(counts, measures());
