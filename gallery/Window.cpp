@@ -85,14 +85,14 @@ public:
     browser().setPreviewOpen(false);
   }
 
-  // Two years in the order of their dates, then a text that nothing matches.
+  // A year by its months, then a text that nothing matches.
   void shootFinding() {
     for (const char* choice : {"actionSortDate", "actionGroupByMonth", "actionDates",
                                "actionOriginalsOnly", "actionFind"}) {
       m_delegate.window()->findChild<QAction*>(choice)->trigger();
     }
     auto* field = m_delegate.window()->findChild<QLineEdit*>();
-    field->setText("2011");
+    field->setText("2020");
     waitForPhotos();
     shoot("found");
     field->setText("nowhere");
