@@ -27,7 +27,7 @@ FileSystemKind fileSystemKind = FileSystemKind::Whole;
 const char* mark = nullptr;
 std::atomic<int> calls = 0;
 
-CallFault faultOf(SystemCall call) {
+CallFault orderedFault(SystemCall call) {
   if (call != faultyKind || ++calls != faultyCall) {
     return {.kind = fileSystemKind};
   }
@@ -54,7 +54,7 @@ CallFault faultOf(SystemCall call) {
   const char* kindNumber = std::getenv("SNAPLIFT_FAULT_KIND");
   fileSystemKind = static_cast<FileSystemKind>(kindNumber != nullptr ? std::atoi(kindNumber) : 0);
   ::alarm(longestRunInSeconds);
-  setFaultPolicy(faultOf);
+  setFaultPolicy(orderedFault);
 }
 
 }  // namespace
