@@ -90,11 +90,11 @@ ImageBrowserItemPointer TestPhotos::item(int number) const {
 
 ImageBrowserItemPointer TestPhotos::imageBrowserItemAtIndex(const ImageBrowserView&,
                                                             int index) const {
-  return item(m_order[static_cast<std::size_t>(index)]);
+  return item(m_order.at(static_cast<std::size_t>(index)));
 }
 
 QString TestPhotos::imageBrowserTitleAtIndex(const ImageBrowserView&, int index) const {
-  return QString::fromStdString(titleOf(m_order[static_cast<std::size_t>(index)]));
+  return QString::fromStdString(titleOf(m_order.at(static_cast<std::size_t>(index))));
 }
 
 }  // namespace snaplift::test
