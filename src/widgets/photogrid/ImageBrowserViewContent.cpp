@@ -35,15 +35,15 @@ void ImageBrowserView::askForContent() {
 }
 
 void ImageBrowserView::reloadData() {
-  // The source may have fewer items by now, and the grid behind a preview goes on as that closes.
-  m_thumbnails->setItems({}, 0);
-  setPreviewOpen(false);
   const bool hadSelection = !selectionIndexes().empty();
   askForContent();
   m_selection = GridSelection(itemCount());
   if (m_dataSource) {
     m_thumbnails->setItems([this](int index) { return itemAtIndex(index); }, itemCount());
+  } else {
+    m_thumbnails->setItems({}, 0);
   }
+  setPreviewOpen(false);  // only now: the grid behind it goes on with the items that there are
   m_scrollsBackwards = false;
   verticalScrollBar()->setValue(0);
   m_anchor.reset();
