@@ -70,11 +70,12 @@ bool endsSoon(int process) {
 TEST(PictureDecoder, isInItsCage) {
   PictureDecoder decoder({{}, memory});
   const QImage picture = test::quadrants({64, 48});
-  const QByteArray heic = test::heicOf(picture, 1, 8, 16);
-  std::vector<QByteArray> files(heic.isEmpty() ? 1 : 3, test::encoded(picture));
+  std::vector<QByteArray> files{test::encoded(picture)};
+  if (const QByteArray heic = test::heicOf(picture, 1, 8, 16); !heic.isEmpty()) {
+    files.insert(files.end(), {heic, files.front()});
+  }
   std::vector<int> processes;
-  for (QByteArray& file : files) {
-    file = processes.size() == 1 ? heic : file;
+  for (const QByteArray& file : files) {
     const PictureRequest request{PictureRequest::Kind::Picture, 96};
     ASSERT_EQ(decoder.decode(request, test::viewOf(file), goOn).outcome, Outcome::Decoded);
     processes.push_back(decoder.processId());
@@ -84,13 +85,14 @@ TEST(PictureDecoder, isInItsCage) {
       EXPECT_EQ(statusOf(decoder.processId(), "Threads"), "1");
     }
   }
-  if (!heic.isEmpty()) {
+  if (processes.size() > 1) {
     EXPECT_NE(processes[1], processes[0]);
     EXPECT_EQ(processes[2], processes[1]);
     EXPECT_TRUE(isGone(processes[0]));
   }
 }
 
+// What the filter of system calls would not let them try: a file that every user can read.
 TEST(PictureDecoder, canOpenNoPathWhateverTheCall) {
   if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1) {
     GTEST_SKIP() << "this kernel has no Landlock";
