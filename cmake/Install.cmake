@@ -23,10 +23,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDI
 
 if(SNAPLIFT_GUI)
   install(TARGETS snaplift)
-  set(decoders snaplift-picture-decoder)
-  if(SNAPLIFT_HEIF)
-    list(APPEND decoders snaplift-heif-decoder)
-  endif()
+  get_target_property(decoders decoderprograms MANUALLY_ADDED_DEPENDENCIES)
   install(TARGETS ${decoders} DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/snaplift")
   install_man_page(snaplift)
   install(FILES "${resources}/${application_id}.desktop"
