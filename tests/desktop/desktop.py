@@ -12,7 +12,6 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
 
 PATIENCE = float(os.environ.get("SNAPLIFT_PATIENCE", 120))  # seconds for any one condition
@@ -94,15 +93,6 @@ def started(stack, arguments, **options):
         process.wait()
     stack.callback(end)
     return process
-
-
-def make_home(stack):
-    """A home folder of the test's own, for every program that it starts."""
-    home = stack.enter_context(tempfile.TemporaryDirectory(prefix="snaplift-home-",
-                                                           ignore_cleanup_errors=True))
-    os.environ.update(HOME=home, XDG_RUNTIME_DIR=home, XDG_CONFIG_HOME=home + "/config",
-                      XDG_CACHE_HOME=home + "/cache", XDG_DATA_HOME=home + "/data")
-    return home
 
 
 def start_display(stack):

@@ -1,6 +1,6 @@
 """Drives the real window from start to end: with pointer and keys, and read as a screen reader does.
 
-usage: window.py SCENARIO SNAPLIFT WRITEBACKUPS [FILE MANAGER]   (on a session bus of its own)
+usage: window.py SCENARIO SNAPLIFT WRITEBACKUPS [FILE MANAGER]   (in a session of its own)
 """
 
 import contextlib
@@ -15,7 +15,7 @@ import tempfile
 
 from accessible import (FocusedMenu, application, extents, find, has_state, matching, middle,
                         names, objects, press, safe)
-from desktop import (PATIENCE, again, bring_to_front, drag_pointer, make_home, place_window,
+from desktop import (PATIENCE, again, bring_to_front, drag_pointer, place_window,
                      start_display, start_file_manager, started, visible_window, wait_for, xdotool)
 
 ROW = "table cell"  # what Qt tells of a tree's row
@@ -623,7 +623,7 @@ class Test:
         self.writer = writer
         self.manager = manager
         self.folder = stack.enter_context(tempfile.TemporaryDirectory(prefix="snaplift-folder-"))
-        self.root = os.path.join(make_home(stack), ROOT)
+        self.root = os.path.join(os.environ["HOME"], ROOT)
         self.errors = stack.enter_context(tempfile.TemporaryFile("w+"))
         subprocess.run([writer, self.root], check=True)
 
