@@ -22,6 +22,9 @@ target_compile_options(snaplift_options INTERFACE
   # Which GCC's -Wconversion leaves out in C++.
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>)
 target_link_libraries(snaplift_options INTERFACE Threads::Threads)
+# Indexes that are out of range end the program where it is tested, as they do in a package.
+target_compile_definitions(snaplift_options INTERFACE
+  $<$<NOT:$<CONFIG:Release>>:_GLIBCXX_ASSERTIONS>)
 
 set(SNAPLIFT_SANITIZE "" CACHE STRING "Comma-separated sanitizers for every target")
 if(SNAPLIFT_SANITIZE)
